@@ -1,0 +1,164 @@
+#pragma once
+
+// The one include a caller needs: the loading operations, their settings, the records and
+// the exception.
+
+#include <reference/docparser/DocParserException.hpp>
+#include <reference/docparser/DocResource.hpp>
+#include <reference/docparser/Export.hpp>
+#include <reference/docparser/ProductData.hpp>
+#include <reference/property/DeprecationStatus.hpp>
+#include <reference/property/FunctionType.hpp>
+#include <reference/property/HeaderInfo.hpp>
+#include <reference/property/RefEntityType.hpp>
+#include <reference/property/RefItem.hpp>
+#include <reference/property/RefItemLookup.hpp>
+#include <reference/property/SyntaxType.hpp>
+
+#include <boost/json/array.hpp>
+#include <boost/json/object.hpp>
+#include <boost/json/value.hpp>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace doc_products_shared {
+class TopLevelDocProduct;
+}
+
+namespace reference::docparser {
+
+// What one run of the multi-product pipeline needs: the caller's parser and installed-product
+// test (used by reference, so they must outlive the run), the supported locale suffixes
+// ("_ja", ...) and the current locale's suffix.
+template <class T>
+struct ParsingInfo {
+    using JsonParsingFcn = std::function<T(const std::string&)>;
+    using IsInstalledFcn = std::function<bool(const std::u16string&)>;
+
+    const JsonParsingFcn& jsonParsingFcn;
+    const IsInstalledFcn& isInstalledFcn;
+    std::vector<std::u16string> supportedLocales;
+    std::u16string localeSuffix;
+};
+
+class REFDOC_API DocResourceParser {
+public:
+    DocResourceParser() = delete;
+
+    // The documentation root and the two data folders below it. Never modified once made;
+    // always shared as a pointer to const, so a snapshot stays consistent.
+    struct REFDOC_API ReferenceRoots {
+        // Folders from the host's documentation root service.
+        ReferenceRoots();
+        // Folders by plain concatenation: root + "/" + "docCatalog/referenceapi_lookup" etc.
+        explicit ReferenceRoots(std::u16string root);
+
+        std::u16string docRoot;
+        std::u16string lookupFolder;
+        std::u16string referenceFolder;
+    };
+
+    // Resources of installed products, and of the others.
+    template <class T>
+    struct ParsingResults {
+        T installedResources;
+        T uninstalledResources;
+    };
+
+    using LookupResourceMap = std::map<std::u16string, DocResource<property::RefItemLookup>>;
+    using RefItemFileMap = std::map<std::u16string, DocResource<property::RefItem>>;
+
+    using TopLevelProductList =
+        std::shared_ptr<const std::vector<std::shared_ptr<const doc_products_shared::TopLevelDocProduct>>>;
+    using TopLevelProductsProvider = std::function<TopLevelProductList()>;
+    using SupportPackageSet = std::shared_ptr<const std::unordered_set<std::u16string>>;
+
+    class REFDOC_API ParsingTools {
+    public:
+        ParsingTools() = delete;
+
+        // How the bytes of a JSON string become UTF-16. Any value other than Ascii acts as Utf8.
+        enum StringParsingType : int {
+            Ascii = 0, // 7-bit text, widened byte by byte
+            Utf8 = 1,  // scanned; decoded as UTF-8 if it holds a byte outside 0x01..0x7E
+        };
+
+        static const std::u16string kEnglishLocale; // "en"
+        static constexpr char16_t kLocaleSeparator = u'_';
+        static const std::u16string kJsonExt;       // "json"
+        static const std::u16string kZipExt;        // "zip"
+        static const std::u16string kDotJsonExt;    // ".json"
+        static const std::u16string kDotZipExt;     // ".zip"
+
+        // Field access. Required strings throw DocParserException when missing; every accessor
+        // throws DocParserException when a member has the wrong JSON kind.
+        static std::u16string getFluString(const boost::json::value& value, StringParsingType type);
+        static std::u16string getFluString(const boost::json::object& object, const std::string& key,
+                                           StringParsingType type);
+        static std::u16string getFluStringWithFallback(const boost::json::object& object, const std::string& key,
+                                                       StringParsingType type);
+        static const boost::json::array& getJsonArray(const boost::json::value& value);
+        static const boost::json::array& getJsonArray(const boost::json::value& value, const std::string& key);
+        // T is one of the enumerations of reference::property. Missing key or unknown text: default.
+        template <class T>
+        static typename T::Value getEnumFromJson(const boost::json::object& object, const std::string& key);
+        static property::HeaderInfo getHeaderInfo(const boost::json::value& value);
+
+        // Documentation locales.
+        static std::u16string getCurrentLocale();
+        static std::vector<std::u16string> getSupportedDocLocales();
+
+        // The multi-product pipeline over one data folder.
+        template <class T>
+        static ParsingResults<T> parseMultipleProductFiles(const std::u16string& folder,
+                                                           const typename ParsingInfo<T>::JsonParsingFcn& jsonParsingFcn,
+                                                           const typename ParsingInfo<T>::IsInstalledFcn& isInstalledFcn);
+        template <class T>
+        static ParsingResults<T> readZipFiles(const std::vector<ProductPathData>& zipPackages,
+                                              const ParsingInfo<T>& info);
+        template <class T, class D>
+        static void readJsonFiles(const std::vector<D>& files, const ParsingInfo<T>& info,
+                                  ParsingResults<T>& results);
+
+        // Combines two resources delivered under the same key; `source` is left unspecified.
+        template <class T>
+        static void mergeResourceFiles(T& target, T&& source, bool sourceTakesPrecedence);
+    };
+
+    // Settings.
+    static std::shared_ptr<const ReferenceRoots> getReferenceRoots();
+    static void setReferenceRoot(std::u16string root);
+    static void restoreDefaultSettings();
+    static void setTestProducts(const std::vector<std::u16string>& productNames,
+                                const std::vector<std::u16string>& supportPackageNames);
+    static void clearSupportPackageCache();
+
+    // Products and support packages.
+    static TopLevelProductList getTopLevelProducts();
+    static SupportPackageSet getHardwareSupportPackages();
+    static bool isProductInstalled(const std::u16string& name);
+
+    // Listing of a data folder.
+    static bool isValidFilename(const std::filesystem::path& path);
+    static std::pair<std::vector<ProductPathData>, std::vector<ProductPathData>>
+    getAllProducts(const std::u16string& folder, const std::vector<std::u16string>& localeSuffixes,
+                   const std::u16string& currentLocaleSuffix);
+
+    // File access: the whole file, or "" when it cannot be read.
+    static std::string openAndReadFile(const std::u16string& path);
+    static std::string openAndReadFile(const ProductPathData& file);
+    static std::string openAndReadFile(const ProductZipData& file);
+
+    // Loading.
+    static ParsingResults<LookupResourceMap> getResourceLookupFiles();
+    static RefItemFileMap getResourceFile(const std::u16string& name);
+};
+
+} // namespace reference::docparser

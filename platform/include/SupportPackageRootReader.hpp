@@ -1,0 +1,14 @@
+#pragma once
+
+#include <platform/Export.hpp>
+
+#include <string>
+
+// Tells where the host keeps its installed hardware support packages.
+class REFDOC_PLATFORM_API SupportPackageRootReader {
+public:
+    // The configured root, without creating the folder. Default "".
+    std::u16string getSupportPackageRootNoCreate() const;
+
+    static void setSupportPackageRoot(std::u16string root);
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace refdoc::test {
+
+// A fresh folder under the system temp folder, removed with everything in it on destruction.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::filesystem::path& path() const noexcept { return path_; }
+    std::u16string u16() const { return path_.u16string(); }
+
+    // Writes `bytes` to path()/relative, creating parent folders; returns the full path.
+    std::filesystem::path write(const std::filesystem::path& relative, std::string_view bytes) const;
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace refdoc::test
