@@ -1,0 +1,19 @@
+// Uses the public API through the one header a host includes.
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <cstdio>
+
+int main() {
+    using namespace reference;
+    try {
+        throw docparser::DocParserException();
+    } catch (const foundation::core::except::IException& e) {
+        std::printf("caught %s\n", e.what());
+    }
+    const auto type = property::RefEntityType::stringToEnum("block");
+    docparser::DocResource<property::RefItemLookup> resource(
+        property::HeaderInfo(u"Product", u"PR", u"product", u"help/product"),
+        {{u"f", {property::RefItemLookup(u"f", type, u"does f", false, u"f.html", property::FunctionType::Ordinary)}}});
+    std::printf("entity type %d, %zu item group(s)\n", static_cast<int>(type), resource.getItems().size());
+    return resource.getItems().size() == 1 ? 0 : 1;
+}

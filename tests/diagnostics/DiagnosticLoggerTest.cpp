@@ -1,0 +1,97 @@
+#include <reference/docparser/DiagnosticLogger.hpp>
+
+#include "support/LogCapture.hpp"
+
+#include <boost/log/core.hpp>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using reference::docparser::diagnosticLogger;
+using refdoc::test::CapturedRecord;
+using refdoc::test::LogCapture;
+
+// A piece whose conversion to text can be observed: it counts how often it is written.
+struct CountingPiece {
+    int* writes;
+};
+
+template <class Stream>
+Stream& operator<<(Stream& out, const CountingPiece& piece) {
+    ++*piece.writes;
+    return out << std::u16string_view(u"piece");
+}
+
+struct ThrowingPiece {};
+
+template <class Stream>
+Stream& operator<<(Stream&, const ThrowingPiece&) {
+    throw std::runtime_error("interrupted");
+}
+
+TEST(DiagnosticLogger, IsNamedAndStartsWithOnlyTheErrorSeverity) {
+    EXPECT_EQ(diagnosticLogger().channel(), "referenceApi::docparser");
+    EXPECT_EQ(foundation::log::basic_diagnostic_logger<char>::kDefaultEnabledSeverities, 512u);
+    EXPECT_TRUE(diagnosticLogger().isEnabled(512));
+    EXPECT_FALSE(diagnosticLogger().isEnabled(16));
+}
+
+TEST(DiagnosticLogger, EnabledRecordCarriesChannelSeverityAndConvertedText) {
+    LogCapture capture(16 | 512);
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "Reading file: " << std::u16string(u"/docs/\u65E5\u672C/a\U0001F600.json");
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 512) << "Problem reading JSON file: " << std::u16string(u"x");
+    const std::vector<CapturedRecord> expected = {
+        {"referenceApi::docparser", 16, "Reading file: /docs/\xE6\x97\xA5\xE6\x9C\xAC/a\xF0\x9F\x98\x80.json"},
+        {"referenceApi::docparser", 512, "Problem reading JSON file: x"},
+    };
+    EXPECT_EQ(capture.records(), expected);
+}
+
+TEST(DiagnosticLogger, DisabledSeverityWritesNothingAndConvertsNothing) {
+    LogCapture capture(512);
+    int writes = 0;
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "Reading file: " << CountingPiece{&writes};
+    EXPECT_EQ(writes, 0);
+    EXPECT_TRUE(capture.records().empty());
+
+    diagnosticLogger().setEnabledSeverities(16);
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 512) << "Problem reading JSON file: " << CountingPiece{&writes};
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "Reading file: " << CountingPiece{&writes};
+    EXPECT_EQ(writes, 1);
+    EXPECT_EQ(capture.messages(), std::vector<std::string>{"Reading file: piece"});
+}
+
+TEST(DiagnosticLogger, NoRecordOpensWhenTheCoreIsDisabled) {
+    LogCapture capture(16 | 512);
+    int writes = 0;
+    boost::log::core::get()->set_logging_enabled(false);
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << CountingPiece{&writes};
+    boost::log::core::get()->set_logging_enabled(true);
+    EXPECT_EQ(writes, 0);
+    EXPECT_TRUE(capture.records().empty());
+}
+
+TEST(DiagnosticLogger, StatementLeftByAnExceptionLeavesNoPartialRecord) {
+    LogCapture capture(16 | 512);
+    EXPECT_THROW(FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "Reading file: " << ThrowingPiece{} << "never",
+                 std::runtime_error);
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "after";
+    EXPECT_EQ(capture.messages(), std::vector<std::string>{"after"});
+}
+
+TEST(DiagnosticLogger, StatementBindsCorrectlyInsideIfElse) {
+    LogCapture capture(16);
+    bool elseTaken = false;
+    const bool condition = false;
+    if (condition)
+        FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "then";
+    else
+        elseTaken = true;
+    EXPECT_TRUE(elseTaken);
+    EXPECT_TRUE(capture.records().empty());
+}
+
+} // namespace

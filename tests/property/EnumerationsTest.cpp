@@ -1,0 +1,66 @@
+#include <reference/property/DeprecationStatus.hpp>
+#include <reference/property/FunctionType.hpp>
+#include <reference/property/RefEntityType.hpp>
+#include <reference/property/SyntaxType.hpp>
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using namespace reference::property;
+
+// Every spelled value must survive text -> value -> text, spellings must be unique, and the
+// numbers stored in records must stay as documented.
+template <class E>
+void expectRoundTrips(int firstSpelled, int last) {
+    std::set<std::string> seen;
+    for (int n = firstSpelled; n <= last; ++n) {
+        const auto value = static_cast<typename E::Value>(n);
+        const std::string_view text = E::toString(value);
+        ASSERT_FALSE(text.empty()) << "value " << n << " has no spelling";
+        EXPECT_TRUE(seen.insert(std::string(text)).second) << "duplicate spelling " << text;
+        EXPECT_EQ(E::stringToEnum(text), value) << text;
+    }
+    EXPECT_TRUE(E::toString(static_cast<typename E::Value>(last + 1)).empty());
+}
+
+TEST(Enumerations, EveryValueRoundTripsThroughItsText) {
+    expectRoundTrips<RefEntityType>(1, RefEntityType::DataType);
+    expectRoundTrips<FunctionType>(1, FunctionType::Conversion);
+    expectRoundTrips<SyntaxType>(1, SyntaxType::Output);
+    expectRoundTrips<DeprecationStatus>(0, DeprecationStatus::Removed);
+}
+
+TEST(Enumerations, DefaultsAreTheDocumentedValues) {
+    EXPECT_EQ(RefEntityType::getDefaultValue(), RefEntityType::Unspecified);
+    EXPECT_EQ(FunctionType::getDefaultValue(), FunctionType::Unspecified);
+    EXPECT_EQ(SyntaxType::getDefaultValue(), SyntaxType::Unspecified);
+    EXPECT_EQ(DeprecationStatus::getDefaultValue(), DeprecationStatus::Current);
+    // The unspecified defaults have no spelling: no text in the data can produce them.
+    EXPECT_TRUE(RefEntityType::toString(RefEntityType::Unspecified).empty());
+}
+
+TEST(Enumerations, BlockIsTheEntityTypeNumberedTwelve) {
+    // The page parser switches member-name decoding on this number.
+    EXPECT_EQ(static_cast<int>(RefEntityType::stringToEnum("block")), 12);
+    EXPECT_EQ(sizeof(RefEntityType::Value), 4u);
+}
+
+TEST(Enumerations, UnknownTextThrows) {
+    for (const char* text : {"", "Function", "FUNCTION", " function", "function ", "func", "functions",
+                             "unknown", "\xE6\x97\xA5"}) {
+        SCOPED_TRACE(text);
+        EXPECT_THROW(RefEntityType::stringToEnum(text), std::invalid_argument);
+        EXPECT_THROW(FunctionType::stringToEnum(text), std::invalid_argument);
+        EXPECT_THROW(SyntaxType::stringToEnum(text), std::invalid_argument);
+        EXPECT_THROW(DeprecationStatus::stringToEnum(text), std::invalid_argument);
+    }
+    // Embedded NUL: the comparison covers the whole view, not a C string prefix.
+    EXPECT_THROW(RefEntityType::stringToEnum(std::string_view("class\0x", 7)), std::invalid_argument);
+}
+
+} // namespace

@@ -1,0 +1,153 @@
+#include <reference/docparser/DocResource.hpp>
+#include <reference/property/HeaderInfo.hpp>
+#include <reference/property/RefItem.hpp>
+#include <reference/property/RefItemLookup.hpp>
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using namespace reference::property;
+using reference::docparser::DocResource;
+
+EngineHandle newHandle() {
+    return EngineHandle(new engine::EngineValue());
+}
+
+ObjectInfo info(const char16_t* name) {
+    return ObjectInfo(name, u"purpose", {u"v1", u"v2"}, std::u16string(u"ref/a.html#") + name);
+}
+
+RefItem sampleItem() {
+    std::vector<InputGroup> inputs;
+    inputs.emplace_back(u"Inputs", std::vector<Input>{Input(info(u"x"), SyntaxType::Required, u"1", false)});
+    std::vector<ClassProperty> props{ClassProperty(info(u"Color"), u"red")};
+    std::vector<ClassPropertyGroup> propGroups;
+    propGroups.emplace_back(u"Appearance", std::move(props));
+    return RefItem(u"ref/a.html", {RefEntity(RefEntityType::Function, u"a", FunctionType::Ordinary)}, u"pkg",
+                   u"Do a", u"R1", u"Long text", u"thumb.png", u"Thumb", DeprecationStatus::Current,
+                   {SyntaxGroup(u"Syntax", SyntaxType::Function, {u"a(x)"})}, std::move(inputs),
+                   {Output(info(u"y"), SyntaxType::Output)}, std::move(propGroups), {SeeAlso(u"b.html", u"b")},
+                   {Example(u"ex.html", u"open ex", u"Example")}, {Parameter(info(u"p"), u"0")});
+}
+
+template <class T>
+constexpr bool movesWithoutThrowing = std::is_nothrow_move_constructible_v<T> && std::is_nothrow_move_assignable_v<T>;
+
+TEST(Records, MoveOperationsDoNotThrowSoVectorsMoveOnGrowth) {
+    static_assert(movesWithoutThrowing<HeaderInfo>);
+    static_assert(movesWithoutThrowing<RefItemLookup>);
+    static_assert(movesWithoutThrowing<ObjectInfo>);
+    static_assert(movesWithoutThrowing<Input>);
+    static_assert(movesWithoutThrowing<InputGroup>);
+    static_assert(movesWithoutThrowing<Output>);
+    static_assert(movesWithoutThrowing<Parameter>);
+    static_assert(movesWithoutThrowing<ClassProperty>);
+    static_assert(movesWithoutThrowing<ClassPropertyGroup>);
+    static_assert(movesWithoutThrowing<SyntaxGroup>);
+    static_assert(movesWithoutThrowing<SeeAlso>);
+    static_assert(movesWithoutThrowing<Example>);
+    static_assert(movesWithoutThrowing<RefEntity>);
+    static_assert(movesWithoutThrowing<RefItem>);
+    static_assert(movesWithoutThrowing<DocResource<RefItem>>);
+    static_assert(movesWithoutThrowing<DocResource<RefItemLookup>>);
+    SUCCEED();
+}
+
+TEST(Records, FreshRecordHasEveryHandleEmpty) {
+    const RefItem item = sampleItem();
+    EXPECT_TRUE(item.engineValues().allEmpty());
+    EXPECT_TRUE(item.getEntities()[0].engineValues().allEmpty());
+    EXPECT_TRUE(item.getSyntaxGroups()[0].engineValues().allEmpty());
+    EXPECT_TRUE(item.getInputGroups()[0].engineValues().allEmpty());
+    EXPECT_TRUE(item.getInputGroups()[0].getInputs()[0].engineValues().allEmpty());
+    EXPECT_TRUE(item.getInputGroups()[0].getInputs()[0].getInfo().engineValues().allEmpty());
+    EXPECT_TRUE(item.getOutputs()[0].engineValues().allEmpty());
+    EXPECT_TRUE(item.getClassPropertyGroups()[0].engineValues().allEmpty());
+    EXPECT_TRUE(item.getParameters()[0].getInfo().engineValues().allEmpty());
+}
+
+TEST(Records, MovingARefItemEmptiesTheSourceAndKeepsTheValue) {
+    RefItem source = sampleItem();
+    source.engineValues().set(9, newHandle());
+    const RefItem before = source; // copy takes a further reference on the handle
+    RefItem target(std::move(source));
+
+    EXPECT_EQ(target, before);
+    EXPECT_TRUE(source.engineValues().allEmpty());
+    EXPECT_TRUE(source.getEntities().empty());
+    EXPECT_TRUE(source.getSyntaxGroups().empty());
+    EXPECT_TRUE(source.getInputGroups().empty());
+    EXPECT_TRUE(source.getOutputs().empty());
+    EXPECT_TRUE(source.getClassPropertyGroups().empty());
+    EXPECT_TRUE(source.getSeeAlso().empty());
+    EXPECT_TRUE(source.getExamples().empty());
+    EXPECT_TRUE(source.getParameters().empty());
+}
+
+TEST(Records, HandlesAreReleasedExactlyOnceAcrossMovesAndVectorGrowth) {
+    const auto releasesBefore = engine::EngineValue::releaseCount();
+    const auto liveBefore = engine::EngineValue::liveCount();
+    constexpr int kItems = 100;
+    {
+        std::vector<RefItem> items; // no reserve: growth moves the elements several times
+        for (int i = 0; i < kItems; ++i) {
+            RefItem item = sampleItem();
+            item.engineValues().set(0, newHandle());
+            item.engineValues().set(9, newHandle());
+            items.push_back(std::move(item));
+        }
+        EXPECT_EQ(engine::EngineValue::liveCount() - liveBefore, 2u * kItems);
+        // Moves never release: only the final owners hold the handles.
+        EXPECT_EQ(engine::EngineValue::releaseCount(), releasesBefore);
+        for (const auto& item : items) {
+            EXPECT_EQ(item.engineValues().get(0)->useCount(), 1u);
+        }
+    }
+    EXPECT_EQ(engine::EngineValue::releaseCount() - releasesBefore, 2u * kItems);
+    EXPECT_EQ(engine::EngineValue::liveCount(), liveBefore);
+}
+
+TEST(Records, EverySlottedRecordReleasesItsHandleOnDestruction) {
+    const auto releasesBefore = engine::EngineValue::releaseCount();
+    {
+        ObjectInfo oi = info(u"n");
+        oi.engineValues().set(0, newHandle());
+        Output out(info(u"o"), SyntaxType::Output);
+        out.engineValues().set(0, newHandle());
+        SyntaxGroup group(u"t", SyntaxType::Function, {});
+        group.engineValues().set(0, newHandle());
+        group.engineValues().set(1, newHandle());
+        RefEntity entity(RefEntityType::Class, u"c", FunctionType::Unspecified);
+        entity.engineValues().set(1, newHandle());
+        EXPECT_THROW(entity.engineValues().set(2, newHandle()), std::out_of_range);
+    }
+    // The rejected slot's handle is released too, by the temporary that held it.
+    EXPECT_EQ(engine::EngineValue::releaseCount() - releasesBefore, 6u);
+}
+
+TEST(Records, LookupAndHeaderAccessors) {
+    const RefItemLookup lookup(u"plot", RefEntityType::Function, u"Draw", true, u"ref/plot.html",
+                               FunctionType::Builtin);
+    EXPECT_EQ(lookup.getName(), u"plot");
+    EXPECT_EQ(lookup.getHref(), u"ref/plot.html");
+    EXPECT_TRUE(lookup.isDeprecated());
+    EXPECT_EQ(lookup.getFunctionType(), FunctionType::Builtin);
+
+    const HeaderInfo header(u"Product \u00C9", u"BC", u"folder", u"loc");
+    EXPECT_EQ(header.getProductName(), u"Product \u00C9");
+    EXPECT_EQ(header.getBaseCode(), u"BC");
+    EXPECT_EQ(header.getHelpFolder(), u"folder");
+    EXPECT_EQ(header.getHelpLocation(), u"loc");
+
+    DocResource<RefItemLookup> resource(header, {{u"plot", {lookup, lookup}}});
+    DocResource<RefItemLookup> moved(std::move(resource));
+    EXPECT_EQ(moved.getItems().at(u"plot").size(), 2u);
+    EXPECT_TRUE(resource.getItems().empty());
+    EXPECT_EQ(moved.getHeader(), header);
+}
+
+} // namespace
