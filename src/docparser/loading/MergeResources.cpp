@@ -1,0 +1,43 @@
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace reference::docparser {
+
+// Combines two resources filed under the same key. The winner keeps its header and, for every
+// name, its own item list; the fallback contributes the names the winner lacks (moved as whole
+// tree nodes) and, only where the winner's list is strictly shorter, the items whose href the
+// winner's list does not hold yet.
+template <class T>
+void DocResourceParser::ParsingTools::mergeResourceFiles(T& target, T&& source, bool sourceTakesPrecedence) {
+    if (sourceTakesPrecedence) {
+        std::swap(target, source);
+    }
+    auto& winner = target.getItems();
+    auto& fallback = source.getItems();
+
+    winner.merge(fallback); // what stays in `fallback` are the names both have
+
+    for (auto& [name, fallbackItems] : fallback) {
+        auto& winnerItems = winner.find(name)->second; // present: merge left only shared names
+
+        if (fallbackItems.empty() || winnerItems.size() >= fallbackItems.size()) {
+            continue;
+        }
+        for (auto& item : fallbackItems) {
+            const auto href = item.getHref();
+            const bool known = std::any_of(winnerItems.begin(), winnerItems.end(),
+                                           [&href](const auto& existing) { return existing.getHref() == href; });
+            if (!known) {
+                // The fallback is discarded by the caller, so its items can be moved, not copied.
+                winnerItems.push_back(std::move(item));
+            }
+        }
+    }
+}
+
+template void DocResourceParser::ParsingTools::mergeResourceFiles<DocResource<property::RefItemLookup>>(
+    DocResource<property::RefItemLookup>&, DocResource<property::RefItemLookup>&&, bool);
+
+} // namespace reference::docparser
