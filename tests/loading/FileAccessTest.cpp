@@ -39,6 +39,7 @@ using reference::docparser::ZipPackage;
 using refdoc::test::CapturedRecord;
 using refdoc::test::LogCapture;
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 constexpr const char* kChannel = "referenceApi::docparser";
 constexpr std::uint32_t kBoth = kFileAccessSeverity | kFileReadErrorSeverity;
@@ -65,7 +66,7 @@ TEST_F(FileAccessTest, DiskFilesComeBackByteForByte) {
         byte = static_cast<char>(engine() & 0xFFu);
     }
     const std::string contents[] = {
-        "", "{}", std::string("{\r\n\"a\":\0\"b\"\r\n}\n", 15), "\xef\xbb\xbf{\"bom\":true}", "\xff\xfe\x00\x80", random,
+        "", "{}", "{\r\n\"a\":\0\"b\"\r\n}\n"s, "\xef\xbb\xbf{\"bom\":true}", "\xff\xfe\x00\x80"s, random,
     };
     LogCapture capture(kBoth);
     for (const auto& content : contents) {

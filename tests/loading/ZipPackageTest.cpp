@@ -28,6 +28,7 @@ using reference::docparser::ZipLimits;
 using reference::docparser::ZipPackage;
 using refdoc::test::ZipBuilder;
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 std::string randomBytes(std::size_t size, unsigned seed) {
     std::mt19937 engine(seed);
@@ -89,7 +90,7 @@ TEST_F(ZipPackageTest, ListsFileEntriesWithTheirBaseNames) {
 }
 
 TEST_F(ZipPackageTest, ReadsEntriesByteForByte) {
-    const std::string binary("{\r\n\"a\":\0\"\xff\xfe\"\n}", 16);
+    const std::string binary = "{\r\n\"a\":\0\"\xff\xfe\"\n}"s;
     const std::string large = randomBytes(3 << 20, 7);
     const std::string compressible(2 << 20, 'x');
     ZipBuilder builder;

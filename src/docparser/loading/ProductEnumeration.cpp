@@ -26,7 +26,8 @@ bool isValidUtf8(std::string_view bytes) {
 
 bool DocResourceParser::isValidFilename(const std::filesystem::path& path) {
     // Extensions are compared case-sensitively: pname.JSON is not a data file.
-    const auto extension = splitFileName(std::string_view(path.filename().native())).extension;
+    const std::filesystem::path fileName = path.filename();
+    const auto extension = splitFileName(std::string_view(fileName.native())).extension;
     return equalsAscii(extension, ParsingTools::kZipExt) || equalsAscii(extension, ParsingTools::kJsonExt);
 }
 
