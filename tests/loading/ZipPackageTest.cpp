@@ -142,6 +142,8 @@ TEST_F(ZipPackageTest, DamagedEntriesFailAlone) {
          {.maxEntrySize = 3999}},
         {"declared size above the actual size", ZipBuilder::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 4001); }, {}},
+        {"declared size far above the actual size", ZipBuilder::Compression::Deflate,
+         [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 200u << 20); }, {}},
         {"CRC mismatch (stored)", ZipBuilder::Compression::Store,
          [](const fs::path& p) { refdoc::test::patchZipEntryCrc(p, "bad.json", 0x12345678); }, {}},
         {"CRC mismatch (deflated)", ZipBuilder::Compression::Deflate,

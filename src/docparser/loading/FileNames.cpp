@@ -29,10 +29,6 @@ FileNameParts<char16_t> splitFileName(std::u16string_view fileName) noexcept {
     return split(fileName);
 }
 
-std::u16string fileStem(std::u16string_view fileName) {
-    return std::u16string(splitFileName(fileName).stem);
-}
-
 bool equalsAscii(std::string_view narrow, std::u16string_view wide) noexcept {
     if (narrow.size() != wide.size()) {
         return false;

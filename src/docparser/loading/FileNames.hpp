@@ -15,7 +15,8 @@ namespace reference::docparser {
 std::filesystem::path toNativePath(std::u16string_view path);
 
 // A file name split at its last dot: "pname_ja.json" gives "pname_ja" and "json", ".json" gives
-// "" and "json", a name without a dot is all stem with an empty extension.
+// "" and "json", a name without a dot is all stem with an empty extension. The parts are views
+// into `fileName`, which must outlive them.
 template <class CharT>
 struct FileNameParts {
     std::basic_string_view<CharT> stem;
@@ -23,9 +24,6 @@ struct FileNameParts {
 };
 FileNameParts<char> splitFileName(std::string_view fileName) noexcept;
 FileNameParts<char16_t> splitFileName(std::u16string_view fileName) noexcept;
-
-// The file name without its extension (see splitFileName).
-std::u16string fileStem(std::u16string_view fileName);
 
 // Compares narrow bytes with UTF-16 code units one to one; meant for ASCII constants such as
 // the data file extensions, without converting either side.

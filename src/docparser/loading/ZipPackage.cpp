@@ -5,6 +5,7 @@
 
 #include <zip.h>
 
+#include <algorithm>
 #include <mutex>
 #include <string_view>
 #include <utility>
@@ -33,6 +34,9 @@ private:
 } // namespace detail
 
 namespace {
+
+// First buffer for an entry's data; most entries fit in it, larger ones double it as data arrives.
+constexpr std::size_t kFirstReadSize = std::size_t{1} << 20;
 
 std::string libzipMessage(int code) {
     zip_error_t error;
@@ -129,11 +133,16 @@ std::string ZipPackage::readEntry(const ZipEntry& entry) const {
     if (!file) {
         failEntry(entry, zip_strerror(handle));
     }
-    // The declared size is within the bound, so it can be allocated at once. libzip hands out the
-    // real data whatever the header declares, so the reading below never goes past that size.
-    std::string content(static_cast<std::size_t>(stat.size), '\0');
+    // libzip hands out the real data whatever the header declares, so reading stops at the
+    // declared size (which is within the bound). The buffer grows with the data that actually
+    // arrives, so a small entry that declares a large size cannot claim that memory.
+    const auto declared = static_cast<std::size_t>(stat.size);
+    std::string content(std::min(declared, kFirstReadSize), '\0');
     std::size_t total = 0;
-    while (total < content.size()) {
+    while (total < declared) {
+        if (total == content.size()) {
+            content.resize(std::min(declared, content.size() * 2));
+        }
         const zip_int64_t got = zip_fread(file.get(), content.data() + total, content.size() - total);
         if (got < 0) {
             failEntry(entry, zip_file_strerror(file.get()));
