@@ -14,19 +14,20 @@ class ZipArchive; // an open libzip archive; defined inside the library
 
 class ZipPackage;
 
-// One leaf (file entry) of an opened zip package. It shares ownership of the open archive, so
-// copies stay usable for as long as any of them lives.
+// One leaf (file entry) of an opened zip package. Opaque to callers: only the package it was
+// listed from can read it. It shares ownership of the open archive, so a copy keeps the archive
+// alive for as long as the copy lives.
 class REFDOC_API ZipEntry {
 public:
-    ZipEntry(std::shared_ptr<detail::ZipArchive> archive, std::uint64_t index, std::string name) noexcept;
-
     // Position of the entry in the package's central directory.
     std::uint64_t getIndex() const noexcept { return index_; }
     // The entry's full name inside the package, as stored (UTF-8, '/' separated).
     const std::string& getName() const noexcept { return name_; }
-    const std::shared_ptr<detail::ZipArchive>& getArchive() const noexcept { return archive_; }
 
 private:
+    friend class ZipPackage;
+    ZipEntry(std::shared_ptr<detail::ZipArchive> archive, std::uint64_t index, std::string name) noexcept;
+
     std::shared_ptr<detail::ZipArchive> archive_;
     std::uint64_t index_;
     std::string name_;

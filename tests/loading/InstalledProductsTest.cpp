@@ -1,0 +1,146 @@
+#include "loading/HostSettingsFixture.hpp"
+#include "support/TempDir.hpp"
+
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <doc_products_shared/TopLevelDocProduct.hpp>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <unordered_set>
+
+namespace {
+
+using reference::docparser::DocResourceParser;
+using NameSet = std::unordered_set<std::u16string>;
+
+class InstalledProductsTest : public refdoc::test::HostSettingsFixture {
+protected:
+    void useSupportPackageRoot(const std::filesystem::path& root) {
+        SupportPackageRootReader::setSupportPackageRoot(root.u16string());
+        DocResourceParser::clearSupportPackageCache();
+    }
+};
+
+TEST_F(InstalledProductsTest, TestProductsCarryTheirNamesAndFixedFields) {
+    DocResourceParser::setTestProducts({u"alpha", u"\u65e5\u672c", u"alpha"}, {});
+
+    const auto products = DocResourceParser::getTopLevelProducts();
+    ASSERT_EQ(products->size(), 3u);
+    const std::string expectedShortNames[] = {"alpha", "\xe6\x97\xa5\xe6\x9c\xac", "alpha"};
+    for (std::size_t i = 0; i < products->size(); ++i) {
+        const auto& product = *(*products)[i];
+        EXPECT_EQ(product.getShortName(), expectedShortNames[i]);
+        EXPECT_EQ(product.getDisplayName(), "testDisplayName");
+        EXPECT_EQ(product.getHelpLocation(), "testHelpLocation");
+        EXPECT_EQ(product.getBaseCode(), "testBaseCode");
+        EXPECT_EQ(product.getAltShortName(), "testAltShortName");
+        EXPECT_EQ(product.getAvailability(), "testAvailability");
+        EXPECT_TRUE(product.getAttributes().empty());
+    }
+    EXPECT_EQ(products, DocResourceParser::getTopLevelProducts()) << "the test provider returns one list";
+}
+
+TEST_F(InstalledProductsTest, InstalledMeansExactShortNameOrSupportPackageName) {
+    DocResourceParser::setTestProducts({u"alpha", u"\u65e5\u672c"}, {u"beta", u"beta"});
+    const struct {
+        std::u16string name;
+        bool installed;
+    } cases[] = {
+        {u"alpha", true},         {u"beta", true},          {u"\u65e5\u672c", true}, {u"Alpha", false},
+        {u"BETA", false},         {u"alpha ", false},       {u"alph", false},        {u"", false},
+        {u"testDisplayName", false}, {u"testBaseCode", false}, {u"testAltShortName", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(DocResourceParser::isProductInstalled(c.name), c.installed);
+    }
+    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"beta"}));
+}
+
+TEST_F(InstalledProductsTest, CatalogueProductsMatchByShortNameOnly) {
+    doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache()->setInstalledTopLevelDocProducts(
+        {std::make_shared<const doc_products_shared::TopLevelDocProduct>("short", "display", "help/loc", "base",
+                                                                          "altShort", "available")});
+    EXPECT_TRUE(DocResourceParser::isProductInstalled(u"short"));
+    for (const auto* other : {u"display", u"help/loc", u"base", u"altShort", u"available"}) {
+        EXPECT_FALSE(DocResourceParser::isProductInstalled(other)) << "matched a field other than the short name";
+    }
+}
+
+TEST_F(InstalledProductsTest, EmptyTestProductListLeavesOnlySupportPackagesInstalled) {
+    doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache()->setInstalledTopLevelDocProducts(
+        {std::make_shared<const doc_products_shared::TopLevelDocProduct>("catalogued", "", "", "", "", "")});
+    DocResourceParser::setTestProducts({}, {u"package"});
+
+    EXPECT_TRUE(DocResourceParser::getTopLevelProducts()->empty());
+    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"catalogued"));
+    EXPECT_TRUE(DocResourceParser::isProductInstalled(u"package"));
+}
+
+TEST_F(InstalledProductsTest, SupportPackagesAreReadOnceUntilTheCacheIsCleared) {
+    refdoc::test::TempDir root;
+    std::filesystem::create_directory(root.path() / "hspA");
+    std::filesystem::create_directory(root.path() / "hspB");
+    root.write("notAPackage.txt", "a file, not a package");
+    useSupportPackageRoot(root.path());
+
+    const auto first = DocResourceParser::getHardwareSupportPackages();
+    EXPECT_EQ(*first, (NameSet{u"hspA", u"hspB"}));
+
+    std::filesystem::create_directory(root.path() / "hspC");
+    EXPECT_EQ(DocResourceParser::getHardwareSupportPackages(), first);
+    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"hspC"));
+
+    DocResourceParser::clearSupportPackageCache();
+    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"hspA", u"hspB", u"hspC"}));
+    EXPECT_TRUE(DocResourceParser::isProductInstalled(u"hspC"));
+    EXPECT_EQ(*first, (NameSet{u"hspA", u"hspB"})) << "a set handed out never changes";
+}
+
+TEST_F(InstalledProductsTest, FailedSupportPackageLoadIsCachedAsEmpty) {
+    refdoc::test::TempDir temp;
+    const auto root = temp.path() / "notYetThere";
+    useSupportPackageRoot(root);
+
+    const auto failed = DocResourceParser::getHardwareSupportPackages();
+    ASSERT_NE(failed, nullptr);
+    EXPECT_TRUE(failed->empty());
+
+    std::filesystem::create_directories(root / "hsp");
+    EXPECT_EQ(DocResourceParser::getHardwareSupportPackages(), failed);
+    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"hsp"));
+
+    DocResourceParser::clearSupportPackageCache();
+    EXPECT_TRUE(DocResourceParser::isProductInstalled(u"hsp"));
+}
+
+TEST_F(InstalledProductsTest, ClearingTheCacheDropsTestPackagesButKeepsTestProducts) {
+    refdoc::test::TempDir root;
+    std::filesystem::create_directory(root.path() / "realPackage");
+    SupportPackageRootReader::setSupportPackageRoot(root.u16());
+    DocResourceParser::setTestProducts({u"alpha"}, {u"testPackage"});
+    ASSERT_FALSE(DocResourceParser::isProductInstalled(u"realPackage")) << "test packages replace the installation";
+
+    DocResourceParser::clearSupportPackageCache();
+
+    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"realPackage"}));
+    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"testPackage"));
+    EXPECT_TRUE(DocResourceParser::isProductInstalled(u"alpha"));
+}
+
+TEST_F(InstalledProductsTest, ListsHandedOutSurviveNewTestProducts) {
+    DocResourceParser::setTestProducts({u"first"}, {u"firstPackage"});
+    const auto products = DocResourceParser::getTopLevelProducts();
+    const auto packages = DocResourceParser::getHardwareSupportPackages();
+
+    DocResourceParser::setTestProducts({u"second", u"third"}, {u"secondPackage"});
+
+    ASSERT_EQ(products->size(), 1u);
+    EXPECT_EQ(products->front()->getShortName(), "first");
+    EXPECT_EQ(*packages, (NameSet{u"firstPackage"}));
+    EXPECT_EQ(DocResourceParser::getTopLevelProducts()->size(), 2u);
+    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"secondPackage"}));
+}
+
+} // namespace
