@@ -1,4 +1,4 @@
-#include "loading/HostSettingsFixture.hpp"
+#include "support/HostSettingsFixture.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 

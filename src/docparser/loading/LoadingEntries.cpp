@@ -1,0 +1,101 @@
+// The two public loading operations: every product's lookup index, and one product's pages.
+
+#include "docparser/parsing/JsonKeys.hpp"
+#include "docparser/parsing/LookupParser.hpp"
+#include "docparser/parsing/RefItemParser.hpp"
+
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <boost/json/monotonic_resource.hpp>
+#include <boost/json/parse.hpp>
+
+#include <utility>
+
+namespace reference::docparser {
+namespace {
+
+using RefItemFileMap = DocResourceParser::RefItemFileMap;
+
+// The JSON text of one page file: the main document under its help folder, each support package
+// document under its base code. The first document to claim a key keeps it.
+RefItemFileMap parseRefItemFile(const std::string& text) {
+    RefItemFileMap result;
+    boost::json::monotonic_resource arena(1024);
+    const boost::json::value root = boost::json::parse(text, &arena, boost::json::parse_options());
+
+    DocResource<property::RefItem> mainDocument = parseRefItemDocument(root);
+    result.try_emplace(mainDocument.getHeader().getHelpFolder(), std::move(mainDocument));
+
+    const auto& rootObject = root.get_object(); // the document parser has checked its kind
+    if (const auto packages = rootObject.find(keys::kSupportPackages); packages != rootObject.end()) {
+        for (const auto& document : DocResourceParser::ParsingTools::getJsonArray(packages->value())) {
+            DocResource<property::RefItem> package = parseRefItemDocument(document);
+            result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
+        }
+    }
+    return result;
+}
+
+// A page file that is missing, unreadable or broken counts as absent.
+RefItemFileMap readPageFile(const std::u16string& path) {
+    try {
+        return parseRefItemFile(DocResourceParser::openAndReadFile(path));
+    } catch (...) {
+        return {};
+    }
+}
+
+// Joins a folder and a file name with one separator; an empty folder leaves the name alone.
+std::u16string joinPath(const std::u16string& folder, const std::u16string& fileName) {
+    if (folder.empty()) {
+        return fileName;
+    }
+    if (folder.back() == u'/') {
+        return folder + fileName;
+    }
+    return folder + u'/' + fileName;
+}
+
+} // namespace
+
+DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> DocResourceParser::getResourceLookupFiles() {
+    const ParsingInfo<LookupResourceMap>::JsonParsingFcn parser = lookupFileParser;
+    const ParsingInfo<LookupResourceMap>::IsInstalledFcn isInstalled = isProductInstalled;
+    // Held for the whole call: the folder stays that of the roots taken here, whatever changes.
+    const std::shared_ptr<const ReferenceRoots> roots = getReferenceRoots();
+    return ParsingTools::parseMultipleProductFiles<LookupResourceMap>(roots->lookupFolder, parser, isInstalled);
+}
+
+DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::u16string& name) {
+    const std::shared_ptr<const ReferenceRoots> roots = getReferenceRoots();
+    const std::u16string& folder = roots->referenceFolder;
+
+    RefItemFileMap english = readPageFile(joinPath(folder, name + ParsingTools::kDotJsonExt));
+    const std::u16string locale = ParsingTools::getCurrentLocale();
+    if (locale == ParsingTools::kEnglishLocale) {
+        return english;
+    }
+    RefItemFileMap localized =
+        readPageFile(joinPath(folder, name + ParsingTools::kLocaleSeparator + locale + ParsingTools::kDotJsonExt));
+    if (english.empty()) {
+        return localized;
+    }
+    if (localized.empty()) {
+        return english;
+    }
+    // Per document the localized header and items win; English pages whose link the
+    // translation lacks move over into it, and English pages it has are dropped.
+    for (auto it = localized.begin(); it != localized.end();) {
+        const auto current = it++;
+        const auto englishEntry = english.find(current->first);
+        if (englishEntry == english.end()) {
+            english.insert(localized.extract(current));
+            continue;
+        }
+        current->second.getItems().merge(englishEntry->second.getItems());
+        englishEntry->second = std::move(current->second);
+    }
+    return english;
+}
+
+} // namespace reference::docparser
