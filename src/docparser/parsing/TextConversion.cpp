@@ -40,17 +40,23 @@ std::uint64_t outsidePlainAscii8(std::uint64_t word) noexcept {
 
 #ifdef REFDOC_TEXT_SSE2
 
-// Number of leading bytes below 0x80 among the next 16 (16 when all are).
-unsigned asciiPrefix16(const Byte* in) noexcept {
-    const int mask = _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in)));
-    return mask == 0 ? 16u : static_cast<unsigned>(std::countr_zero(static_cast<unsigned>(mask)));
-}
-
-void widen16(const Byte* in, char16_t* out) noexcept {
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
+void store16(__m128i bytes, char16_t* out) noexcept {
     const __m128i zero = _mm_setzero_si128();
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(bytes, zero));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(bytes, zero));
+}
+
+void widen16(const Byte* in, char16_t* out) noexcept {
+    store16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in)), out);
+}
+
+// Widens the next 16 bytes whole. Returns 0 when all are below 0x80, otherwise a mask whose
+// lowest set bit is the index of the first byte that is not. The units from that index on are
+// garbage for the caller to overwrite.
+unsigned widenBlock16(const Byte* in, char16_t* out) noexcept {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
+    store16(bytes, out);
+    return static_cast<unsigned>(_mm_movemask_epi8(bytes));
 }
 
 void widen8(const Byte* in, char16_t* out) noexcept {
@@ -90,15 +96,6 @@ unsigned firstMarkedByte(std::uint64_t highBits) noexcept {
     }
 }
 
-unsigned asciiPrefix16(const Byte* in) noexcept {
-    for (unsigned half = 0; half < 16; half += 8) {
-        if (const std::uint64_t high = load8(in + half) & kHighBits; high != 0) {
-            return half + firstMarkedByte(high);
-        }
-    }
-    return 16;
-}
-
 void widen8(const Byte* in, char16_t* out) noexcept {
     for (int k = 0; k < 8; ++k) {
         out[k] = in[k];
@@ -108,6 +105,16 @@ void widen8(const Byte* in, char16_t* out) noexcept {
 void widen16(const Byte* in, char16_t* out) noexcept {
     widen8(in, out);
     widen8(in + 8, out + 8);
+}
+
+unsigned widenBlock16(const Byte* in, char16_t* out) noexcept {
+    widen16(in, out);
+    for (unsigned half = 0; half < 16; half += 8) {
+        if (const std::uint64_t high = load8(in + half) & kHighBits; high != 0) {
+            return 1u << (half + firstMarkedByte(high));
+        }
+    }
+    return 0;
 }
 
 bool plainAscii16(const Byte* in) noexcept {
@@ -240,10 +247,18 @@ std::size_t decodeUtf8(std::string_view bytes, char16_t* out) noexcept {
     while (p < end) {
         if (*p < 0x80) {
             if (end - p >= 16) {
-                widen16(p, o); // the units past the run are overwritten by what follows
-                const unsigned run = asciiPrefix16(p);
-                p += run;
-                o += run;
+                // Whole ASCII blocks advance by a constant, so the next load never waits for
+                // this one's mask; only the block that ends the run computes its length.
+                do {
+                    if (const unsigned mask = widenBlock16(p, o); mask != 0) {
+                        const auto run = static_cast<unsigned>(std::countr_zero(mask));
+                        p += run;
+                        o += run;
+                        break;
+                    }
+                    p += 16;
+                    o += 16;
+                } while (end - p >= 16);
             } else {
                 *o++ = *p++;
             }
