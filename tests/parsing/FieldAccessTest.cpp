@@ -17,12 +17,6 @@ using refdoc::test::rawString;
 constexpr auto kAscii = Tools::Ascii;
 constexpr auto kUtf8 = Tools::Utf8;
 
-TEST(FieldAccess, StringParsingTypeValuesAreFixed) {
-    // Callers pass these as plain numbers.
-    EXPECT_EQ(static_cast<int>(Tools::Ascii), 0);
-    EXPECT_EQ(static_cast<int>(Tools::Utf8), 1);
-}
-
 TEST(FieldAccess, StringValueDecodingByParsingType) {
     struct Case {
         const char* what;
@@ -148,16 +142,6 @@ TEST(FieldAccess, HeaderFailsWhenAnyKeyIsMissingOrNotAString) {
     }
     EXPECT_THROW(Tools::getHeaderInfo(parseJson("[]")), DocParserException);
     EXPECT_THROW(Tools::getHeaderInfo(parseJson(R"("header")")), DocParserException);
-}
-
-TEST(FieldAccess, ExceptionIsTheLibrarysOwn) {
-    const boost::json::object empty;
-    try {
-        Tools::getFluString(empty, "name", kUtf8);
-        FAIL() << "no exception";
-    } catch (const DocParserException& e) {
-        EXPECT_STREQ(e.what(), "resource::docparser::DocParserException");
-    }
 }
 
 } // namespace
