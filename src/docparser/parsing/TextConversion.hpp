@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,5 +18,16 @@ std::u16string utf8ToUtf16(std::string_view bytes);
 
 // Encodes UTF-16 as UTF-8. A lone surrogate becomes U+FFFD (EF BF BD).
 std::string utf16ToUtf8(std::u16string_view text);
+
+// True when every byte lies in 0x01..0x7E. Such text widens to the same UTF-16 under both
+// converters, so the field readers use it to keep most strings off the UTF-8 decoder; NUL,
+// DEL and every byte >= 0x80 make it false.
+bool isPlainAscii(std::string_view bytes) noexcept;
+
+// The two converters writing into a caller's buffer, for callers that assemble one string
+// from several pieces. `out` must have room for bytes.size() code units: no input yields
+// more units than it has bytes. decodeUtf8 returns the number of units written.
+void widenAscii(std::string_view bytes, char16_t* out) noexcept;
+std::size_t decodeUtf8(std::string_view bytes, char16_t* out) noexcept;
 
 } // namespace reference::docparser::text

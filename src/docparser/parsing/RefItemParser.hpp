@@ -1,0 +1,42 @@
+#pragma once
+
+// The reference page format: one document object (header plus "refItems") to the pages it
+// holds, keyed by href. Internal to the library; the reference page loading entry parses a
+// file's text and calls parseRefItemDocument for the root and for each support package.
+//
+// Every function throws DocParserException for a missing required key or a member of the
+// wrong JSON kind; nothing of a failed document is returned.
+
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <boost/json/object.hpp>
+#include <boost/json/value.hpp>
+
+#include <string>
+#include <vector>
+
+namespace reference::docparser {
+
+// `document` must be a JSON object (anything else throws).
+DocResource<property::RefItem> parseRefItemDocument(const boost::json::value& document);
+
+// The item's "syntaxgroup" list; empty when the item has none.
+std::vector<property::SyntaxGroup> parseSyntaxGroups(const boost::json::object& item);
+
+// One input group. Input names are decoded with `nameParsing`; every input gets
+// `isNameValuePair`. The group's "title" is required even when "inputs" is empty.
+property::InputGroup parseInputGroup(const boost::json::object& group, const std::u16string& href,
+                                     DocResourceParser::ParsingTools::StringParsingType nameParsing,
+                                     bool isNameValuePair);
+
+// An input, output or parameter: name decoded with `nameParsing`, anchor href + "#" + "htmlid".
+property::ObjectInfo parseObjectInfo(const boost::json::object& object, const std::u16string& href,
+                                     DocResourceParser::ParsingTools::StringParsingType nameParsing);
+
+// The rest of an ObjectInfo ("purpose", "value") around an already decoded name and anchor.
+property::ObjectInfo makeObjectInfo(const boost::json::object& object, const std::u16string& name,
+                                    const std::u16string& anchor);
+property::ObjectInfo makeObjectInfo(const boost::json::object& object, std::u16string&& name,
+                                    std::u16string&& anchor);
+
+} // namespace reference::docparser

@@ -1,0 +1,390 @@
+#include "docparser/parsing/RefItemParser.hpp"
+
+#include "support/JsonFixtures.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using reference::docparser::DocParserException;
+using reference::docparser::makeObjectInfo;
+using reference::docparser::parseInputGroup;
+using reference::docparser::parseObjectInfo;
+using reference::docparser::parseRefItemDocument;
+using reference::docparser::parseSyntaxGroups;
+using Tools = reference::docparser::DocResourceParser::ParsingTools;
+using namespace reference::property;
+using refdoc::test::documentObject;
+using refdoc::test::parseJson;
+
+// One page using every section, with names that need UTF-8 where the format allows it.
+constexpr const char* kFullItem = R"json({
+    "href": "ref/plot.html",
+    "refpurpose": "2-D line plot \u2014 fast",
+    "refentity": [{"type": "function", "fcntype": "ordinary", "name": "plot"},
+                  {"type": "method", "name": "plot"}],
+    "packagename": "graphics",
+    "introduced": "R2006a",
+    "description": "Draws lines through \u00b5-points",
+    "appthumbnail": {"fileref": "img/plot.png", "alt": "Line \u00e0 plot"},
+    "deprecationstatus": "current",
+    "syntaxgroup": [{"syntaxtype": "function", "title": "Basic \u00e9", "syntax": ["plot(X,Y)", "plot(Y)"]}],
+    "inputgroup": [
+        {"title": "Inputs", "inputs": [{"htmlid": "input_X", "name": "X", "purpose": "x-coordinates",
+                                        "value": ["vector", "matrix \u00d7"], "defaultvalue": "[]",
+                                        "syntaxtype": "required"}]},
+        {"namevaluepairs": [{"title": "Line", "inputs": [{"htmlid": "nv_Color", "name": "Color",
+                                                          "purpose": "line color", "syntaxtype": "namevalue"}]}]}
+    ],
+    "outputs": [{"htmlid": "output_h", "name": "h\u00b2", "purpose": "line handles", "syntaxtype": "output"}],
+    "classpropertygroup": [{"title": "Appearance", "classproperty": [
+        {"name": "LineWidth", "htmlid": "ignored", "purpose": "width", "value": ["positive"], "defaultvalue": "0.5"}]}],
+    "seealso": [{"url": "ref/line.html", "name": "line \u00e9"}],
+    "examples": [{"url": "ex/sine.html", "open_command": "openExample('sine')", "title": "Sine \u03c0"}],
+    "parameters": [{"htmlid": "param_w", "name": "W\u00eft", "purpose": "weight", "defaultvalue": "1"}],
+    "ignoredMember": {"a": 1}
+})json";
+
+boost::json::object fullItem() {
+    return parseJson(kFullItem).as_object();
+}
+
+boost::json::object documentWith(const std::vector<boost::json::object>& items) {
+    auto document = documentObject("tb", "TB");
+    auto& array = document["refItems"].as_array();
+    for (const auto& item : items) {
+        array.push_back(item);
+    }
+    return document;
+}
+
+const RefItem& onlyItem(const reference::docparser::DocResource<RefItem>& resource) {
+    EXPECT_EQ(resource.getItems().size(), 1u);
+    const auto& items = resource.getItems().begin()->second;
+    EXPECT_EQ(items.size(), 1u);
+    return items.front();
+}
+
+TEST(RefItemParser, ReadsEverySectionOfAFullPage) {
+    const auto resource = parseRefItemDocument(documentWith({fullItem()}));
+    EXPECT_EQ(resource.getHeader(), HeaderInfo(u"Product", u"TB", u"tb", u"help/location"));
+
+    const std::u16string href = u"ref/plot.html";
+    const RefItem expected(
+        href,
+        {RefEntity(RefEntityType::Function, u"plot", FunctionType::Ordinary),
+         RefEntity(RefEntityType::Method, u"plot", FunctionType::getDefaultValue())},
+        u"graphics", u"2-D line plot \u2014 fast", u"R2006a", u"Draws lines through \u00B5-points", u"img/plot.png",
+        u"Line \u00E0 plot", DeprecationStatus::Current,
+        {SyntaxGroup(u"Basic \u00E9", SyntaxType::Function, {u"plot(X,Y)", u"plot(Y)"})},
+        {InputGroup(u"Inputs", {Input(ObjectInfo(u"X", u"x-coordinates", {u"vector", u"matrix \u00D7"},
+                                                 u"ref/plot.html#input_X"),
+                                      SyntaxType::Required, u"[]", false)}),
+         InputGroup(u"Line", {Input(ObjectInfo(u"Color", u"line color", {}, u"ref/plot.html#nv_Color"),
+                                    SyntaxType::NameValue, u"", true)})},
+        {Output(ObjectInfo(u"h\u00B2", u"line handles", {}, u"ref/plot.html#output_h"), SyntaxType::Output)},
+        {ClassPropertyGroup(u"Appearance", {ClassProperty(ObjectInfo(u"LineWidth", u"width", {u"positive"},
+                                                                     u"ref/plot.html#prop_LineWidth"),
+                                                          u"0.5")})},
+        {SeeAlso(u"ref/line.html", u"line \u00E9")},
+        {Example(u"ex/sine.html", u"openExample('sine')", u"Sine \u03C0")},
+        {Parameter(ObjectInfo(u"W\u00EFt", u"weight", {}, u"ref/plot.html#param_w"), u"1")});
+    // Equality covers the engine value slots too: every one of them is empty after parsing.
+    EXPECT_EQ(onlyItem(resource), expected);
+    EXPECT_TRUE(onlyItem(resource).engineValues().allEmpty());
+}
+
+TEST(RefItemParser, PageWithOnlyRequiredKeysHasEmptySections) {
+    const auto item = parseJson(R"({"href": "ref/a.html", "refpurpose": "A"})").as_object();
+    const auto resource = parseRefItemDocument(documentWith({item}));
+    const RefItem& page = onlyItem(resource);
+    EXPECT_EQ(page, RefItem(u"ref/a.html", {}, u"", u"A", u"", u"", u"", u"", DeprecationStatus::getDefaultValue(),
+                            {}, {}, {}, {}, {}, {}, {}));
+}
+
+TEST(RefItemParser, PagesWithEqualHrefGatherInFileOrder) {
+    const auto page = [](const char* href, const char* purpose) {
+        auto item = boost::json::object{{"href", href}, {"refpurpose", purpose}};
+        return item;
+    };
+    const auto resource = parseRefItemDocument(documentWith(
+        {page("ref/b.html", "1"), page("ref/a.html", "2"), page("ref/b.html", "3"), page("ref/c.html", "4"),
+         page("ref/a.html", "5")}));
+    std::vector<std::u16string> hrefs;
+    for (const auto& [href, pages] : resource.getItems()) {
+        hrefs.push_back(href);
+    }
+    EXPECT_EQ(hrefs, (std::vector<std::u16string>{u"ref/a.html", u"ref/b.html", u"ref/c.html"}));
+    const auto& b = resource.getItems().at(u"ref/b.html");
+    ASSERT_EQ(b.size(), 2u);
+    EXPECT_EQ(b[0].getPurpose(), u"1");
+    EXPECT_EQ(b[1].getPurpose(), u"3");
+    EXPECT_EQ(resource.getItems().at(u"ref/a.html")[1].getPurpose(), u"5");
+}
+
+TEST(RefItemParser, EmptyItemListYieldsHeaderOnly) {
+    const auto resource = parseRefItemDocument(documentObject("tb", "TB", "[]"));
+    EXPECT_EQ(resource.getHeader().getHelpFolder(), u"tb");
+    EXPECT_TRUE(resource.getItems().empty());
+}
+
+// Input and class property names are UTF-8 only on pages documenting a block; output and
+// parameter names always are.
+TEST(RefItemParser, BlockPagesDecodeMemberNamesAsUtf8) {
+    const std::u16string decoded = u"Gr\u00F6\u00DFe";
+    const std::u16string widenedBytes = u"Gr\u00C3\u00B6\u00C3\u009Fe";
+    struct Case {
+        const char* entities;
+        bool utf8;
+    };
+    const Case cases[] = {
+        {nullptr, false},
+        {R"([])", false},
+        {R"([{"type": "function", "name": "f"}])", false},
+        {R"([{"type": "Block", "name": "f"}])", false}, // unknown text: default type
+        {R"([{"type": "block", "name": "b"}])", true},
+        {R"([{"type": "function", "name": "f"}, {"type": "block", "name": "b"}])", true},
+        {R"([{"type": "block", "name": "b"}, {"type": "function", "name": "f"}])", true},
+    };
+    const auto members = parseJson(R"({
+        "inputgroup": [{"title": "T", "inputs": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]},
+                       {"namevaluepairs": [{"title": "NV", "inputs": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]}]}],
+        "classpropertygroup": [{"classproperty": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]}],
+        "outputs": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}],
+        "parameters": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]
+    })").as_object();
+
+    for (const auto& c : cases) {
+        auto item = members;
+        item["href"] = "ref/b.html";
+        item["refpurpose"] = "p";
+        if (c.entities != nullptr) {
+            item["refentity"] = parseJson(c.entities);
+        }
+        const auto resource = parseRefItemDocument(documentWith({item}));
+        const RefItem& page = onlyItem(resource);
+        const std::u16string& memberName = c.utf8 ? decoded : widenedBytes;
+        const auto label = c.entities != nullptr ? c.entities : "no refentity";
+
+        EXPECT_EQ(page.getInputGroups().at(0).getInputs().at(0).getInfo().getName(), memberName) << label;
+        EXPECT_EQ(page.getInputGroups().at(1).getInputs().at(0).getInfo().getName(), memberName) << label;
+        const auto& property = page.getClassPropertyGroups().at(0).getProperties().at(0).getInfo();
+        EXPECT_EQ(property.getName(), memberName) << label;
+        EXPECT_EQ(property.getAnchor(), u"ref/b.html#prop_" + memberName) << label;
+        EXPECT_EQ(page.getOutputs().at(0).getInfo().getName(), decoded) << label;
+        EXPECT_EQ(page.getParameters().at(0).getInfo().getName(), decoded) << label;
+    }
+}
+
+TEST(RefItemParser, AnchorsJoinHrefWithHtmlIdOrPropertyName) {
+    const auto item = parseJson(R"({
+        "href": "ref/foo.html", "refpurpose": "p",
+        "inputgroup": [{"title": "T", "inputs": [{"htmlid": "in_x", "name": "x", "purpose": "p"},
+                                                 {"name": "y", "purpose": "p"}]}],
+        "outputs": [{"name": "z", "purpose": "p"}],
+        "parameters": [{"htmlid": "par", "name": "w", "purpose": "p"}],
+        "classpropertygroup": [{"classproperty": [{"name": "Color", "htmlid": "prop_other", "purpose": "p"}]}]
+    })").as_object();
+    const auto resource = parseRefItemDocument(documentWith({item}));
+    const RefItem& page = onlyItem(resource);
+    const auto& inputs = page.getInputGroups().at(0).getInputs();
+    EXPECT_EQ(inputs.at(0).getInfo().getAnchor(), u"ref/foo.html#in_x");
+    EXPECT_EQ(inputs.at(1).getInfo().getAnchor(), u"ref/foo.html#");
+    EXPECT_EQ(page.getOutputs().at(0).getInfo().getAnchor(), u"ref/foo.html#");
+    EXPECT_EQ(page.getParameters().at(0).getInfo().getAnchor(), u"ref/foo.html#par");
+    EXPECT_EQ(page.getClassPropertyGroups().at(0).getProperties().at(0).getInfo().getAnchor(),
+              u"ref/foo.html#prop_Color");
+}
+
+TEST(RefItemParser, NameValuePairGroupsExpandInPlace) {
+    const auto item = parseJson(R"({
+        "href": "ref/f.html", "refpurpose": "p",
+        "inputgroup": [
+            {"title": "A", "inputs": [{"name": "a", "purpose": "p"}]},
+            {"title": "ignored", "inputs": [{"name": "ignored", "purpose": "p"}],
+             "namevaluepairs": [{"title": "P1", "inputs": [{"name": "p1", "purpose": "p"}]},
+                                {"title": "P2", "inputs": [{"name": "p2a", "purpose": "p"},
+                                                           {"name": "p2b", "purpose": "p"}]}]},
+            {"namevaluepairs": [{"title": "P3"}]},
+            {"namevaluepairs": []},
+            {"title": "B", "inputs": []}
+        ]
+    })").as_object();
+    const auto resource = parseRefItemDocument(documentWith({item}));
+    const RefItem& page = onlyItem(resource);
+    std::vector<std::u16string> titles;
+    std::vector<std::u16string> names;
+    std::vector<bool> pairFlags;
+    for (const auto& group : page.getInputGroups()) {
+        titles.push_back(group.getTitle());
+        for (const auto& input : group.getInputs()) {
+            names.push_back(input.getInfo().getName());
+            pairFlags.push_back(input.isNameValuePair());
+        }
+    }
+    EXPECT_EQ(titles, (std::vector<std::u16string>{u"A", u"P1", u"P2", u"P3", u"B"}));
+    EXPECT_EQ(names, (std::vector<std::u16string>{u"a", u"p1", u"p2a", u"p2b"}));
+    EXPECT_EQ(pairFlags, (std::vector<bool>{false, true, true, true}));
+}
+
+TEST(RefItemParser, OptionalMembersTakeTheirDefaults) {
+    const auto item = parseJson(R"({
+        "href": "ref/f.html", "refpurpose": "p",
+        "refentity": [{"type": "gadget", "fcntype": "odd", "name": "f"}],
+        "deprecationstatus": "someday",
+        "syntaxgroup": [{"title": "no type", "syntax": []}, {"syntaxtype": "gadget", "title": "odd", "syntax": []}],
+        "inputgroup": [{"title": "T", "inputs": [{"name": "x", "purpose": "p", "syntaxtype": "gadget"}]}],
+        "classpropertygroup": [{"classproperty": []}],
+        "examples": [{"url": "ex/a.html", "title": "A"}]
+    })").as_object();
+    const auto resource = parseRefItemDocument(documentWith({item}));
+    const RefItem& page = onlyItem(resource);
+    EXPECT_EQ(page.getEntities().at(0),
+              RefEntity(RefEntityType::getDefaultValue(), u"f", FunctionType::getDefaultValue()));
+    EXPECT_EQ(page.getDeprecationStatus(), DeprecationStatus::getDefaultValue());
+    EXPECT_EQ(page.getSyntaxGroups().at(0).getSyntaxType(), SyntaxType::getDefaultValue());
+    EXPECT_EQ(page.getSyntaxGroups().at(1).getSyntaxType(), SyntaxType::getDefaultValue());
+    const auto& input = page.getInputGroups().at(0).getInputs().at(0);
+    EXPECT_EQ(input.getSyntaxType(), SyntaxType::getDefaultValue());
+    EXPECT_EQ(input.getDefaultValue(), u"");
+    EXPECT_TRUE(input.getInfo().getValues().empty());
+    EXPECT_EQ(page.getClassPropertyGroups().at(0).getTitle(), u"");
+    EXPECT_EQ(page.getExamples().at(0).getOpenCommand(), u"");
+}
+
+TEST(RefItemParser, SyntaxLinesAreWidenedAndTitlesDecoded) {
+    const auto item = parseJson(R"({"syntaxgroup": [{"title": "\u00e9", "syntax": ["a = \u00e9", ""]}]})").as_object();
+    const auto groups = parseSyntaxGroups(item);
+    ASSERT_EQ(groups.size(), 1u);
+    EXPECT_EQ(groups[0].getTitle(), u"\u00E9");
+    EXPECT_EQ(groups[0].getSyntaxLines(), (std::vector<std::u16string>{u"a = \u00C3\u00A9", u""}));
+    EXPECT_TRUE(parseSyntaxGroups(boost::json::object{}).empty());
+}
+
+using Mutation = std::function<void(boost::json::object&)>;
+
+boost::json::object& firstOf(boost::json::object& item, const char* key) {
+    return item.at(key).as_array().at(0).as_object();
+}
+
+// Each mutation of the full page breaks it in one place; the whole document must fail with the
+// library's exception, never read past the gap.
+TEST(RefItemParser, MissingRequiredKeysFailTheDocument) {
+    const std::vector<std::pair<const char*, Mutation>> cases = {
+        {"href", [](auto& i) { i.erase("href"); }},
+        {"refpurpose", [](auto& i) { i.erase("refpurpose"); }},
+        {"entity name", [](auto& i) { firstOf(i, "refentity").erase("name"); }},
+        {"empty thumbnail", [](auto& i) { i["appthumbnail"] = boost::json::object{}; }},
+        {"thumbnail alt", [](auto& i) { i.at("appthumbnail").as_object().erase("alt"); }},
+        {"syntax group title", [](auto& i) { firstOf(i, "syntaxgroup").erase("title"); }},
+        {"syntax lines", [](auto& i) { firstOf(i, "syntaxgroup").erase("syntax"); }},
+        {"input group title", [](auto& i) { firstOf(i, "inputgroup").erase("title"); }},
+        {"title of group with empty inputs",
+         [](auto& i) { i["inputgroup"] = parseJson(R"([{"inputs": []}])"); }},
+        {"input name", [](auto& i) { firstOf(firstOf(i, "inputgroup"), "inputs").erase("name"); }},
+        {"input purpose", [](auto& i) { firstOf(firstOf(i, "inputgroup"), "inputs").erase("purpose"); }},
+        {"name-value group title",
+         [](auto& i) { i["inputgroup"] = parseJson(R"([{"namevaluepairs": [{"inputs": []}]}])"); }},
+        {"output name", [](auto& i) { firstOf(i, "outputs").erase("name"); }},
+        {"output purpose", [](auto& i) { firstOf(i, "outputs").erase("purpose"); }},
+        {"class property list", [](auto& i) { firstOf(i, "classpropertygroup").erase("classproperty"); }},
+        {"class property name", [](auto& i) { firstOf(firstOf(i, "classpropertygroup"), "classproperty").erase("name"); }},
+        {"class property purpose",
+         [](auto& i) { firstOf(firstOf(i, "classpropertygroup"), "classproperty").erase("purpose"); }},
+        {"see-also url", [](auto& i) { firstOf(i, "seealso").erase("url"); }},
+        {"see-also name", [](auto& i) { firstOf(i, "seealso").erase("name"); }},
+        {"example url", [](auto& i) { firstOf(i, "examples").erase("url"); }},
+        {"example title", [](auto& i) { firstOf(i, "examples").erase("title"); }},
+        {"parameter name", [](auto& i) { firstOf(i, "parameters").erase("name"); }},
+        {"parameter purpose", [](auto& i) { firstOf(i, "parameters").erase("purpose"); }},
+    };
+    for (const auto& [what, mutate] : cases) {
+        auto broken = fullItem();
+        mutate(broken);
+        // A complete page first: the failure of a later one still discards everything.
+        EXPECT_THROW(parseRefItemDocument(documentWith({fullItem(), broken})), DocParserException) << what;
+    }
+
+    auto withoutItems = documentWith({fullItem()});
+    withoutItems.erase("refItems");
+    EXPECT_THROW(parseRefItemDocument(withoutItems), DocParserException);
+    auto withoutHeaderKey = documentWith({fullItem()});
+    withoutHeaderKey.erase("helpLocation");
+    EXPECT_THROW(parseRefItemDocument(withoutHeaderKey), DocParserException);
+}
+
+TEST(RefItemParser, MembersOfTheWrongKindFailTheDocument) {
+    const std::vector<std::pair<const char*, Mutation>> cases = {
+        {"href number", [](auto& i) { i["href"] = 1; }},
+        {"description number", [](auto& i) { i["description"] = 2; }},
+        {"refentity object", [](auto& i) { i["refentity"] = boost::json::object{}; }},
+        {"entity string", [](auto& i) { i["refentity"] = parseJson(R"(["plot"])"); }},
+        {"entity type number", [](auto& i) { firstOf(i, "refentity")["type"] = 12; }},
+        {"thumbnail string", [](auto& i) { i["appthumbnail"] = "img.png"; }},
+        {"deprecation status bool", [](auto& i) { i["deprecationstatus"] = true; }},
+        {"syntax group list string", [](auto& i) { i["syntaxgroup"] = "x"; }},
+        {"syntax line number", [](auto& i) { firstOf(i, "syntaxgroup")["syntax"] = parseJson("[1]"); }},
+        {"syntax lines object", [](auto& i) { firstOf(i, "syntaxgroup")["syntax"] = boost::json::object{}; }},
+        {"input groups object", [](auto& i) { i["inputgroup"] = boost::json::object{}; }},
+        {"input group string", [](auto& i) { i["inputgroup"] = parseJson(R"(["g"])"); }},
+        {"inputs object", [](auto& i) { firstOf(i, "inputgroup")["inputs"] = boost::json::object{}; }},
+        {"name-value pairs string", [](auto& i) { firstOf(i, "inputgroup")["namevaluepairs"] = "x"; }},
+        {"name-value element null", [](auto& i) { firstOf(i, "inputgroup")["namevaluepairs"] = parseJson("[null]"); }},
+        {"html id number", [](auto& i) { firstOf(firstOf(i, "inputgroup"), "inputs")["htmlid"] = 3; }},
+        {"value element number", [](auto& i) { firstOf(firstOf(i, "inputgroup"), "inputs")["value"] = parseJson("[1]"); }},
+        {"value string", [](auto& i) { firstOf(firstOf(i, "inputgroup"), "inputs")["value"] = "one"; }},
+        {"default value null", [](auto& i) { firstOf(i, "parameters")["defaultvalue"] = nullptr; }},
+        {"output string", [](auto& i) { i["outputs"] = parseJson(R"(["h"])"); }},
+        {"class property list object",
+         [](auto& i) { firstOf(i, "classpropertygroup")["classproperty"] = boost::json::object{}; }},
+        {"class property group title array", [](auto& i) { firstOf(i, "classpropertygroup")["title"] = parseJson("[]"); }},
+        {"see-also element array", [](auto& i) { i["seealso"] = parseJson("[[]]"); }},
+        {"example open command number", [](auto& i) { firstOf(i, "examples")["open_command"] = 0; }},
+        {"parameters string", [](auto& i) { i["parameters"] = "p"; }},
+    };
+    for (const auto& [what, mutate] : cases) {
+        auto broken = fullItem();
+        mutate(broken);
+        EXPECT_THROW(parseRefItemDocument(documentWith({broken})), DocParserException) << what;
+    }
+    EXPECT_THROW(parseRefItemDocument(parseJson("[]")), DocParserException);
+    EXPECT_THROW(parseRefItemDocument(parseJson("null")), DocParserException);
+    auto itemNotObject = documentWith({});
+    itemNotObject["refItems"] = parseJson(R"(["ref/a.html"])");
+    EXPECT_THROW(parseRefItemDocument(itemNotObject), DocParserException);
+}
+
+TEST(RefItemParser, ObjectInfoReadersKeepTheGivenNameAndAnchor) {
+    const auto object = parseJson(R"({"htmlid": "id", "name": "N\u00e9", "purpose": "P \u00e9",
+                                      "value": ["v1", "v\u00e9"]})")
+                            .as_object();
+    EXPECT_EQ(makeObjectInfo(object, u"given", u"anchor"),
+              ObjectInfo(u"given", u"P \u00E9", {u"v1", u"v\u00E9"}, u"anchor"));
+    EXPECT_EQ(parseObjectInfo(object, u"h.html", Tools::Utf8),
+              ObjectInfo(u"N\u00E9", u"P \u00E9", {u"v1", u"v\u00E9"}, u"h.html#id"));
+    EXPECT_EQ(parseObjectInfo(object, u"h.html", Tools::Ascii).getName(), u"N\u00C3\u00A9");
+}
+
+TEST(RefItemParser, InputGroupMarksItsInputsAndNeedsATitle) {
+    const auto group = parseJson(R"({"title": "T", "inputs": [{"name": "a", "purpose": "p", "defaultvalue": "1"},
+                                                              {"name": "b", "purpose": "p"}]})")
+                           .as_object();
+    const InputGroup parsed = parseInputGroup(group, u"h.html", Tools::Ascii, true);
+    EXPECT_EQ(parsed.getTitle(), u"T");
+    ASSERT_EQ(parsed.getInputs().size(), 2u);
+    EXPECT_TRUE(parsed.getInputs()[0].isNameValuePair());
+    EXPECT_TRUE(parsed.getInputs()[1].isNameValuePair());
+    EXPECT_EQ(parsed.getInputs()[0].getDefaultValue(), u"1");
+    EXPECT_FALSE(parseInputGroup(group, u"h.html", Tools::Ascii, false).getInputs()[0].isNameValuePair());
+
+    EXPECT_EQ(parseInputGroup(parseJson(R"({"title": "Empty"})").as_object(), u"h", Tools::Ascii, false),
+              InputGroup(u"Empty", {}));
+    EXPECT_THROW(parseInputGroup(parseJson(R"({"inputs": []})").as_object(), u"h", Tools::Ascii, false),
+                 DocParserException);
+}
+
+} // namespace

@@ -1,0 +1,354 @@
+#include "docparser/parsing/TextConversion.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace text = reference::docparser::text;
+
+namespace {
+
+std::string bytes(std::initializer_list<int> values) {
+    std::string out;
+    for (int v : values) {
+        out.push_back(static_cast<char>(v));
+    }
+    return out;
+}
+
+// Reference decoder, written from the definition rather than from a table of lead bytes: a
+// sequence's length comes from the lead byte's high bits, and a prefix is acceptable exactly
+// when some completion of it encodes a scalar value in that length's range. The longest
+// acceptable prefix is the maximal subpart; an incomplete one becomes one U+FFFD.
+std::u16string referenceDecode(const std::string& input) {
+    std::u16string out;
+    const auto at = [&](std::size_t i) { return static_cast<std::uint8_t>(input[i]); };
+    std::size_t i = 0;
+    while (i < input.size()) {
+        const std::uint8_t lead = at(i);
+        int length = 0;
+        if (lead < 0x80) {
+            length = 1;
+        } else if ((lead & 0xE0) == 0xC0) {
+            length = 2;
+        } else if ((lead & 0xF0) == 0xE0) {
+            length = 3;
+        } else if ((lead & 0xF8) == 0xF0) {
+            length = 4;
+        }
+        if (length == 1) {
+            out.push_back(lead);
+            ++i;
+            continue;
+        }
+        if (length == 0) {
+            out.push_back(u'\uFFFD');
+            ++i;
+            continue;
+        }
+        const std::uint32_t minimum[] = {0, 0, 0x80, 0x800, 0x10000};
+        const std::uint32_t maximum[] = {0, 0, 0x7FF, 0xFFFF, 0x10FFFF};
+        const auto acceptable = [&](int taken) {
+            std::uint32_t low = lead & (0xFFu >> (length + 1));
+            std::uint32_t high = low;
+            for (int k = 1; k < length; ++k) {
+                if (k < taken) {
+                    const std::uint8_t b = at(i + static_cast<std::size_t>(k));
+                    if ((b & 0xC0) != 0x80) {
+                        return false;
+                    }
+                    low = (low << 6) | (b & 0x3Fu);
+                    high = (high << 6) | (b & 0x3Fu);
+                } else {
+                    low = low << 6;
+                    high = (high << 6) | 0x3Fu;
+                }
+            }
+            low = std::max(low, minimum[length]);
+            high = std::min(high, maximum[length]);
+            // Some value in [low, high] must lie outside the surrogate block.
+            return low <= high && (low < 0xD800 || high > 0xDFFF);
+        };
+        int taken = 1;
+        while (taken < length && i + static_cast<std::size_t>(taken) < input.size() && acceptable(taken + 1)) {
+            ++taken;
+        }
+        if (taken == length && acceptable(length)) {
+            std::uint32_t cp = lead & (0xFFu >> (length + 1));
+            for (int k = 1; k < length; ++k) {
+                cp = (cp << 6) | (at(i + static_cast<std::size_t>(k)) & 0x3Fu);
+            }
+            if (cp >= 0x10000) {
+                out.push_back(static_cast<char16_t>(0xD800 + ((cp - 0x10000) >> 10)));
+                out.push_back(static_cast<char16_t>(0xDC00 + ((cp - 0x10000) & 0x3FF)));
+            } else {
+                out.push_back(static_cast<char16_t>(cp));
+            }
+        } else {
+            out.push_back(u'\uFFFD');
+        }
+        i += static_cast<std::size_t>(taken);
+    }
+    return out;
+}
+
+std::string encode(std::uint32_t cp) {
+    if (cp < 0x80) {
+        return bytes({static_cast<int>(cp)});
+    }
+    if (cp < 0x800) {
+        return bytes({static_cast<int>(0xC0 | (cp >> 6)), static_cast<int>(0x80 | (cp & 0x3F))});
+    }
+    if (cp < 0x10000) {
+        return bytes({static_cast<int>(0xE0 | (cp >> 12)), static_cast<int>(0x80 | ((cp >> 6) & 0x3F)),
+                      static_cast<int>(0x80 | (cp & 0x3F))});
+    }
+    return bytes({static_cast<int>(0xF0 | (cp >> 18)), static_cast<int>(0x80 | ((cp >> 12) & 0x3F)),
+                  static_cast<int>(0x80 | ((cp >> 6) & 0x3F)), static_cast<int>(0x80 | (cp & 0x3F))});
+}
+
+std::string asciiRun(std::size_t length) {
+    std::string out;
+    for (std::size_t i = 0; i < length; ++i) {
+        out.push_back(static_cast<char>('!' + i % 90));
+    }
+    return out;
+}
+
+std::u16string widened(const std::string& ascii) {
+    return std::u16string(ascii.begin(), ascii.end());
+}
+
+TEST(TextConversion, EmptyInputGivesEmptyOutput) {
+    EXPECT_EQ(text::asciiToUtf16(""), u"");
+    EXPECT_EQ(text::utf8ToUtf16(""), u"");
+    EXPECT_EQ(text::utf16ToUtf8(u""), "");
+    EXPECT_TRUE(text::isPlainAscii(""));
+}
+
+TEST(TextConversion, AsciiWideningKeepsEveryByteValueAtEveryLength) {
+    // Lengths around the 8- and 16-byte steps; all 256 byte values pass through each block slot.
+    for (std::size_t length = 0; length <= 70; ++length) {
+        for (int offset : {0, 0x70, 0xF0}) {
+            std::string input;
+            std::u16string expected;
+            for (std::size_t i = 0; i < length; ++i) {
+                const auto b = static_cast<unsigned char>(offset + 7 * i);
+                input.push_back(static_cast<char>(b));
+                expected.push_back(b);
+            }
+            EXPECT_EQ(text::asciiToUtf16(input), expected) << "length " << length << " offset " << offset;
+        }
+    }
+}
+
+TEST(TextConversion, Utf8OfPureAsciiEqualsWideningAtEveryLength) {
+    for (std::size_t length = 0; length <= 70; ++length) {
+        const std::string input = asciiRun(length);
+        EXPECT_EQ(text::utf8ToUtf16(input), widened(input)) << "length " << length;
+        EXPECT_EQ(text::utf16ToUtf8(widened(input)), input) << "length " << length;
+    }
+    // NUL and DEL are ASCII to the decoder.
+    EXPECT_EQ(text::utf8ToUtf16(bytes({0x00, 0x7F, 0x41})), (std::u16string{0x0000, 0x007F, 0x0041}));
+}
+
+TEST(TextConversion, NonAsciiSequenceAtEveryPositionOfAnAsciiRun) {
+    // One multi-byte character or one bad byte placed at each offset of runs that span the
+    // 16-byte blocks, so every exit from the block path is taken.
+    struct Insert {
+        std::string utf8;
+        std::u16string utf16;
+    };
+    const Insert inserts[] = {
+        {encode(0xE9), u"\u00E9"},
+        {encode(0x4E2D), u"\u4E2D"},
+        {encode(0x1F600), u"\U0001F600"},
+        {bytes({0xFF}), u"\uFFFD"},
+        {bytes({0x80}), u"\uFFFD"},
+    };
+    for (const auto& insert : inserts) {
+        for (std::size_t length : {15u, 16u, 17u, 31u, 33u, 48u}) {
+            for (std::size_t at = 0; at <= length; ++at) {
+                const std::string run = asciiRun(length);
+                const std::string input = run.substr(0, at) + insert.utf8 + run.substr(at);
+                const std::u16string expected = widened(run.substr(0, at)) + insert.utf16 + widened(run.substr(at));
+                ASSERT_EQ(text::utf8ToUtf16(input), expected) << "length " << length << " at " << at;
+            }
+        }
+    }
+}
+
+struct DecodeCase {
+    const char* what;
+    std::string input;
+    std::u16string expected;
+};
+
+TEST(TextConversion, DecodesWellFormedSequencesAtTheirBoundaries) {
+    const DecodeCase cases[] = {
+        {"U+0080", bytes({0xC2, 0x80}), u"\u0080"},
+        {"U+07FF", bytes({0xDF, 0xBF}), u"\u07FF"},
+        {"U+0800", bytes({0xE0, 0xA0, 0x80}), u"\u0800"},
+        {"U+D7FF", bytes({0xED, 0x9F, 0xBF}), u"\uD7FF"},
+        {"U+E000", bytes({0xEE, 0x80, 0x80}), u"\uE000"},
+        {"U+FFFF", bytes({0xEF, 0xBF, 0xBF}), std::u16string(1, u'\xFFFF')},
+        {"U+10000", bytes({0xF0, 0x90, 0x80, 0x80}), std::u16string{0xD800, 0xDC00}},
+        {"U+1F600", bytes({0xF0, 0x9F, 0x98, 0x80}), std::u16string{0xD83D, 0xDE00}},
+        {"U+10FFFF", bytes({0xF4, 0x8F, 0xBF, 0xBF}), std::u16string{0xDBFF, 0xDFFF}},
+        {"cafe", bytes({0x63, 0x61, 0x66, 0xC3, 0xA9}), u"caf\u00E9"},
+        {"CJK run", "\xE4\xB8\xAD\xE6\x96\x87\xE6\x96\x87\xE5\xAD\x97", u"\u4E2D\u6587\u6587\u5B57"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(text::utf8ToUtf16(c.input), c.expected) << c.what;
+    }
+}
+
+TEST(TextConversion, ReplacesEachMaximalIllFormedSubpartOnce) {
+    const std::u16string r(1, u'\uFFFD');
+    const DecodeCase cases[] = {
+        {"truncated 2-byte", bytes({0xC3}), r},
+        {"truncated 3-byte", bytes({0xE2, 0x82}), r},
+        {"truncated 4-byte", bytes({0xF0, 0x9F, 0x98}), r},
+        {"truncated then ASCII", bytes({0xE2, 0x82, 0x41}), r + u"A"},
+        {"truncated then lead", bytes({0xF0, 0x9F, 0xC3, 0xA9}), r + u"\u00E9"},
+        {"overlong C0", bytes({0xC0, 0xAF}), r + r},
+        {"overlong C1", bytes({0xC1, 0xBF}), r + r},
+        {"overlong 3-byte", bytes({0xE0, 0x80, 0xAF}), r + r + r},
+        {"overlong 4-byte", bytes({0xF0, 0x80, 0x80, 0xAF}), r + r + r + r},
+        {"encoded high surrogate", bytes({0xED, 0xA0, 0x80}), r + r + r},
+        {"encoded low surrogate", bytes({0xED, 0xBF, 0xBF}), r + r + r},
+        {"above U+10FFFF", bytes({0xF4, 0x90, 0x80, 0x80}), r + r + r + r},
+        {"F5 lead", bytes({0xF5, 0x80, 0x80, 0x80}), r + r + r + r},
+        {"stray continuation", bytes({0x80}), r},
+        {"stray continuations", bytes({0x41, 0xBF, 0x80, 0x42}), u"A" + r + r + u"B"},
+        {"FE and FF", bytes({0xFE, 0xFF}), r + r},
+        // The worked example of the Unicode standard for maximal subparts.
+        {"standard example", bytes({0x61, 0xF1, 0x80, 0x80, 0xE1, 0x80, 0xC2, 0x62, 0x80, 0x63, 0x80, 0xBF, 0x64}),
+         u"a" + r + r + r + u"b" + r + u"c" + r + r + u"d"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(text::utf8ToUtf16(c.input), c.expected) << c.what;
+        EXPECT_EQ(referenceDecode(c.input), c.expected) << "reference decoder: " << c.what;
+    }
+}
+
+TEST(TextConversion, DecodesLongInputsBeyondTheStackScratch) {
+    std::string input;
+    std::u16string expected;
+    for (int i = 0; i < 1500; ++i) {
+        input += encode(0x4E00 + static_cast<std::uint32_t>(i));
+        expected.push_back(static_cast<char16_t>(0x4E00 + i));
+    }
+    EXPECT_EQ(text::utf8ToUtf16(input), expected);
+    const std::string ascii = asciiRun(5000) + encode(0xE9);
+    EXPECT_EQ(text::utf8ToUtf16(ascii), widened(asciiRun(5000)) + u"\u00E9");
+}
+
+TEST(TextConversion, DecoderNeverWritesPastInputLengthUnits) {
+    // decodeUtf8 may store whole blocks ahead of what it has decoded; all of them must land
+    // inside the bytes.size() units the caller provides.
+    constexpr char16_t kSentinel = 0xBEEF;
+    const std::string inputs[] = {asciiRun(16), asciiRun(40) + encode(0x1F600), encode(0x10000) + asciiRun(30),
+                                  asciiRun(17) + bytes({0xFF}) + asciiRun(16)};
+    for (const auto& input : inputs) {
+        std::vector<char16_t> buffer(input.size() + 32, kSentinel);
+        const std::size_t written = text::decodeUtf8(input, buffer.data());
+        EXPECT_EQ(std::u16string(buffer.data(), written), referenceDecode(input));
+        for (std::size_t i = input.size(); i < buffer.size(); ++i) {
+            ASSERT_EQ(buffer[i], kSentinel) << "overwrote unit " << i;
+        }
+    }
+}
+
+TEST(TextConversion, PlainAsciiBoundaryBytesAtEveryPosition) {
+    struct Boundary {
+        int byte;
+        bool plain;
+    };
+    const Boundary boundaries[] = {{0x00, false}, {0x01, true}, {0x7E, true}, {0x7F, false}, {0x80, false},
+                                   {0xFF, false}};
+    for (const auto& boundary : boundaries) {
+        for (std::size_t length = 1; length <= 40; ++length) {
+            for (std::size_t at = 0; at < length; ++at) {
+                std::string input = asciiRun(length);
+                input[at] = static_cast<char>(boundary.byte);
+                ASSERT_EQ(text::isPlainAscii(input), boundary.plain)
+                    << "byte " << boundary.byte << " length " << length << " at " << at;
+            }
+        }
+    }
+}
+
+TEST(TextConversion, EncodesUtf16AndReplacesLoneSurrogates) {
+    struct EncodeCase {
+        const char* what;
+        std::u16string input;
+        std::string expected;
+    };
+    const std::string r = bytes({0xEF, 0xBF, 0xBD});
+    const EncodeCase cases[] = {
+        {"two-byte", u"\u00E9", bytes({0xC3, 0xA9})},
+        {"three-byte", u"\u4E2D", bytes({0xE4, 0xB8, 0xAD})},
+        {"pair", std::u16string{0xD83D, 0xDE00}, bytes({0xF0, 0x9F, 0x98, 0x80})},
+        {"highest pair", std::u16string{0xDBFF, 0xDFFF}, bytes({0xF4, 0x8F, 0xBF, 0xBF})},
+        {"lone high at end", std::u16string{u'a', 0xD800}, "a" + r},
+        {"lone low", std::u16string{0xDC00, u'a'}, r + "a"},
+        {"high then non-low", std::u16string{0xD800, u'a'}, r + "a"},
+        {"reversed pair", std::u16string{0xDC00, 0xD800}, r + r},
+        {"two highs then low", std::u16string{0xD800, 0xD800, 0xDC00}, r + bytes({0xF0, 0x90, 0x80, 0x80})},
+        {"ASCII block then BMP", u"abcdefghij\u00E9", "abcdefghij" + bytes({0xC3, 0xA9})},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(text::utf16ToUtf8(c.input), c.expected) << c.what;
+    }
+}
+
+// Random strings built from ASCII runs of random length, valid characters of every length
+// and arbitrary bytes, decoded by the library and by the reference decoder.
+TEST(TextConversion, RandomizedCrossCheckAgainstReferenceDecoder) {
+    std::mt19937 random(20240611);
+    const auto pick = [&](std::uint32_t low, std::uint32_t high) {
+        return std::uniform_int_distribution<std::uint32_t>(low, high)(random);
+    };
+    for (int round = 0; round < 4000; ++round) {
+        std::string input;
+        bool valid = true;
+        const std::uint32_t pieces = pick(0, 12);
+        for (std::uint32_t piece = 0; piece < pieces; ++piece) {
+            switch (pick(0, 5)) {
+            case 0:
+            case 1:
+                input += asciiRun(pick(0, 40));
+                break;
+            case 2:
+                input += encode(pick(0x80, 0x7FF));
+                break;
+            case 3: {
+                std::uint32_t cp = pick(0x800, 0xFFFF);
+                if (cp >= 0xD800 && cp <= 0xDFFF) {
+                    cp += 0x800;
+                }
+                input += encode(cp);
+                break;
+            }
+            case 4:
+                input += encode(pick(0x10000, 0x10FFFF));
+                break;
+            default:
+                input.push_back(static_cast<char>(pick(0x80, 0xFF)));
+                valid = false;
+                break;
+            }
+        }
+        const std::u16string decoded = text::utf8ToUtf16(input);
+        ASSERT_EQ(decoded, referenceDecode(input)) << "round " << round;
+        if (valid) {
+            ASSERT_EQ(text::utf16ToUtf8(decoded), input) << "round trip, round " << round;
+        }
+    }
+}
+
+} // namespace
