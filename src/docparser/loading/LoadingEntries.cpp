@@ -1,5 +1,7 @@
 // The two public loading operations: every product's lookup index, and one product's pages.
 
+#include "docparser/loading/InstalledProducts.hpp"
+#include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/LookupParser.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
@@ -26,9 +28,8 @@ RefItemFileMap parseRefItemFile(const std::string& text) {
     DocResource<property::RefItem> mainDocument = parseRefItemDocument(root);
     result.try_emplace(mainDocument.getHeader().getHelpFolder(), std::move(mainDocument));
 
-    const auto& rootObject = root.get_object(); // the document parser has checked its kind
-    if (const auto packages = rootObject.find(keys::kSupportPackages); packages != rootObject.end()) {
-        for (const auto& document : DocResourceParser::ParsingTools::getJsonArray(packages->value())) {
+    if (const auto* packages = detail::optionalArray(detail::asObject(root), keys::kSupportPackages)) {
+        for (const auto& document : *packages) {
             DocResource<property::RefItem> package = parseRefItemDocument(document);
             result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
         }
@@ -59,10 +60,16 @@ std::u16string joinPath(const std::u16string& folder, const std::u16string& file
 } // namespace
 
 DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> DocResourceParser::getResourceLookupFiles() {
-    const ParsingInfo<LookupResourceMap>::JsonParsingFcn parser = lookupFileParser;
-    const ParsingInfo<LookupResourceMap>::IsInstalledFcn isInstalled = isProductInstalled;
-    // Held for the whole call: the folder stays that of the roots taken here, whatever changes.
+    // Every setting is taken once, here, and held for the whole call: a concurrent change of the
+    // roots, the installed products or the support packages affects only calls that start later,
+    // so a result always reflects one consistent set of settings.
     const std::shared_ptr<const ReferenceRoots> roots = getReferenceRoots();
+    const SupportPackageSet supportPackages = getHardwareSupportPackages();
+    const TopLevelProductList products = getTopLevelProducts();
+
+    const ParsingInfo<LookupResourceMap>::JsonParsingFcn parser = lookupFileParser;
+    const ParsingInfo<LookupResourceMap>::IsInstalledFcn isInstalled =
+        [&products, &supportPackages](const std::u16string& key) { return isInstalledIn(key, products, supportPackages); };
     return ParsingTools::parseMultipleProductFiles<LookupResourceMap>(roots->lookupFolder, parser, isInstalled);
 }
 

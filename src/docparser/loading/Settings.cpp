@@ -6,6 +6,7 @@
 // are the provider and support-package mutexes; when all three are needed the support-package
 // mutex comes last, inside the other two.
 
+#include "docparser/loading/InstalledProducts.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
@@ -123,11 +124,10 @@ void DocResourceParser::clearSupportPackageCache() {
     old.swap(supportPackageCache);
 }
 
-bool DocResourceParser::isProductInstalled(const std::u16string& name) {
-    const std::string narrowName = text::utf16ToUtf8(name);
-    const SupportPackageSet supportPackages = getHardwareSupportPackages();
-    const TopLevelProductList products = getTopLevelProducts();
+bool isInstalledIn(const std::u16string& name, const DocResourceParser::TopLevelProductList& products,
+                   const DocResourceParser::SupportPackageSet& supportPackages) {
     if (products) {
+        const std::string narrowName = text::utf16ToUtf8(name);
         for (const auto& product : *products) {
             if (product && product->getShortName() == narrowName) {
                 return true;
@@ -135,6 +135,13 @@ bool DocResourceParser::isProductInstalled(const std::u16string& name) {
         }
     }
     return supportPackages && supportPackages->contains(name);
+}
+
+bool DocResourceParser::isProductInstalled(const std::u16string& name) {
+    // Both are loaded on every call, support packages first, even when a product answers.
+    const SupportPackageSet supportPackages = getHardwareSupportPackages();
+    const TopLevelProductList products = getTopLevelProducts();
+    return isInstalledIn(name, products, supportPackages);
 }
 
 void DocResourceParser::setTestProducts(const std::vector<std::u16string>& productNames,
