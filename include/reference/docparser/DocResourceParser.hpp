@@ -70,6 +70,8 @@ public:
     struct ParsingResults {
         T installedResources;
         T uninstalledResources;
+
+        bool operator==(const ParsingResults&) const = default;
     };
 
     using LookupResourceMap = std::map<std::u16string, DocResource<property::RefItemLookup>>;

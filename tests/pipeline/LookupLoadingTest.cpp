@@ -1,0 +1,201 @@
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include "support/DocrootBuilder.hpp"
+#include "support/HostSettingsFixture.hpp"
+#include "support/LogCapture.hpp"
+#include "support/TempDir.hpp"
+#include "support/ZipBuilder.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace {
+
+using reference::docparser::DocResourceParser;
+using namespace refdoc::test;
+
+// A documentation root with every way a lookup file can ship: loose files and their variants,
+// a multi-leaf package, single-leaf packages flagged (or not) by their names, support packages,
+// installed and uninstalled products, and files broken in each of the ways that drop them.
+class LookupLoading : public HostSettingsFixture {
+protected:
+    void SetUp() override {
+        HostSettingsFixture::SetUp();
+        lookup_ = root_.path() / "docCatalog" / "referenceapi_lookup";
+        const auto write = [this](const std::string& name, const std::string& text) {
+            root_.write(std::filesystem::path("docCatalog/referenceapi_lookup") / name, text);
+        };
+
+        write("alpha.json",
+              fileText(lookupDocument({"Alpha", "AL", "alpha"}, {{"plot", "Plot data"}, {"line", "Draw lines"}}),
+                       {lookupDocument({"Alpha SP", "sp_a", "alpha_sp"}, {{"spfun", "Support function"}}),
+                        // Claims the main document's key: dropped.
+                        lookupDocument({"Shadow", "alpha", "shadow"}, {{"shadow", "Never seen"}})}));
+        write("alpha_ja.json",
+              fileText(lookupDocument({"アルファ", "AL", "alpha"}, {{"plot", "データをプロット"}}),
+                       {lookupDocument({"Alpha SP ja", "sp_a", "alpha_sp"}, {{"spfun", "サポート関数"}})}));
+        write("alpha_ko.json", fileText(lookupDocument({"알파", "AL", "alpha"}, {{"line", "선 그리기"}})));
+
+        ZipBuilder()
+            .add("beta.json", fileText(lookupDocument({"Beta", "BE", "beta"}, {{"b1", "Beta one"}})))
+            .add("beta_ja.json", fileText(lookupDocument({"ベータ", "BE", "beta"}, {{"b1", "ベータ1"}})))
+            .add("beta_ko.json", fileText(lookupDocument({"베타", "BE", "beta"}, {{"b1", "베타1"}})))
+            // fr is not a supported language: an English leaf of its own product.
+            .add("beta_fr.json", fileText(lookupDocument({"Beta FR", "BF", "beta_fr"}, {{"b1", "Bêta un"}})))
+            .addDirectory("docs")
+            .add("docs/readme.txt", "not data")
+            .write(lookup_ / "beta.zip");
+
+        write("gamma.json",
+              fileText(lookupDocument({"Gamma", "GA", "gamma"}, {{"g1", "Gamma one"}, {"g2", "Gamma two"}})));
+        // Single leaves: the package name decides whether they are locale variants.
+        ZipBuilder()
+            .add("gamma_ja.json", fileText(lookupDocument({"ガンマ", "GA", "gamma"}, {{"g1", "ガンマ1"}})))
+            .write(lookup_ / "gamma_ja.zip");
+        ZipBuilder()
+            .add("delta.json", fileText(lookupDocument({"Delta", "DE", "delta"}, {{"d1", "Delta one"}})))
+            .write(lookup_ / "delta_ja.zip");
+        ZipBuilder()
+            .add("solo_ja.json", fileText(lookupDocument({"Solo", "SO", "solo"}, {{"s1", "Solo one"}})))
+            .write(lookup_ / "solo.zip");
+
+        write("omega.json", fileText(lookupDocument({"Omega", "OM", "omega"}, {{"o1", "Omega one"}})));
+
+        // Broken files: each would add its own key if it were read.
+        write("syntax.json", R"({"productName": "Broken", "baseCode": "BR",)");
+        write("missinghref.json", R"({"productName": "M", "baseCode": "MH", "helpFolder": "missinghref",
+                                      "helpLocation": "h", "refItems": [{"name": "x", "refpurpose": "y"}]})");
+        write("wrongkind.json", R"({"productName": "W", "baseCode": "WK", "helpFolder": "wrongkind",
+                                    "helpLocation": "h", "refItems": "nope"})");
+        write("empty.json", "");
+        ZipBuilder()
+            .add("mixedok.json", fileText(lookupDocument({"Mixed OK", "MO", "mixedok"}, {{"m1", "Mixed one"}})))
+            .add("mixedbad.json", fileText(lookupDocument({"Mixed bad", "MB", "mixedbad"}, {{"x", "x"}})))
+            .write(lookup_ / "mixed.zip");
+        patchZipEntryCrc(lookup_ / "mixed.zip", "mixedbad.json", 0x12345678);
+
+        // Not data files.
+        write("upper.JSON", fileText(lookupDocument({"Upper", "UP", "upper"}, {{"u", "u"}})));
+        write("readme.txt", "hello");
+
+        DocResourceParser::setReferenceRoot(root_.u16());
+        DocResourceParser::setTestProducts({u"alpha", u"beta", u"gamma", u"solo", u"mixedok"}, {u"sp_a"});
+        doclanguage::DocLanguage::getInstance().setSupportedDocLanguages({u"en", u"ja", u"ko"});
+    }
+
+    static DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> loadIn(const char16_t* language) {
+        doclanguage::DocLanguage::getInstance().setDocLanguage(language);
+        return DocResourceParser::getResourceLookupFiles();
+    }
+
+    std::string lookupPath(const char* name) const { return (lookup_ / name).string(); }
+
+    TempDir root_;
+    std::filesystem::path lookup_;
+};
+
+const LookupSummary kUninstalled = {
+    {"beta_fr", {"Beta FR", {{"b1", {"Bêta un"}}}}},
+    {"omega", {"Omega", {{"o1", {"Omega one"}}}}},
+};
+
+TEST_F(LookupLoading, EnglishReadsOnlyBaseFilesAndDropsBrokenOnes) {
+    const auto results = loadIn(u"en");
+    const LookupSummary installed = {
+        {"alpha", {"Alpha", {{"line", {"Draw lines"}}, {"plot", {"Plot data"}}}}},
+        {"beta", {"Beta", {{"b1", {"Beta one"}}}}},
+        {"gamma", {"Gamma", {{"g1", {"Gamma one"}}, {"g2", {"Gamma two"}}}}},
+        {"mixedok", {"Mixed OK", {{"m1", {"Mixed one"}}}}},
+        {"solo", {"Solo", {{"s1", {"Solo one"}}}}},
+        {"sp_a", {"Alpha SP", {{"spfun", {"Support function"}}}}},
+    };
+    EXPECT_EQ(summarize(results.installedResources), installed);
+    EXPECT_EQ(summarize(results.uninstalledResources), kUninstalled);
+}
+
+TEST_F(LookupLoading, JapaneseWinsPerNameAndEnglishFillsTheGaps) {
+    const auto results = loadIn(u"ja");
+    const LookupSummary installed = {
+        {"alpha", {"アルファ", {{"line", {"Draw lines"}}, {"plot", {"データをプロット"}}}}},
+        {"beta", {"ベータ", {{"b1", {"ベータ1"}}}}},
+        {"gamma", {"ガンマ", {{"g1", {"ガンマ1"}}, {"g2", {"Gamma two"}}}}},
+        {"mixedok", {"Mixed OK", {{"m1", {"Mixed one"}}}}},
+        {"solo", {"Solo", {{"s1", {"Solo one"}}}}},
+        {"sp_a", {"Alpha SP ja", {{"spfun", {"サポート関数"}}}}},
+    };
+    EXPECT_EQ(summarize(results.installedResources), installed);
+    EXPECT_EQ(summarize(results.uninstalledResources), kUninstalled);
+}
+
+TEST_F(LookupLoading, KoreanUsesItsOwnVariantsAndEnglishElsewhere) {
+    const auto results = loadIn(u"ko");
+    const LookupSummary installed = {
+        {"alpha", {"알파", {{"line", {"선 그리기"}}, {"plot", {"Plot data"}}}}},
+        {"beta", {"베타", {{"b1", {"베타1"}}}}},
+        {"gamma", {"Gamma", {{"g1", {"Gamma one"}}, {"g2", {"Gamma two"}}}}},
+        {"mixedok", {"Mixed OK", {{"m1", {"Mixed one"}}}}},
+        {"solo", {"Solo", {{"s1", {"Solo one"}}}}},
+        {"sp_a", {"Alpha SP", {{"spfun", {"Support function"}}}}},
+    };
+    EXPECT_EQ(summarize(results.installedResources), installed);
+    EXPECT_EQ(summarize(results.uninstalledResources), kUninstalled);
+}
+
+TEST_F(LookupLoading, ReadsExactlyTheFilesOfTheCurrentLanguage) {
+    LogCapture capture(16 | 512);
+    loadIn(u"ja");
+    auto messages = capture.messages();
+    std::sort(messages.begin(), messages.end());
+    std::vector<std::string> expected = {
+        "Error reading file: mixedbad",
+        "Reading file: " + lookupPath("alpha.json"),
+        "Reading file: " + lookupPath("alpha_ja.json"),
+        "Reading file: " + lookupPath("empty.json"),
+        "Reading file: " + lookupPath("gamma.json"),
+        "Reading file: " + lookupPath("missinghref.json"),
+        "Reading file: " + lookupPath("omega.json"),
+        "Reading file: " + lookupPath("syntax.json"),
+        "Reading file: " + lookupPath("wrongkind.json"),
+        // Package entries are announced by product name.
+        "Reading file: beta",
+        "Reading file: beta_fr",
+        "Reading file: beta_ja",
+        "Reading file: gamma_ja",
+        "Reading file: mixedbad",
+        "Reading file: mixedok",
+        "Reading file: solo_ja",
+    };
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(messages, expected);
+}
+
+TEST_F(LookupLoading, InstalledStatusFollowsTheProductsAndPackages) {
+    DocResourceParser::setTestProducts({u"omega"}, {});
+    const auto results = loadIn(u"en");
+    std::vector<std::string> installed;
+    for (const auto& [key, summary] : summarize(results.installedResources)) {
+        installed.push_back(key);
+    }
+    EXPECT_EQ(installed, std::vector<std::string>{"omega"});
+    EXPECT_EQ(results.uninstalledResources.count(u"alpha"), 1u);
+    EXPECT_EQ(results.uninstalledResources.count(u"sp_a"), 1u);
+}
+
+TEST_F(LookupLoading, MissingFolderYieldsNothing) {
+    DocResourceParser::setReferenceRoot(root_.u16() + u"/nowhere");
+    const auto results = loadIn(u"ja");
+    EXPECT_TRUE(results.installedResources.empty());
+    EXPECT_TRUE(results.uninstalledResources.empty());
+}
+
+TEST_F(LookupLoading, UnreadablePackageIsSkippedAndTheRestLoads) {
+    root_.write("docCatalog/referenceapi_lookup/truncated.zip", "PK\x03\x04 not really a package");
+    std::filesystem::create_directories(lookup_ / "folder.json"); // a folder named like a data file
+    const auto results = loadIn(u"en");
+    EXPECT_EQ(results.installedResources.size(), 6u);
+    EXPECT_EQ(results.uninstalledResources.size(), 2u);
+}
+
+} // namespace

@@ -1,0 +1,90 @@
+#include "support/DocrootBuilder.hpp"
+
+#include "docparser/parsing/TextConversion.hpp"
+
+#include <boost/json/array.hpp>
+#include <boost/json/serialize.hpp>
+
+namespace refdoc::test {
+namespace {
+
+using reference::docparser::text::utf16ToUtf8;
+
+boost::json::object headerObject(const Header& header) {
+    boost::json::object document;
+    document["productName"] = header.productName;
+    document["baseCode"] = header.baseCode;
+    document["helpFolder"] = header.helpFolder;
+    document["helpLocation"] = "help/" + header.helpFolder;
+    return document;
+}
+
+template <class Map>
+LookupSummary summarizeMap(const Map& resources) {
+    LookupSummary out;
+    for (const auto& [key, resource] : resources) {
+        auto& [productName, items] = out[utf16ToUtf8(key)];
+        productName = utf16ToUtf8(resource.getHeader().getProductName());
+        for (const auto& [itemKey, list] : resource.getItems()) {
+            auto& purposes = items[utf16ToUtf8(itemKey)];
+            for (const auto& item : list) {
+                purposes.push_back(utf16ToUtf8(item.getPurpose()));
+            }
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+boost::json::object lookupDocument(const Header& header, const std::vector<Entry>& items) {
+    boost::json::object document = headerObject(header);
+    boost::json::array array;
+    for (const auto& entry : items) {
+        array.push_back(boost::json::object{{"name", entry.key},
+                                            {"refpurpose", entry.purpose},
+                                            {"href", entry.href.empty() ? entry.key + ".html" : entry.href},
+                                            {"type", "function"}});
+    }
+    document["refItems"] = std::move(array);
+    return document;
+}
+
+boost::json::object pageDocument(const Header& header, const std::vector<Entry>& pages) {
+    boost::json::object document = headerObject(header);
+    boost::json::array array;
+    for (const auto& page : pages) {
+        array.push_back(boost::json::object{
+            {"href", page.key},
+            {"refpurpose", page.purpose},
+            {"refentity", boost::json::array{boost::json::object{{"type", "function"}, {"name", page.key}}}},
+            {"inputgroup",
+             boost::json::array{boost::json::object{
+                 {"title", "Inputs"},
+                 {"inputs", boost::json::array{boost::json::object{
+                                {"name", "x"}, {"purpose", "input"}, {"htmlid", "input_x"}}}}}}}});
+    }
+    document["refItems"] = std::move(array);
+    return document;
+}
+
+std::string fileText(boost::json::object main, const std::vector<boost::json::object>& supportPackages) {
+    if (!supportPackages.empty()) {
+        boost::json::array packages;
+        for (const auto& package : supportPackages) {
+            packages.push_back(package);
+        }
+        main["supportPackages"] = std::move(packages);
+    }
+    return boost::json::serialize(main);
+}
+
+LookupSummary summarize(const reference::docparser::DocResourceParser::LookupResourceMap& resources) {
+    return summarizeMap(resources);
+}
+
+PageSummary summarize(const reference::docparser::DocResourceParser::RefItemFileMap& resources) {
+    return summarizeMap(resources);
+}
+
+} // namespace refdoc::test

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <boost/json/object.hpp>
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace refdoc::test {
+
+// One entry of a lookup file or one page of a page file: name (or href) and purpose. Texts are
+// UTF-8 so that expectations read naturally.
+struct Entry {
+    std::string key;
+    std::string purpose;
+    std::string href = {};
+};
+
+struct Header {
+    std::string productName;
+    std::string baseCode;
+    std::string helpFolder;
+};
+
+// A lookup document: header plus items (href defaults to key + ".html").
+boost::json::object lookupDocument(const Header& header, const std::vector<Entry>& items);
+// A page document: header plus pages keyed by href (the Entry key), each with its purpose.
+boost::json::object pageDocument(const Header& header, const std::vector<Entry>& pages);
+// A whole file: the main document with the support package documents (if any) nested in it.
+std::string fileText(boost::json::object main, const std::vector<boost::json::object>& supportPackages = {});
+
+// What a lookup result holds, flattened for comparison:
+// key -> (product name, item name -> purposes in list order).
+using LookupSummary = std::map<std::string, std::pair<std::string, std::map<std::string, std::vector<std::string>>>>;
+LookupSummary summarize(const reference::docparser::DocResourceParser::LookupResourceMap& resources);
+
+// The same for page results: key -> (product name, href -> purposes in list order).
+using PageSummary = LookupSummary;
+PageSummary summarize(const reference::docparser::DocResourceParser::RefItemFileMap& resources);
+
+} // namespace refdoc::test
