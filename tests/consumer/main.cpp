@@ -15,5 +15,15 @@ int main() {
         property::HeaderInfo(u"Product", u"PR", u"product", u"help/product"),
         {{u"f", {property::RefItemLookup(u"f", type, u"does f", false, u"f.html", property::FunctionType::Ordinary)}}});
     std::printf("entity type %d, %zu item group(s)\n", static_cast<int>(type), resource.getItems().size());
-    return resource.getItems().size() == 1 ? 0 : 1;
+
+    // The loading entries on a root that holds nothing: empty results, no exception.
+    docparser::DocResourceParser::setReferenceRoot(u"/nonexistent/refdoc-consumer");
+    docparser::DocResourceParser::setTestProducts({u"product"}, {});
+    const auto lookups = docparser::DocResourceParser::getResourceLookupFiles();
+    const auto pages = docparser::DocResourceParser::getResourceFile(u"product");
+    const bool installed = docparser::DocResourceParser::isProductInstalled(u"product");
+    docparser::DocResourceParser::restoreDefaultSettings();
+    std::printf("lookups %zu/%zu, pages %zu, installed %d\n", lookups.installedResources.size(),
+                lookups.uninstalledResources.size(), pages.size(), installed ? 1 : 0);
+    return resource.getItems().size() == 1 && lookups.installedResources.empty() && pages.empty() && installed ? 0 : 1;
 }
