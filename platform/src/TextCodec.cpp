@@ -13,57 +13,44 @@ const Facet& facet() {
     return f;
 }
 
-} // namespace
-
-std::string narrowFromUtf16(std::u16string_view text) {
-    std::string out(text.size() * 3, '\0');
+// Runs one direction of the facet over the whole input. Where the facet stops at ill-formed
+// input, `replacement` is written and conversion resumes after the offending unit.
+template <class To, class From, class Step>
+std::basic_string<To> convertAll(std::basic_string_view<From> text, std::size_t maxPerUnit, To replacement,
+                                 Step step) {
+    std::basic_string<To> out(text.size() * maxPerUnit, To{});
     std::mbstate_t state{};
-    const char16_t* from = text.data();
-    const char16_t* const fromEnd = text.data() + text.size();
-    auto* to = reinterpret_cast<char8_t*>(out.data());
-    auto* const toBegin = to;
-    auto* const toEnd = to + out.size();
+    const From* from = text.data();
+    const From* const fromEnd = text.data() + text.size();
+    To* to = out.data();
+    To* const toEnd = to + out.size();
     while (from != fromEnd) {
-        const char16_t* fromNext = from;
-        char8_t* toNext = to;
-        const auto result = facet().out(state, from, fromEnd, fromNext, to, toEnd, toNext);
+        const From* fromNext = from;
+        To* toNext = to;
+        const auto result = step(state, from, fromEnd, fromNext, to, toEnd, toNext);
         to = toNext;
         from = fromNext;
         if (result == Facet::ok) {
             break;
         }
-        // A lone surrogate or a truncated pair: emit '?' and go on after it.
-        *to++ = u8'?';
+        *to++ = replacement;
         ++from;
         state = std::mbstate_t{};
     }
-    out.resize(static_cast<std::size_t>(to - toBegin));
+    out.resize(static_cast<std::size_t>(to - out.data()));
     return out;
 }
 
+} // namespace
+
+std::string narrowFromUtf16(std::u16string_view text) {
+    const auto utf8 = convertAll<char8_t>(text, 3, u8'?', [](auto&&... args) { return facet().out(args...); });
+    return std::string(utf8.begin(), utf8.end());
+}
+
 std::u16string widenFromUtf8(std::string_view text) {
-    std::u16string out(text.size(), u'\0');
-    std::mbstate_t state{};
-    const auto* from = reinterpret_cast<const char8_t*>(text.data());
-    const auto* const fromEnd = from + text.size();
-    char16_t* to = out.data();
-    char16_t* const toBegin = to;
-    char16_t* const toEnd = to + out.size();
-    while (from != fromEnd) {
-        const char8_t* fromNext = from;
-        char16_t* toNext = to;
-        const auto result = facet().in(state, from, fromEnd, fromNext, to, toEnd, toNext);
-        to = toNext;
-        from = fromNext;
-        if (result == Facet::ok) {
-            break;
-        }
-        *to++ = u'\uFFFD';
-        ++from;
-        state = std::mbstate_t{};
-    }
-    out.resize(static_cast<std::size_t>(to - toBegin));
-    return out;
+    const std::u8string_view bytes(reinterpret_cast<const char8_t*>(text.data()), text.size());
+    return convertAll<char16_t>(bytes, 1, u'\uFFFD', [](auto&&... args) { return facet().in(args...); });
 }
 
 } // namespace platform::detail

@@ -19,14 +19,6 @@
 
 #include <sys/stat.h>
 
-namespace refdoc::test {
-
-// Readable failure messages for record comparisons.
-void PrintTo(const CapturedRecord& record, std::ostream* out) {
-    *out << "{" << record.channel << ", " << record.severity << ", \"" << record.message << "\"}";
-}
-
-} // namespace refdoc::test
 
 namespace {
 

@@ -101,46 +101,44 @@ const LookupSummary kUninstalled = {
     {"omega", {"Omega", {{"o1", {"Omega one"}}}}},
 };
 
-TEST_F(LookupLoading, EnglishReadsOnlyBaseFilesAndDropsBrokenOnes) {
-    const auto results = loadIn(u"en");
-    const LookupSummary installed = {
-        {"alpha", {"Alpha", {{"line", {"Draw lines"}}, {"plot", {"Plot data"}}}}},
-        {"beta", {"Beta", {{"b1", {"Beta one"}}}}},
-        {"gamma", {"Gamma", {{"g1", {"Gamma one"}}, {"g2", {"Gamma two"}}}}},
+TEST_F(LookupLoading, EachLanguageGetsItsVariantsOverEnglishAndBrokenFilesAreDropped) {
+    // Entries that never change with the language; the rest is listed per language below.
+    const LookupSummary common = {
         {"mixedok", {"Mixed OK", {{"m1", {"Mixed one"}}}}},
         {"solo", {"Solo", {{"s1", {"Solo one"}}}}},
-        {"sp_a", {"Alpha SP", {{"spfun", {"Support function"}}}}},
     };
-    EXPECT_EQ(summarize(results.installedResources), installed);
-    EXPECT_EQ(summarize(results.uninstalledResources), kUninstalled);
-}
-
-TEST_F(LookupLoading, JapaneseWinsPerNameAndEnglishFillsTheGaps) {
-    const auto results = loadIn(u"ja");
-    const LookupSummary installed = {
-        {"alpha", {"アルファ", {{"line", {"Draw lines"}}, {"plot", {"データをプロット"}}}}},
-        {"beta", {"ベータ", {{"b1", {"ベータ1"}}}}},
-        {"gamma", {"ガンマ", {{"g1", {"ガンマ1"}}, {"g2", {"Gamma two"}}}}},
-        {"mixedok", {"Mixed OK", {{"m1", {"Mixed one"}}}}},
-        {"solo", {"Solo", {{"s1", {"Solo one"}}}}},
-        {"sp_a", {"Alpha SP ja", {{"spfun", {"サポート関数"}}}}},
+    const LookupSummary englishGamma = {{"gamma", {"Gamma", {{"g1", {"Gamma one"}}, {"g2", {"Gamma two"}}}}}};
+    const LookupSummary englishSupport = {{"sp_a", {"Alpha SP", {{"spfun", {"Support function"}}}}}};
+    struct Case {
+        const char16_t* language;
+        LookupSummary installed;
     };
-    EXPECT_EQ(summarize(results.installedResources), installed);
-    EXPECT_EQ(summarize(results.uninstalledResources), kUninstalled);
-}
-
-TEST_F(LookupLoading, KoreanUsesItsOwnVariantsAndEnglishElsewhere) {
-    const auto results = loadIn(u"ko");
-    const LookupSummary installed = {
-        {"alpha", {"알파", {{"line", {"선 그리기"}}, {"plot", {"Plot data"}}}}},
-        {"beta", {"베타", {{"b1", {"베타1"}}}}},
-        {"gamma", {"Gamma", {{"g1", {"Gamma one"}}, {"g2", {"Gamma two"}}}}},
-        {"mixedok", {"Mixed OK", {{"m1", {"Mixed one"}}}}},
-        {"solo", {"Solo", {{"s1", {"Solo one"}}}}},
-        {"sp_a", {"Alpha SP", {{"spfun", {"Support function"}}}}},
+    const Case cases[] = {
+        {u"en",
+         {{"alpha", {"Alpha", {{"line", {"Draw lines"}}, {"plot", {"Plot data"}}}}},
+          {"beta", {"Beta", {{"b1", {"Beta one"}}}}},
+          *englishGamma.begin(),
+          *englishSupport.begin()}},
+        // The translation wins per name; English fills names the translation lacks.
+        {u"ja",
+         {{"alpha", {"アルファ", {{"line", {"Draw lines"}}, {"plot", {"データをプロット"}}}}},
+          {"beta", {"ベータ", {{"b1", {"ベータ1"}}}}},
+          {"gamma", {"ガンマ", {{"g1", {"ガンマ1"}}, {"g2", {"Gamma two"}}}}},
+          {"sp_a", {"Alpha SP ja", {{"spfun", {"サポート関数"}}}}}}},
+        {u"ko",
+         {{"alpha", {"알파", {{"line", {"선 그리기"}}, {"plot", {"Plot data"}}}}},
+          {"beta", {"베타", {{"b1", {"베타1"}}}}},
+          *englishGamma.begin(),
+          *englishSupport.begin()}},
     };
-    EXPECT_EQ(summarize(results.installedResources), installed);
-    EXPECT_EQ(summarize(results.uninstalledResources), kUninstalled);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.language, c.language + 2));
+        LookupSummary installed = c.installed;
+        installed.insert(common.begin(), common.end());
+        const auto results = loadIn(c.language);
+        EXPECT_EQ(summarize(results.installedResources), installed);
+        EXPECT_EQ(summarize(results.uninstalledResources), kUninstalled);
+    }
 }
 
 TEST_F(LookupLoading, ReadsExactlyTheFilesOfTheCurrentLanguage) {

@@ -72,6 +72,10 @@ std::vector<std::string> LogCapture::messages() const {
     return out;
 }
 
+void PrintTo(const CapturedRecord& record, std::ostream* out) {
+    *out << "{" << record.channel << ", " << record.severity << ", \"" << record.message << "\"}";
+}
+
 void LogCapture::clear() {
     std::lock_guard lock(state_->mutex);
     state_->records.clear();

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,9 @@ struct CapturedRecord {
 
     bool operator==(const CapturedRecord&) const = default;
 };
+
+// Readable failure messages for record comparisons.
+void PrintTo(const CapturedRecord& record, std::ostream* out);
 
 // A Boost.Log sink that collects the records of one channel while it lives. It also sets the
 // library logger's enabled-severity mask and restores the previous mask on destruction.

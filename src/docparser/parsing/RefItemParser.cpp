@@ -41,6 +41,20 @@ std::u16string propertyAnchor(const std::u16string& href, const std::u16string& 
     return anchor;
 }
 
+// Reads the optional array `key` of `item` into a list reserved to the array's length, one
+// record per element; every element must be an object. An absent key gives an empty list.
+template <class Record, class ReadOne>
+std::vector<Record> readObjectList(const boost::json::object& item, std::string_view key, ReadOne&& readOne) {
+    std::vector<Record> records;
+    if (const auto* array = detail::optionalArray(item, key)) {
+        records.reserve(array->size());
+        for (const auto& element : *array) {
+            readOne(records, detail::asObject(element));
+        }
+    }
+    return records;
+}
+
 struct Entities {
     std::vector<RefEntity> list;
     StringParsingType memberNameParsing = StringParsingType::Ascii;
@@ -48,21 +62,15 @@ struct Entities {
 
 Entities parseEntities(const boost::json::object& item) {
     Entities entities;
-    const auto* array = detail::optionalArray(item, keys::kRefEntity);
-    if (array == nullptr) {
-        return entities;
-    }
-    entities.list.reserve(array->size());
-    for (const auto& element : *array) {
-        const auto& entity = detail::asObject(element);
+    entities.list = readObjectList<RefEntity>(item, keys::kRefEntity, [&entities](auto& list, const auto& entity) {
         const auto type = detail::readEnum<RefEntityType>(entity, keys::kType);
         const auto functionType = detail::readEnum<FunctionType>(entity, keys::kFcnType);
         auto name = detail::requireString(entity, keys::kName, StringParsingType::Utf8);
         if (type == RefEntityType::Block) {
             entities.memberNameParsing = StringParsingType::Utf8;
         }
-        entities.list.emplace_back(type, std::move(name), functionType);
-    }
+        list.emplace_back(type, std::move(name), functionType);
+    });
     return entities;
 }
 
@@ -92,30 +100,15 @@ std::vector<InputGroup> parseInputGroups(const boost::json::object& item, const 
 }
 
 std::vector<Output> parseOutputs(const boost::json::object& item, const std::u16string& href) {
-    std::vector<Output> outputs;
-    const auto* array = detail::optionalArray(item, keys::kOutputs);
-    if (array == nullptr) {
-        return outputs;
-    }
-    outputs.reserve(array->size());
-    for (const auto& element : *array) {
-        const auto& output = detail::asObject(element);
+    return readObjectList<Output>(item, keys::kOutputs, [&href](auto& outputs, const auto& output) {
         const auto syntaxType = detail::readEnum<SyntaxType>(output, keys::kSyntaxType);
         outputs.emplace_back(parseObjectInfo(output, href, StringParsingType::Utf8), syntaxType);
-    }
-    return outputs;
+    });
 }
 
 std::vector<ClassPropertyGroup> parseClassPropertyGroups(const boost::json::object& item, const std::u16string& href,
                                                          StringParsingType memberNameParsing) {
-    std::vector<ClassPropertyGroup> groups;
-    const auto* array = detail::optionalArray(item, keys::kClassPropertyGroup);
-    if (array == nullptr) {
-        return groups;
-    }
-    groups.reserve(array->size());
-    for (const auto& element : *array) {
-        const auto& group = detail::asObject(element);
+    return readObjectList<ClassPropertyGroup>(item, keys::kClassPropertyGroup, [&](auto& groups, const auto& group) {
         auto title = detail::optionalString(group, keys::kTitle, StringParsingType::Utf8);
         const auto& propertyArray = detail::requireArray(group, keys::kClassProperty);
         std::vector<ClassProperty> properties;
@@ -130,56 +123,31 @@ std::vector<ClassPropertyGroup> parseClassPropertyGroups(const boost::json::obje
             properties.emplace_back(std::move(info), std::move(defaultValue));
         }
         groups.emplace_back(std::move(title), std::move(properties));
-    }
-    return groups;
+    });
 }
 
 std::vector<SeeAlso> parseSeeAlso(const boost::json::object& item) {
-    std::vector<SeeAlso> links;
-    const auto* array = detail::optionalArray(item, keys::kSeeAlso);
-    if (array == nullptr) {
-        return links;
-    }
-    links.reserve(array->size());
-    for (const auto& element : *array) {
-        const auto& link = detail::asObject(element);
+    return readObjectList<SeeAlso>(item, keys::kSeeAlso, [](auto& links, const auto& link) {
         auto url = detail::requireString(link, keys::kUrl, StringParsingType::Ascii);
         auto name = detail::requireString(link, keys::kName, StringParsingType::Utf8);
         links.emplace_back(std::move(url), std::move(name));
-    }
-    return links;
+    });
 }
 
 std::vector<Example> parseExamples(const boost::json::object& item) {
-    std::vector<Example> examples;
-    const auto* array = detail::optionalArray(item, keys::kExamples);
-    if (array == nullptr) {
-        return examples;
-    }
-    examples.reserve(array->size());
-    for (const auto& element : *array) {
-        const auto& example = detail::asObject(element);
+    return readObjectList<Example>(item, keys::kExamples, [](auto& examples, const auto& example) {
         auto url = detail::requireString(example, keys::kUrl, StringParsingType::Ascii);
         auto openCommand = detail::optionalString(example, keys::kOpenCommand, StringParsingType::Ascii);
         auto title = detail::requireString(example, keys::kTitle, StringParsingType::Utf8);
         examples.emplace_back(std::move(url), std::move(openCommand), std::move(title));
-    }
-    return examples;
+    });
 }
 
 std::vector<Parameter> parseParameters(const boost::json::object& item, const std::u16string& href) {
-    std::vector<Parameter> parameters;
-    const auto* array = detail::optionalArray(item, keys::kParameters);
-    if (array == nullptr) {
-        return parameters;
-    }
-    parameters.reserve(array->size());
-    for (const auto& element : *array) {
-        const auto& parameter = detail::asObject(element);
+    return readObjectList<Parameter>(item, keys::kParameters, [&href](auto& parameters, const auto& parameter) {
         auto defaultValue = detail::optionalString(parameter, keys::kDefaultValue, StringParsingType::Utf8);
         parameters.emplace_back(parseObjectInfo(parameter, href, StringParsingType::Utf8), std::move(defaultValue));
-    }
-    return parameters;
+    });
 }
 
 } // namespace
@@ -230,14 +198,7 @@ InputGroup parseInputGroup(const boost::json::object& group, const std::u16strin
 }
 
 std::vector<SyntaxGroup> parseSyntaxGroups(const boost::json::object& item) {
-    std::vector<SyntaxGroup> groups;
-    const auto* array = detail::optionalArray(item, keys::kSyntaxGroup);
-    if (array == nullptr) {
-        return groups;
-    }
-    groups.reserve(array->size());
-    for (const auto& element : *array) {
-        const auto& group = detail::asObject(element);
+    return readObjectList<SyntaxGroup>(item, keys::kSyntaxGroup, [](auto& groups, const auto& group) {
         const auto syntaxType = detail::readEnum<SyntaxType>(group, keys::kSyntaxType);
         auto title = detail::requireString(group, keys::kTitle, StringParsingType::Utf8);
         const auto& lineArray = detail::requireArray(group, keys::kSyntax);
@@ -248,8 +209,7 @@ std::vector<SyntaxGroup> parseSyntaxGroups(const boost::json::object& item) {
             lines.push_back(detail::toUtf16(detail::asStringBytes(line), StringParsingType::Ascii));
         }
         groups.emplace_back(std::move(title), syntaxType, std::move(lines));
-    }
-    return groups;
+    });
 }
 
 DocResource<RefItem> parseRefItemDocument(const boost::json::value& document) {
