@@ -1,5 +1,6 @@
 // The two public loading operations: every product's lookup index, and one product's pages.
 
+#include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/loading/InstalledProducts.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
@@ -23,7 +24,8 @@ using RefItemFileMap = DocResourceParser::RefItemFileMap;
 RefItemFileMap parseRefItemFile(const std::string& text) {
     RefItemFileMap result;
     boost::json::monotonic_resource arena(1024);
-    const boost::json::value root = boost::json::parse(text, &arena, boost::json::parse_options());
+    const boost::json::value root = diagnostics::parseResourceText(text, &arena);
+    const diagnostics::WatchedDocument watch(root);
 
     DocResource<property::RefItem> mainDocument = parseRefItemDocument(root);
     result.try_emplace(mainDocument.getHeader().getHelpFolder(), std::move(mainDocument));
@@ -31,7 +33,9 @@ RefItemFileMap parseRefItemFile(const std::string& text) {
     if (const auto* packages = detail::optionalArray(detail::asObject(root), keys::kSupportPackages)) {
         for (const auto& document : *packages) {
             DocResource<property::RefItem> package = parseRefItemDocument(document);
-            result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
+            if (!result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {
+                diagnostics::documentKeyTaken(document, package.getHeader().getBaseCode());
+            }
         }
     }
     return result;
@@ -39,9 +43,13 @@ RefItemFileMap parseRefItemFile(const std::string& text) {
 
 // A page file that is missing, unreadable or broken counts as absent.
 RefItemFileMap readPageFile(const std::u16string& path) {
+    diagnostics::pageFileBegin(path);
     try {
-        return parseRefItemFile(DocResourceParser::openAndReadFile(path));
+        RefItemFileMap pages = parseRefItemFile(DocResourceParser::openAndReadFile(path));
+        diagnostics::fileParsed(pages);
+        return pages;
     } catch (...) {
+        diagnostics::pageFileDropped(path);
         return {};
     }
 }

@@ -3,6 +3,7 @@
 // resource as installed or uninstalled. A file or package that cannot be read or parsed is
 // skipped without a word; the file-access records are the only trace of it.
 
+#include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/loading/FileNames.hpp"
 #include "docparser/loading/ZipPackage.hpp"
 
@@ -46,6 +47,7 @@ DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::readZipFil
     const std::vector<ProductPathData>& zipPackages, const ParsingInfo<T>& info) {
     ParsingResults<T> results;
     for (const auto& packageFile : zipPackages) {
+        diagnostics::packageBegin(packageFile);
         try {
             // The package stays open exactly while its entries are read: the records below point
             // at it and are destroyed first.
@@ -74,6 +76,7 @@ DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::readZipFil
             readJsonFiles(entries, info, results);
         } catch (...) {
             // A package that cannot be opened or listed counts as absent.
+            diagnostics::packageDropped();
         }
     }
     return results;
@@ -83,9 +86,11 @@ template <class T, class D>
 void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files, const ParsingInfo<T>& info,
                                                     ParsingResults<T>& results) {
     for (const auto& file : files) {
+        diagnostics::fileBegin(file);
         try {
             const bool sourceTakesPrecedence = file.isNonEnglishLocale();
             T parsed = info.jsonParsingFcn(openAndReadFile(file));
+            diagnostics::fileParsed(parsed);
             for (auto it = parsed.begin(); it != parsed.end();) {
                 const auto current = it++;
                 T& target = info.isInstalledFcn(current->first) ? results.installedResources
@@ -101,6 +106,7 @@ void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files,
         } catch (...) {
             // Unreadable text, a JSON syntax error, a missing key: the file counts as absent. What
             // it merged before the failure stays merged.
+            diagnostics::fileDropped(file);
         }
     }
 }

@@ -12,11 +12,10 @@ namespace reference::docparser {
 
 namespace detail {
 
-void failRead(ReadFailure failure, std::string_view key) {
+void failRead(ReadFailure failure, std::string_view key, const void* node) {
     // The exception deliberately carries nothing: loaders treat the file as absent whatever
-    // went wrong. The failure kind and key are for diagnostics that watch this exit.
-    static_cast<void>(failure);
-    static_cast<void>(key);
+    // went wrong. The failure kind, key and node go to a diagnostics scope, if one is active.
+    diagnostics::readFailed(failure, key, node);
     throw DocParserException();
 }
 

@@ -4,6 +4,7 @@
 // parsers share these, so the policy (required keys throw, optional strings default to "",
 // every member is checked for its JSON kind) lives in one place.
 
+#include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
@@ -31,21 +32,22 @@ enum class ReadFailure {
 
 // Every failed read of resource data leaves through here and throws DocParserException.
 // `key` names the member concerned; it is empty for an array element or a whole document.
+// `node` is the value read (for a missing key, the object searched), for diagnostics.
 // Keeping this the single exit lets a diagnostic observe where a read stopped.
-[[noreturn]] void failRead(ReadFailure failure, std::string_view key);
+[[noreturn]] void failRead(ReadFailure failure, std::string_view key, const void* node);
 
 inline const boost::json::object& asObject(const boost::json::value& value, std::string_view key = {}) {
     if (const auto* object = value.if_object()) [[likely]] {
         return *object;
     }
-    failRead(ReadFailure::NotAnObject, key);
+    failRead(ReadFailure::NotAnObject, key, &value);
 }
 
 inline const boost::json::array& asArray(const boost::json::value& value, std::string_view key = {}) {
     if (const auto* array = value.if_array()) [[likely]] {
         return *array;
     }
-    failRead(ReadFailure::NotAnArray, key);
+    failRead(ReadFailure::NotAnArray, key, &value);
 }
 
 // The bytes of a JSON string, viewed in place in the document's memory.
@@ -53,14 +55,14 @@ inline std::string_view asStringBytes(const boost::json::value& value, std::stri
     if (const auto* string = value.if_string()) [[likely]] {
         return {string->data(), string->size()};
     }
-    failRead(ReadFailure::NotAString, key);
+    failRead(ReadFailure::NotAString, key, &value);
 }
 
 inline const boost::json::value& requireMember(const boost::json::object& object, std::string_view key) {
     if (const auto* member = object.if_contains(key)) [[likely]] {
         return *member;
     }
-    failRead(ReadFailure::MissingKey, key);
+    failRead(ReadFailure::MissingKey, key, &object);
 }
 
 // UTF-8 bytes of a JSON string to UTF-16. Ascii widens; any other type scans first and sends
@@ -115,6 +117,7 @@ typename T::Value readEnum(const boost::json::object& object, std::string_view k
     } catch (const std::invalid_argument&) {
         // The record library's answer to a text it does not know; anything else (out of
         // memory) is a real failure and passes on.
+        diagnostics::unknownEnumText(*member, text);
         return fallback;
     }
 }

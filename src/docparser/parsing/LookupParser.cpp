@@ -1,5 +1,6 @@
 #include "docparser/parsing/LookupParser.hpp"
 
+#include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
 
@@ -53,7 +54,8 @@ DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
 
     // The whole tree lives in one arena and goes with it at once, also when parsing fails.
     boost::json::monotonic_resource arena(kFirstArenaBlock);
-    const boost::json::value root = boost::json::parse(text, &arena, boost::json::parse_options{});
+    const boost::json::value root = diagnostics::parseResourceText(text, &arena);
+    const diagnostics::WatchedDocument watch(root);
     const auto& mainDocument = detail::asObject(root);
 
     auto main = parseLookupDocument(mainDocument);
@@ -63,7 +65,9 @@ DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
         for (const auto& element : *packages) {
             auto package = parseLookupDocument(detail::asObject(element));
             // First come, first kept: the main document and earlier packages win a shared key.
-            result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
+            if (!result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {
+                diagnostics::documentKeyTaken(element, package.getHeader().getBaseCode());
+            }
         }
     }
     return result;

@@ -1,0 +1,447 @@
+// refdoc check: reads every lookup and page file under a documentation root through the
+// library's own loading operations, with a ParseDiagnosticsScope recording what happens to each
+// file, and reports every file the library drops with its exact reason, plus what it reads
+// only leniently. Exit status 1 when a file is dropped.
+
+#include "Commands.hpp"
+#include "Host.hpp"
+#include "Json.hpp"
+#include "Text.hpp"
+
+#include <reference/docparser/DocResourceParser.hpp>
+#include <reference/docparser/ParseDiagnostics.hpp>
+
+#include <doclanguage/DocLanguage.hpp>
+
+#include <boost/json/array.hpp>
+#include <boost/json/object.hpp>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <system_error>
+#include <tuple>
+
+namespace refdoc::tool {
+namespace {
+
+using reference::docparser::DiagnosticSource;
+using reference::docparser::DocResourceParser;
+using reference::docparser::DropReason;
+using reference::docparser::FileDiagnostic;
+using reference::docparser::ParseDiagnosticsScope;
+using reference::docparser::WarningKind;
+
+enum class DataKind { Lookup, Page };
+
+// A warning of the tool's own, about how the library reads a file's name.
+struct NameWarning {
+    std::string kind;
+    std::string text;
+};
+
+struct CheckedFile {
+    DataKind kind;
+    FileDiagnostic diagnostic;
+    std::vector<NameWarning> nameWarnings;
+};
+
+struct Report {
+    std::vector<CheckedFile> files;
+    std::vector<std::string> ignored; // files in the data folders that the library never reads
+};
+
+using Identity = std::tuple<DiagnosticSource, std::u16string, std::u16string>;
+
+Identity identityOf(const FileDiagnostic& file) {
+    return {file.source, file.path, file.entry};
+}
+
+// Adds what one loading call recorded; a file read again by a later call (the English files
+// are read with every language) is kept once. The page loader names a translation
+// NAME_<language>.json for the current language, which is how its records are told apart.
+void addRecords(Report& report, std::set<Identity>& seen, DataKind kind, std::vector<FileDiagnostic> records,
+                const std::string& language = {}) {
+    for (auto& record : records) {
+        if (record.dropReason == DropReason::Missing) {
+            continue; // a translation that does not exist: the English pages stand alone
+        }
+        if (kind == DataKind::Page && language != "en" && toUtf8(record.productName).ends_with("_" + language)) {
+            record.localeVariant = true;
+        }
+        if (seen.insert(identityOf(record)).second) {
+            report.files.push_back(CheckedFile{kind, std::move(record), {}});
+        }
+    }
+}
+
+std::string relative(const std::u16string& path, const std::filesystem::path& root) {
+    const std::string full = toUtf8(path);
+    const std::string prefix = root.string() + "/";
+    return full.rfind(prefix, 0) == 0 ? full.substr(prefix.size()) : full;
+}
+
+std::string fileLabel(const FileDiagnostic& file, const std::filesystem::path& root) {
+    std::string label = relative(file.path, root);
+    if (file.source == DiagnosticSource::PackageEntry) {
+        label += ": " + toUtf8(file.entry);
+    }
+    return label;
+}
+
+bool isLowerAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
+    if (text.size() < minimum || text.size() > maximum) {
+        return false;
+    }
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+}
+
+bool isAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
+    if (text.size() < minimum || text.size() > maximum) {
+        return false;
+    }
+    return std::all_of(text.begin(), text.end(), [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
+}
+
+// The language code a stem seems to end with ("ja" in "optics_ja", "zh_CN" in "map_zh_CN"),
+// and the stem without it; nothing when the stem does not look like a locale variant.
+std::optional<std::pair<std::string, std::string>> localeLikeSuffix(const std::string& stem) {
+    const std::size_t last = stem.rfind('_');
+    if (last == std::string::npos || last == 0) {
+        return std::nullopt;
+    }
+    const std::string_view tail = std::string_view(stem).substr(last + 1);
+    if (isLowerAlpha(tail, 2, 3)) {
+        return std::make_pair(stem.substr(0, last), std::string(tail));
+    }
+    const std::size_t previous = stem.rfind('_', last - 1);
+    if (previous != std::string::npos && previous != 0 && isAlpha(tail, 2, 4) &&
+        isLowerAlpha(std::string_view(stem).substr(previous + 1, last - previous - 1), 2, 3)) {
+        return std::make_pair(stem.substr(0, previous), stem.substr(previous + 1));
+    }
+    return std::nullopt;
+}
+
+// The package of an entry, the folder of a file: where a file's siblings are.
+std::u16string containerOf(const FileDiagnostic& file) {
+    if (file.source == DiagnosticSource::PackageEntry) {
+        return file.path;
+    }
+    return file.path.substr(0, file.path.rfind(u'/'));
+}
+
+// Files read as English whose names say they are a translation into a language that is not
+// supported: the library takes the whole stem as the product name and never lets their texts
+// win over English.
+void addLocaleWarnings(Report& report, const HostSettings& settings) {
+    std::map<std::u16string, std::set<std::string>> stemsByContainer;
+    for (const auto& file : report.files) {
+        if (file.diagnostic.source != DiagnosticSource::Package) {
+            stemsByContainer[containerOf(file.diagnostic)].insert(toUtf8(file.diagnostic.productName));
+        }
+    }
+    for (auto& file : report.files) {
+        const FileDiagnostic& d = file.diagnostic;
+        if (d.source == DiagnosticSource::Package || d.localeVariant || d.dropped()) {
+            continue;
+        }
+        const auto suffix = localeLikeSuffix(toUtf8(d.productName));
+        if (!suffix) {
+            continue;
+        }
+        const auto& [base, code] = *suffix;
+        if (std::find(settings.supportedLanguages.begin(), settings.supportedLanguages.end(), code) !=
+            settings.supportedLanguages.end()) {
+            continue;
+        }
+        const bool siblingExists = stemsByContainer[containerOf(d)].count(base) != 0;
+        const bool sameKey = std::find(d.documentKeys.begin(), d.documentKeys.end(), toUtf16(base)) !=
+                             d.documentKeys.end();
+        if (!siblingExists && !sameKey) {
+            continue;
+        }
+        file.nameWarnings.push_back(
+            {"locale variant read as English",
+             "the name ends in \"_" + code + "\", but \"" + code + "\" is not a supported language (" +
+                 joinList(settings.supportedLanguages, ", ") + "): read as English data, never over English"});
+    }
+}
+
+// Packages none of whose entries the library reads in any language.
+void addUnusedPackageWarnings(Report& report) {
+    std::set<std::u16string> packagesWithEntries;
+    for (const auto& file : report.files) {
+        if (file.diagnostic.source == DiagnosticSource::PackageEntry) {
+            packagesWithEntries.insert(file.diagnostic.path);
+        }
+    }
+    for (auto& file : report.files) {
+        const FileDiagnostic& d = file.diagnostic;
+        if (d.source == DiagnosticSource::Package && !d.dropped() && packagesWithEntries.count(d.path) == 0) {
+            file.nameWarnings.push_back(
+                {"package never read",
+                 d.localeVariant ? "no entry is read: a package named for a language is read only when that "
+                                   "language is current, and then only an entry whose name ends in the same suffix"
+                                 : "no entry is read: the package holds no .json entry"});
+        }
+    }
+}
+
+// Entries of a data folder that the library passes over; `accepts` tells the data files.
+template <class Accepts>
+void addIgnored(Report& report, const std::filesystem::path& folder, const std::filesystem::path& root,
+                Accepts&& accepts) {
+    std::error_code error;
+    std::filesystem::directory_iterator entries(folder, error);
+    if (error) {
+        return;
+    }
+    for (const auto& entry : entries) {
+        const std::string name = entry.path().filename().string();
+        if (!entry.is_directory(error) && !accepts(name)) {
+            report.ignored.push_back(std::filesystem::relative(entry.path(), root, error).string());
+        }
+    }
+    std::sort(report.ignored.begin(), report.ignored.end());
+}
+
+bool hasExtension(const std::string& name, std::string_view extension) {
+    const std::size_t dot = name.rfind('.');
+    return dot != std::string::npos && std::string_view(name).substr(dot + 1) == extension;
+}
+
+// The product names of the page files: each .json file's stem without a supported language's suffix.
+std::set<std::string> pageNames(const std::filesystem::path& folder, const HostSettings& settings) {
+    std::set<std::string> names;
+    std::error_code error;
+    std::filesystem::directory_iterator entries(folder, error);
+    if (error) {
+        return names;
+    }
+    for (const auto& entry : entries) {
+        const std::string fileName = entry.path().filename().string();
+        if (!hasExtension(fileName, "json")) {
+            continue;
+        }
+        std::string stem = fileName.substr(0, fileName.size() - 5);
+        for (const auto& code : settings.supportedLanguages) {
+            const std::string suffix = "_" + code;
+            if (code != "en" && stem.size() > suffix.size() && stem.ends_with(suffix)) {
+                stem.resize(stem.size() - suffix.size());
+                break;
+            }
+        }
+        if (!stem.empty()) {
+            names.insert(stem);
+        }
+    }
+    return names;
+}
+
+std::string dropText(const FileDiagnostic& file) {
+    switch (file.dropReason) {
+    case DropReason::SyntaxError:
+        return "JSON syntax error at line " + std::to_string(file.line) + ", column " + std::to_string(file.column) +
+               " (byte " + std::to_string(file.offset) + "): " + file.message;
+    case DropReason::MissingKey:
+    case DropReason::WrongKind:
+        return file.jsonPath.empty() ? file.message : file.message + " at " + file.jsonPath;
+    case DropReason::Unreadable:
+        return "unreadable: " + file.message;
+    default:
+        return file.message;
+    }
+}
+
+std::string warningText(const reference::docparser::ParseWarning& warning) {
+    switch (warning.kind) {
+    case WarningKind::UnknownEnumText:
+        return "unknown enumeration text \"" + warning.text + "\" at " + warning.jsonPath +
+               ": the default value is used";
+    case WarningKind::DocumentKeyTaken:
+        return "support package at " + warning.jsonPath + " dropped: its key \"" + warning.text +
+               "\" is already taken by an earlier document of this file";
+    }
+    return warning.text;
+}
+
+std::size_t warningCount(const CheckedFile& file) {
+    return file.diagnostic.warnings.size() + file.nameWarnings.size();
+}
+
+void writeText(std::ostream& out, const Report& report, const HostSettings& settings, bool quiet) {
+    out << "Checking " << settings.root.string() << (settings.sampleRoot ? " (bundled sample)" : "")
+        << "\nLanguages read: " << joinList(settings.supportedLanguages, ", ") << '\n';
+    for (const DataKind kind : {DataKind::Lookup, DataKind::Page}) {
+        out << '\n' << (kind == DataKind::Lookup ? "Lookup files" : "Page files") << '\n';
+        std::size_t shown = 0;
+        for (const auto& file : report.files) {
+            if (file.kind != kind) {
+                continue;
+            }
+            const FileDiagnostic& d = file.diagnostic;
+            if (quiet && !d.dropped() && warningCount(file) == 0) {
+                continue;
+            }
+            ++shown;
+            out << (d.dropped() ? "  DROPPED  " : warningCount(file) != 0 ? "  warning  " : "  ok       ")
+                << fileLabel(d, settings.root);
+            if (d.source == DiagnosticSource::Package) {
+                out << "  (package)";
+            } else if (d.localeVariant) {
+                out << "  (locale variant)";
+            }
+            if (!d.documentKeys.empty()) {
+                std::vector<std::string> keys;
+                for (const auto& key : d.documentKeys) {
+                    keys.push_back(toUtf8(key));
+                }
+                out << "  → " << joinList(keys, ", ");
+            }
+            out << '\n';
+            if (d.dropped()) {
+                out << "           " << dropText(d) << '\n';
+            }
+            for (const auto& warning : d.warnings) {
+                out << "           " << warningText(warning) << '\n';
+            }
+            for (const auto& warning : file.nameWarnings) {
+                out << "           " << warning.text << '\n';
+            }
+        }
+        if (shown == 0) {
+            out << (quiet ? "  no problems\n" : "  none\n");
+        }
+    }
+    if (!report.ignored.empty()) {
+        out << "\nNot read (only .json and .zip lookup files and .json page files are data)\n";
+        for (const auto& path : report.ignored) {
+            out << "  " << path << '\n';
+        }
+    }
+}
+
+int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
+    HostSettings settings = resolveHostSettings(args);
+    applyHostSettings(settings);
+
+    // Each run reads the English files and the current language's variants, so one run per
+    // supported language reads every file there is.
+    std::vector<std::string> languages;
+    for (const auto& code : settings.supportedLanguages) {
+        if (std::find(languages.begin(), languages.end(), code) == languages.end()) {
+            languages.push_back(code);
+        }
+    }
+    if (languages.empty()) {
+        languages.push_back("en");
+    }
+    auto& languageService = doclanguage::DocLanguage::getInstance();
+
+    Report report;
+    std::set<Identity> seen;
+    for (const auto& language : languages) {
+        languageService.setDocLanguage(toUtf16(language));
+        ParseDiagnosticsScope scope;
+        DocResourceParser::getResourceLookupFiles();
+        addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
+    }
+    const auto roots = DocResourceParser::getReferenceRoots();
+    const std::filesystem::path pageFolder = toUtf8(roots->referenceFolder);
+    const std::set<std::string> names = pageNames(pageFolder, settings);
+    for (const auto& language : languages) {
+        languageService.setDocLanguage(toUtf16(language));
+        for (const auto& name : names) {
+            ParseDiagnosticsScope scope;
+            DocResourceParser::getResourceFile(toUtf16(name));
+            addRecords(report, seen, DataKind::Page, scope.takeFiles(), language);
+        }
+    }
+    languageService.setDocLanguage(toUtf16(settings.language));
+
+    std::stable_sort(report.files.begin(), report.files.end(), [](const CheckedFile& a, const CheckedFile& b) {
+        return std::tie(a.kind, a.diagnostic.path, a.diagnostic.entry) <
+               std::tie(b.kind, b.diagnostic.path, b.diagnostic.entry);
+    });
+    addLocaleWarnings(report, settings);
+    addUnusedPackageWarnings(report);
+    addIgnored(report, toUtf8(roots->lookupFolder), settings.root,
+               [](const std::string& name) { return hasExtension(name, "json") || hasExtension(name, "zip"); });
+    addIgnored(report, pageFolder, settings.root, [](const std::string& name) { return hasExtension(name, "json"); });
+
+    std::size_t dropped = 0;
+    std::size_t warnings = 0;
+    for (const auto& file : report.files) {
+        dropped += file.diagnostic.dropped() ? 1 : 0;
+        warnings += warningCount(file);
+    }
+    const std::size_t read = report.files.size() - dropped;
+
+    if (args.has("--json")) {
+        boost::json::array files;
+        for (const auto& file : report.files) {
+            boost::json::value entry = toJson(file.diagnostic, settings.root);
+            auto& object = entry.as_object();
+            object["kind"] = file.kind == DataKind::Lookup ? "lookup" : "page";
+            auto& warningArray = object["warnings"].as_array();
+            for (const auto& warning : file.nameWarnings) {
+                warningArray.push_back(boost::json::object{{"kind", warning.kind}, {"jsonPath", nullptr},
+                                                           {"text", warning.text}});
+            }
+            files.push_back(std::move(entry));
+        }
+        boost::json::array languageArray;
+        for (const auto& language : languages) {
+            languageArray.push_back(boost::json::value(language));
+        }
+        boost::json::array ignored;
+        for (const auto& path : report.ignored) {
+            ignored.push_back(boost::json::value(path));
+        }
+        writeJson(out, boost::json::object{
+                           {"root", settings.root.string()},
+                           {"languages", std::move(languageArray)},
+                           {"files", std::move(files)},
+                           {"ignored", std::move(ignored)},
+                           {"summary", boost::json::object{{"read", read}, {"dropped", dropped}, {"warnings", warnings}}},
+                       });
+    } else {
+        writeText(out, report, settings, args.has("--quiet"));
+        out << "\nSummary: " << read << (read == 1 ? " file" : " files") << " read, " << dropped << " dropped, "
+            << warnings << (warnings == 1 ? " warning" : " warnings") << '\n';
+    }
+    return dropped == 0 ? kExitOk : kExitProblem;
+}
+
+} // namespace
+
+Command checkCommand() {
+    Command command;
+    command.spec.name = "check";
+    addHostOptions(command.spec);
+    command.spec.flags = {"--json", "--quiet"};
+    command.summary = "read every lookup and page file and report each one the library would drop";
+    command.help =
+        "Usage: refdoc check [options]\n"
+        "\n"
+        "Reads every lookup file (loose and inside zip packages) and every page file under the\n"
+        "documentation root with the library's own loading code, once with each supported\n"
+        "language current, and reports every file the library drops with the exact reason:\n"
+        "the JSON syntax error with its line and column, the missing or mistyped member with\n"
+        "its JSON Pointer (e.g. /supportPackages/1/refItems/17/href), the package or entry that\n"
+        "cannot be read. It also warns about what is read only leniently: support-package keys\n"
+        "already taken in the same file, enumeration texts that fall back to their defaults,\n"
+        "files named for an unsupported language that are read as English, packages of which\n"
+        "no entry is read, and files in the data folders that are not data files.\n"
+        "\n"
+        "Exit status: 0 when no file is dropped, 1 when one is, 2 for a usage error.\n"
+        "\n"
+        "Options:\n" +
+        hostOptionsHelp() +
+        "  --quiet                  list only files that are dropped or have warnings\n"
+        "  --json                   print the report as JSON\n";
+    command.run = run;
+    return command;
+}
+
+} // namespace refdoc::tool

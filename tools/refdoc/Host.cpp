@@ -1,0 +1,193 @@
+#include "Host.hpp"
+
+#include "Text.hpp"
+
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <doclanguage/DocLanguage.hpp>
+
+#include <boost/json/parse.hpp>
+#include <boost/json/value.hpp>
+
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace refdoc::tool {
+namespace {
+
+using reference::docparser::DocResourceParser;
+
+// Language codes name files (pname_ja.json), so they are kept to what a file name can carry.
+void checkLanguageCode(const std::string& code, const std::string& origin) {
+    bool valid = !code.empty();
+    for (const char c : code) {
+        valid = valid && ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+                          c == '-');
+    }
+    if (!valid) {
+        throw UsageError("invalid language code '" + code + "' in " + origin);
+    }
+}
+
+std::vector<std::string> stringList(const boost::json::value& value, const std::string& key,
+                                    const std::filesystem::path& file) {
+    const auto* array = value.if_array();
+    if (array == nullptr) {
+        throw UsageError(file.string() + ": \"" + key + "\" must be an array of strings");
+    }
+    std::vector<std::string> items;
+    for (const auto& element : *array) {
+        const auto* string = element.if_string();
+        if (string == nullptr) {
+            throw UsageError(file.string() + ": \"" + key + "\" must be an array of strings");
+        }
+        items.emplace_back(string->data(), string->size());
+    }
+    return items;
+}
+
+// Reads the root's host file into `settings`; a root without one keeps the defaults.
+void readHostFile(const std::filesystem::path& file, HostSettings& settings) {
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) {
+        return;
+    }
+    std::ifstream in(file, std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (!in.good() && !in.eof()) {
+        throw UsageError("cannot read " + file.string());
+    }
+    boost::json::error_code parseError;
+    const boost::json::value root = boost::json::parse(text, parseError);
+    if (parseError || !root.is_object()) {
+        throw UsageError(file.string() + ": not a JSON object" +
+                         (parseError ? " (" + parseError.message() + ")" : std::string()));
+    }
+    for (const auto& member : root.get_object()) {
+        const std::string key(member.key());
+        if (key == "language") {
+            const auto* language = member.value().if_string();
+            if (language == nullptr) {
+                throw UsageError(file.string() + ": \"language\" must be a string");
+            }
+            settings.language.assign(language->data(), language->size());
+        } else if (key == "supportedLanguages") {
+            settings.supportedLanguages = stringList(member.value(), key, file);
+        } else if (key == "installedProducts") {
+            settings.installedProducts = stringList(member.value(), key, file);
+        } else if (key == "installedSupportPackages") {
+            settings.installedSupportPackages = stringList(member.value(), key, file);
+        } else {
+            throw UsageError(file.string() + ": unknown setting \"" + key + "\"");
+        }
+    }
+}
+
+std::filesystem::path executableFolder() {
+    std::error_code error;
+    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::filesystem::path() : self.parent_path();
+}
+
+std::vector<std::u16string> toUtf16List(const std::vector<std::string>& items) {
+    std::vector<std::u16string> out;
+    out.reserve(items.size());
+    for (const auto& item : items) {
+        out.push_back(toUtf16(item));
+    }
+    return out;
+}
+
+} // namespace
+
+void addHostOptions(CommandSpec& spec) {
+    spec.valueOptions.insert({"--root", "--lang", "--languages", "--installed", "--support-packages"});
+}
+
+std::filesystem::path findSampleRoot() {
+    std::vector<std::filesystem::path> candidates;
+    if (const auto folder = executableFolder(); !folder.empty()) {
+        candidates.push_back(folder / "docroot");
+        candidates.push_back(folder.parent_path() / "share" / "refdoc" / "docroot");
+    }
+#ifdef REFDOC_SAMPLE_ROOT
+    candidates.emplace_back(REFDOC_SAMPLE_ROOT);
+#endif
+    for (const auto& candidate : candidates) {
+        std::error_code error;
+        if (std::filesystem::is_directory(candidate / "docCatalog", error)) {
+            return candidate;
+        }
+    }
+    return {};
+}
+
+HostSettings resolveHostSettings(const ParsedArgs& args) {
+    HostSettings settings;
+    if (const auto root = args.value("--root")) {
+        if (root->empty()) {
+            throw UsageError("--root needs a folder");
+        }
+        settings.root = *root;
+    } else {
+        settings.root = findSampleRoot();
+        settings.sampleRoot = true;
+        if (settings.root.empty()) {
+            throw UsageError("the bundled sample documentation root was not found; give one with --root DIR");
+        }
+    }
+    std::error_code error;
+    if (!std::filesystem::is_directory(settings.root, error)) {
+        throw UsageError("no such folder: " + settings.root.string());
+    }
+    if (!std::filesystem::is_directory(settings.root / "docCatalog", error)) {
+        throw UsageError(settings.root.string() + " is not a documentation root: it has no docCatalog folder");
+    }
+    settings.root = std::filesystem::absolute(settings.root, error).lexically_normal();
+    if (settings.root.has_filename() == false && settings.root.has_parent_path()) {
+        settings.root = settings.root.parent_path(); // no trailing separator in what the tool prints
+    }
+
+    readHostFile(settings.root / kHostFileName, settings);
+
+    const bool languagesGiven = args.value("--languages").has_value();
+    if (const auto language = args.value("--lang")) {
+        settings.language = *language;
+    }
+    if (languagesGiven) {
+        settings.supportedLanguages = splitList(*args.value("--languages"));
+    }
+    if (const auto products = args.value("--installed")) {
+        settings.installedProducts = splitList(*products);
+    }
+    if (const auto packages = args.value("--support-packages")) {
+        settings.installedSupportPackages = splitList(*packages);
+    }
+
+    checkLanguageCode(settings.language, "--lang");
+    if (settings.supportedLanguages.empty() && !languagesGiven) {
+        // Without a list, English and the chosen language are the supported ones.
+        settings.supportedLanguages.push_back("en");
+        if (settings.language != "en") {
+            settings.supportedLanguages.push_back(settings.language);
+        }
+    }
+    for (const auto& code : settings.supportedLanguages) {
+        checkLanguageCode(code, "--languages");
+    }
+    return settings;
+}
+
+void applyHostSettings(const HostSettings& settings) {
+    auto& language = doclanguage::DocLanguage::getInstance();
+    language.setSupportedDocLanguages(toUtf16List(settings.supportedLanguages));
+    language.setDocLanguage(toUtf16(settings.language));
+    DocResourceParser::setReferenceRoot(toUtf16(settings.root.string()));
+    DocResourceParser::setTestProducts(toUtf16List(settings.installedProducts),
+                                       toUtf16List(settings.installedSupportPackages));
+}
+
+} // namespace refdoc::tool

@@ -1,0 +1,25 @@
+#pragma once
+
+// The library's results as JSON values, for the --json outputs. Texts are UTF-8; enumeration
+// values are their JSON spellings, null for a value that has none (the defaults).
+
+#include <reference/docparser/DocResourceParser.hpp>
+#include <reference/docparser/ParseDiagnostics.hpp>
+
+#include <boost/json/value.hpp>
+
+#include <filesystem>
+#include <ostream>
+
+namespace refdoc::tool {
+
+boost::json::value toJson(const reference::docparser::DocResourceParser::LookupResourceMap& resources);
+boost::json::value toJson(const reference::docparser::DocResourceParser::RefItemFileMap& resources);
+boost::json::value toJson(const reference::property::RefItem& page);
+// Paths below `root` are given relative to it.
+boost::json::value toJson(const reference::docparser::FileDiagnostic& file, const std::filesystem::path& root);
+
+// Indented output, two spaces per level, ending with a newline.
+void writeJson(std::ostream& out, const boost::json::value& value);
+
+} // namespace refdoc::tool

@@ -1,0 +1,173 @@
+#include "Text.hpp"
+
+#include <cwctype>
+
+namespace refdoc::tool {
+namespace {
+
+void appendUtf8(std::string& out, char32_t c) {
+    if (c < 0x80) {
+        out += static_cast<char>(c);
+    } else if (c < 0x800) {
+        out += static_cast<char>(0xC0 | (c >> 6));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        out += static_cast<char>(0xE0 | (c >> 12));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | (c >> 18));
+        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+}
+
+// Code points of UTF-16 text; a lone surrogate becomes U+FFFD.
+template <class Visit>
+void forEachCodePoint(std::u16string_view text, Visit&& visit) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char32_t unit = text[i];
+        if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
+            visit(0x10000 + ((unit - 0xD800) << 10) + (text[i + 1] - 0xDC00));
+            ++i;
+        } else if (unit >= 0xD800 && unit <= 0xDFFF) {
+            visit(0xFFFD);
+        } else {
+            visit(unit);
+        }
+    }
+}
+
+// Code points of UTF-8 text; every byte that does not start a well-formed sequence becomes U+FFFD.
+template <class Visit>
+void forEachCodePoint(std::string_view text, Visit&& visit) {
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        std::size_t length = 0;
+        char32_t c = 0;
+        char32_t minimum = 0;
+        if (byte < 0x80) {
+            visit(byte);
+            ++i;
+            continue;
+        }
+        if ((byte & 0xE0) == 0xC0) {
+            length = 2, c = byte & 0x1F, minimum = 0x80;
+        } else if ((byte & 0xF0) == 0xE0) {
+            length = 3, c = byte & 0x0F, minimum = 0x800;
+        } else if ((byte & 0xF8) == 0xF0) {
+            length = 4, c = byte & 0x07, minimum = 0x10000;
+        }
+        bool valid = length != 0 && i + length <= text.size();
+        for (std::size_t k = 1; valid && k < length; ++k) {
+            const auto next = static_cast<unsigned char>(text[i + k]);
+            valid = (next & 0xC0) == 0x80;
+            c = (c << 6) | (next & 0x3F);
+        }
+        if (valid && c >= minimum && c <= 0x10FFFF && !(c >= 0xD800 && c <= 0xDFFF)) {
+            visit(c);
+            i += length;
+        } else {
+            visit(0xFFFD);
+            ++i;
+        }
+    }
+}
+
+bool isWide(char32_t c) {
+    return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0x303E) || (c >= 0x3041 && c <= 0x33FF) ||
+           (c >= 0x3400 && c <= 0x4DBF) || (c >= 0x4E00 && c <= 0x9FFF) || (c >= 0xA000 && c <= 0xA4CF) ||
+           (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE4F) ||
+           (c >= 0xFF00 && c <= 0xFF60) || (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x1F300 && c <= 0x1F64F) ||
+           (c >= 0x1F900 && c <= 0x1F9FF) || (c >= 0x20000 && c <= 0x3FFFD);
+}
+
+bool isCombining(char32_t c) {
+    return (c >= 0x0300 && c <= 0x036F) || (c >= 0x1AB0 && c <= 0x1AFF) || (c >= 0x1DC0 && c <= 0x1DFF) ||
+           (c >= 0x20D0 && c <= 0x20FF) || (c >= 0xFE20 && c <= 0xFE2F) || c == 0x200B || c == 0x200D;
+}
+
+} // namespace
+
+std::string toUtf8(std::u16string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    forEachCodePoint(text, [&out](char32_t c) { appendUtf8(out, c); });
+    return out;
+}
+
+std::u16string toUtf16(std::string_view text) {
+    std::u16string out;
+    out.reserve(text.size());
+    forEachCodePoint(text, [&out](char32_t c) {
+        if (c >= 0x10000) {
+            out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
+            out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
+        } else {
+            out += static_cast<char16_t>(c);
+        }
+    });
+    return out;
+}
+
+std::u32string foldCase(std::u16string_view text) {
+    std::u32string out;
+    out.reserve(text.size());
+    forEachCodePoint(text, [&out](char32_t c) {
+        if (c < 0x80) {
+            out += (c >= 'A' && c <= 'Z') ? c + ('a' - 'A') : c;
+        } else {
+            out += static_cast<char32_t>(std::towlower(static_cast<std::wint_t>(c)));
+        }
+    });
+    return out;
+}
+
+std::size_t displayWidth(std::string_view utf8) {
+    std::size_t width = 0;
+    forEachCodePoint(utf8, [&width](char32_t c) { width += isCombining(c) ? 0 : isWide(c) ? 2 : 1; });
+    return width;
+}
+
+std::string padRight(std::string_view utf8, std::size_t width) {
+    std::string out(utf8);
+    const std::size_t used = displayWidth(utf8);
+    if (used < width) {
+        out.append(width - used, ' ');
+    }
+    return out;
+}
+
+std::vector<std::string> splitList(std::string_view list) {
+    std::vector<std::string> items;
+    while (!list.empty()) {
+        const std::size_t comma = list.find(',');
+        std::string_view piece = list.substr(0, comma);
+        list = comma == std::string_view::npos ? std::string_view() : list.substr(comma + 1);
+        while (!piece.empty() && (piece.front() == ' ' || piece.front() == '\t')) {
+            piece.remove_prefix(1);
+        }
+        while (!piece.empty() && (piece.back() == ' ' || piece.back() == '\t')) {
+            piece.remove_suffix(1);
+        }
+        if (!piece.empty()) {
+            items.emplace_back(piece);
+        }
+    }
+    return items;
+}
+
+std::string joinList(const std::vector<std::string>& items, std::string_view separator) {
+    std::string out;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (i > 0) {
+            out += separator;
+        }
+        out += items[i];
+    }
+    return out;
+}
+
+} // namespace refdoc::tool
