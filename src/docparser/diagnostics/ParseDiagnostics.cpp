@@ -320,6 +320,10 @@ void Recorder::resolve(const Pending& pending, const std::string& pointer, const
     if (pending.describeKind) {
         record.message += ", found ";
         record.message += kindName(node);
+        if (record.jsonPath.empty()) {
+            // The empty pointer is the whole document, which a reader would not recognise.
+            record.message += " at the top level";
+        }
     }
 }
 

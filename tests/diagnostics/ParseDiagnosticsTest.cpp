@@ -1,0 +1,346 @@
+#include <reference/docparser/DiagnosticLogger.hpp>
+#include <reference/docparser/DocResourceParser.hpp>
+#include <reference/docparser/ParseDiagnostics.hpp>
+
+#include "docparser/parsing/TextConversion.hpp"
+#include "support/DocrootBuilder.hpp"
+#include "support/HostSettingsFixture.hpp"
+#include "support/JsonFixtures.hpp"
+#include "support/LogCapture.hpp"
+#include "support/TempDir.hpp"
+#include "support/ZipBuilder.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+namespace {
+
+using reference::docparser::DiagnosticSource;
+using reference::docparser::DocResourceParser;
+using reference::docparser::DropReason;
+using reference::docparser::FileDiagnostic;
+using reference::docparser::ParseDiagnosticsScope;
+using reference::docparser::ParseWarning;
+using reference::docparser::WarningKind;
+using reference::docparser::text::utf16ToUtf8;
+using namespace refdoc::test;
+
+const char* const kLookupFolder = "docCatalog/referenceapi_lookup";
+const char* const kPageFolder = "docCatalog/referenceapi";
+
+// A well-formed document with one item, as text to be broken in one place by the cases below.
+std::string lookupText(const std::string& helpFolder) {
+    return fileText(lookupDocument({"Product " + helpFolder, helpFolder, helpFolder}, {{"item", "does things"}}));
+}
+
+// Finds the record of the file (or package entry) whose last path part is `name`.
+const FileDiagnostic* findRecord(const std::vector<FileDiagnostic>& files, const std::string& name) {
+    const auto found = std::find_if(files.begin(), files.end(), [&name](const FileDiagnostic& file) {
+        if (file.source == DiagnosticSource::PackageEntry) {
+            return utf16ToUtf8(file.entry) == name;
+        }
+        return std::filesystem::path(utf16ToUtf8(file.path)).filename() == name;
+    });
+    return found == files.end() ? nullptr : &*found;
+}
+
+class ParseDiagnostics : public HostSettingsFixture {
+protected:
+    void SetUp() override {
+        HostSettingsFixture::SetUp();
+        DocResourceParser::setReferenceRoot(root_.u16());
+        std::filesystem::create_directories(root_.path() / kLookupFolder);
+    }
+
+    void writeLookup(const std::string& name, const std::string& text) const {
+        root_.write(std::filesystem::path(kLookupFolder) / name, text);
+    }
+    std::filesystem::path lookupPath(const std::string& name) const { return root_.path() / kLookupFolder / name; }
+
+    static std::vector<FileDiagnostic> loadLookups() {
+        ParseDiagnosticsScope scope;
+        DocResourceParser::getResourceLookupFiles();
+        return scope.takeFiles();
+    }
+
+    TempDir root_;
+};
+
+// Each way a lookup file can be dropped, one file each, all in the same folder: every file
+// gets its own reason, and one broken file does not disturb the record of the next.
+TEST_F(ParseDiagnostics, EachDroppedLookupFileCarriesItsExactReason) {
+    struct Case {
+        const char* file;
+        std::string text;
+        DropReason reason;
+        std::string message;
+        std::string jsonPath;
+        std::uint64_t line = 0;
+        std::uint64_t column = 0;
+    };
+    const std::string good = lookupText("good");
+    const Case cases[] = {
+        {"trailing.json", "{\n  \"productName\": \"T\",\n  \"refItems\": [1,],\n}", DropReason::SyntaxError,
+         "syntax error", "", 3, 18},
+        // Columns count characters: the two Japanese characters before the error are two columns.
+        {"wide.json", "{\"productName\": \"日本\" \"baseCode\": 1}", DropReason::SyntaxError, "syntax error", "", 1, 22},
+        {"cut.json", good.substr(0, good.size() - 3), DropReason::SyntaxError, "incomplete JSON", "", 1,
+         good.size() - 2},
+        {"extra.json", good + " {}", DropReason::SyntaxError, "extra data", "", 1, good.size() + 2},
+        {"deep.json", std::string(33, '[') + std::string(33, ']'), DropReason::SyntaxError, "too deep", "", 1, 33},
+        {"badutf8.json", "{\"productName\": \"\xC3\x28\"}", DropReason::SyntaxError, "syntax error", "", 1, 18},
+        {"empty.json", "", DropReason::NoData, "the file is empty", ""},
+        {"missinghref.json",
+         R"({"productName": "M", "baseCode": "MH", "helpFolder": "missinghref", "helpLocation": "h",
+             "refItems": [{"name": "a", "refpurpose": "a", "href": "a.html"}],
+             "supportPackages": [
+               {"productName": "P0", "baseCode": "p0", "helpFolder": "p0", "helpLocation": "h", "refItems": []},
+               {"productName": "P1", "baseCode": "p1", "helpFolder": "p1", "helpLocation": "h",
+                "refItems": [{"name": "c", "refpurpose": "c", "href": "c.html"}, {"name": "d", "refpurpose": "d"}]}]})",
+         DropReason::MissingKey, "missing required member \"href\"", "/supportPackages/1/refItems/1/href"},
+        {"missingheader.json", R"({"productName": "H", "baseCode": "H", "helpFolder": "h", "refItems": []})",
+         DropReason::MissingKey, "missing required member \"helpLocation\"", "/helpLocation"},
+        {"itemsnotarray.json",
+         R"({"productName": "W", "baseCode": "W", "helpFolder": "w", "helpLocation": "h", "refItems": "nope"})",
+         DropReason::WrongKind, "expected an array, found a string", "/refItems"},
+        {"itemnotobject.json",
+         R"({"productName": "W", "baseCode": "W", "helpFolder": "w", "helpLocation": "h", "refItems": [{"name": "a", "refpurpose": "b", "href": "c"}, 7]})",
+         DropReason::WrongKind, "expected an object, found a number", "/refItems/1"},
+        {"namenotstring.json",
+         R"({"productName": "W", "baseCode": "W", "helpFolder": "w", "helpLocation": "h", "refItems": [{"name": null, "refpurpose": "b", "href": "c"}]})",
+         DropReason::WrongKind, "expected a string, found null", "/refItems/0/name"},
+        {"packagesnotarray.json",
+         R"({"productName": "W", "baseCode": "W", "helpFolder": "w", "helpLocation": "h", "refItems": [], "supportPackages": {"a": 1}})",
+         DropReason::WrongKind, "expected an array, found an object", "/supportPackages"},
+        {"toplevel.json", "[1, 2]", DropReason::WrongKind, "expected an object, found an array at the top level", ""},
+    };
+    for (const auto& c : cases) {
+        writeLookup(c.file, c.text);
+    }
+    writeLookup("good.json", good);
+
+    const auto files = loadLookups();
+    ASSERT_EQ(files.size(), std::size(cases) + 1);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        const FileDiagnostic* record = findRecord(files, c.file);
+        ASSERT_NE(record, nullptr);
+        EXPECT_EQ(record->source, DiagnosticSource::File);
+        EXPECT_EQ(record->path, lookupPath(c.file).u16string());
+        EXPECT_EQ(record->dropReason, c.reason);
+        EXPECT_EQ(record->message, c.message);
+        EXPECT_EQ(record->jsonPath, c.jsonPath);
+        EXPECT_EQ(record->line, c.line);
+        EXPECT_EQ(record->column, c.column);
+        EXPECT_TRUE(record->documentKeys.empty());
+    }
+    const FileDiagnostic* kept = findRecord(files, "good.json");
+    ASSERT_NE(kept, nullptr);
+    EXPECT_FALSE(kept->dropped());
+    EXPECT_TRUE(kept->message.empty());
+    EXPECT_EQ(kept->documentKeys, std::vector<std::u16string>{u"good"});
+}
+
+TEST_F(ParseDiagnostics, SyntaxErrorOffsetIsWhereTheParserStopped) {
+    const std::string text = "{\"a\":\n\n   [1 2]}";
+    writeLookup("typo.json", text);
+    const auto files = loadLookups();
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_EQ(files[0].offset, text.find("2]"));
+    EXPECT_EQ(files[0].line, 3u);
+    EXPECT_EQ(files[0].column, 7u);
+}
+
+TEST_F(ParseDiagnostics, PackagesAndTheirEntriesAreRecordedWithTheirOwnReasons) {
+    ZipBuilder()
+        .add("okentry.json", lookupText("okentry"))
+        .add("crc.json", lookupText("crc"))
+        .add("blank.json", "")
+        .add("nested/missing.json", R"({"productName": "N", "baseCode": "N", "helpFolder": "n"})")
+        .write(lookupPath("pack.zip"));
+    patchZipEntryCrc(lookupPath("pack.zip"), "crc.json", 0x12345678);
+    writeLookup("notazip.zip", "this is not a zip package");
+
+    const auto files = loadLookups();
+    const FileDiagnostic* package = findRecord(files, "pack.zip");
+    ASSERT_NE(package, nullptr);
+    EXPECT_EQ(package->source, DiagnosticSource::Package);
+    EXPECT_FALSE(package->dropped());
+
+    const FileDiagnostic* unopenable = findRecord(files, "notazip.zip");
+    ASSERT_NE(unopenable, nullptr);
+    EXPECT_EQ(unopenable->source, DiagnosticSource::Package);
+    EXPECT_EQ(unopenable->dropReason, DropReason::Unreadable);
+    EXPECT_NE(unopenable->message.find("Not a zip archive"), std::string::npos) << unopenable->message;
+
+    struct Expected {
+        const char* entry;
+        DropReason reason;
+        std::string messagePart;
+        std::string jsonPath;
+    };
+    const Expected entries[] = {
+        {"okentry.json", DropReason::None, "", ""},
+        {"crc.json", DropReason::Unreadable, "CRC", ""},
+        {"blank.json", DropReason::NoData, "the entry is empty", ""},
+        {"nested/missing.json", DropReason::MissingKey, "\"helpLocation\"", "/helpLocation"},
+    };
+    for (const auto& e : entries) {
+        SCOPED_TRACE(e.entry);
+        const FileDiagnostic* record = findRecord(files, e.entry);
+        ASSERT_NE(record, nullptr);
+        EXPECT_EQ(record->source, DiagnosticSource::PackageEntry);
+        EXPECT_EQ(record->path, lookupPath("pack.zip").u16string());
+        EXPECT_EQ(record->dropReason, e.reason);
+        EXPECT_NE(record->message.find(e.messagePart), std::string::npos) << record->message;
+        EXPECT_EQ(record->jsonPath, e.jsonPath);
+        EXPECT_EQ(record->line, 0u);
+    }
+    // An entry in a folder of the package is named by its base name without extension.
+    EXPECT_EQ(findRecord(files, "nested/missing.json")->productName, u"missing");
+}
+
+TEST_F(ParseDiagnostics, LenientReadsAreWarningsOfAFileThatIsKept) {
+    writeLookup("lenient.json", R"({
+        "productName": "L", "baseCode": "L", "helpFolder": "lenient", "helpLocation": "h",
+        "refItems": [{"name": "a", "refpurpose": "p", "href": "a.html", "type": "funktion"}],
+        "supportPackages": [
+            {"productName": "S", "baseCode": "sp", "helpFolder": "sp", "helpLocation": "h",
+             "refItems": [{"name": "b", "refpurpose": "p", "href": "b.html", "fcntype": "Ordinary"}]},
+            {"productName": "Shadow", "baseCode": "lenient", "helpFolder": "x", "helpLocation": "h", "refItems": []},
+            {"productName": "Late", "baseCode": "sp", "helpFolder": "y", "helpLocation": "h", "refItems": []}
+        ]})");
+    const auto files = loadLookups();
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_FALSE(files[0].dropped());
+    EXPECT_EQ(files[0].documentKeys, (std::vector<std::u16string>{u"lenient", u"sp"}));
+    const std::vector<ParseWarning> expected = {
+        {WarningKind::UnknownEnumText, "/refItems/0/type", "funktion"},
+        {WarningKind::UnknownEnumText, "/supportPackages/0/refItems/0/fcntype", "Ordinary"},
+        {WarningKind::DocumentKeyTaken, "/supportPackages/1", "lenient"},
+        {WarningKind::DocumentKeyTaken, "/supportPackages/2", "sp"},
+    };
+    EXPECT_EQ(files[0].warnings, expected);
+}
+
+TEST_F(ParseDiagnostics, PageFilesRecordMissingTranslationsAndBrokenFiles) {
+    root_.write(std::filesystem::path(kPageFolder) / "prod.json",
+                fileText(pageDocument({"Prod", "PR", "prod"}, {{"prod/a.html", "A"}})));
+    root_.write(std::filesystem::path(kPageFolder) / "broken_ja.json",
+                R"({"productName": "B", "baseCode": "B", "helpFolder": "b", "helpLocation": "h",
+                    "refItems": [{"href": "b.html", "refpurpose": "p", "syntaxgroup": [{"title": "t", "syntax": ["ok", 3]}]}]})");
+    doclanguage::DocLanguage::getInstance().setSupportedDocLanguages({u"en", u"ja"});
+    doclanguage::DocLanguage::getInstance().setDocLanguage(u"ja");
+
+    ParseDiagnosticsScope scope;
+    DocResourceParser::getResourceFile(u"prod");
+    DocResourceParser::getResourceFile(u"broken");
+    const auto& files = scope.files();
+    ASSERT_EQ(files.size(), 4u);
+    for (const auto& file : files) {
+        EXPECT_EQ(file.source, DiagnosticSource::PageFile);
+    }
+    EXPECT_FALSE(files[0].dropped());
+    EXPECT_EQ(files[0].productName, u"prod");
+    EXPECT_EQ(files[0].documentKeys, std::vector<std::u16string>{u"prod"});
+    EXPECT_EQ(files[1].productName, u"prod_ja");
+    EXPECT_EQ(files[1].dropReason, DropReason::Missing);
+    EXPECT_EQ(files[2].dropReason, DropReason::Missing);
+    EXPECT_EQ(files[3].productName, u"broken_ja");
+    EXPECT_EQ(files[3].dropReason, DropReason::WrongKind);
+    EXPECT_EQ(files[3].jsonPath, "/refItems/0/syntaxgroup/0/syntax/1");
+    EXPECT_EQ(files[3].message, "expected a string, found a number");
+}
+
+// The hooks only watch: what the loaders return and log is the same with a scope and without.
+TEST_F(ParseDiagnostics, ResultsAndLogRecordsAreTheSameWithAndWithoutAScope) {
+    writeLookup("a.json", fileText(lookupDocument({"A", "A", "a"}, {{"x", "x"}}),
+                                   {lookupDocument({"Shadow", "a", "s"}, {{"y", "y"}})}));
+    writeLookup("a_ja.json", fileText(lookupDocument({"エー", "A", "a"}, {{"x", "エックス"}})));
+    writeLookup("broken.json", R"({"productName": "B", "baseCode": "B", "helpFolder": "b", "refItems": []})");
+    writeLookup("syntax.json", "{,}");
+    writeLookup("empty.json", "");
+    ZipBuilder().add("z.json", lookupText("z")).add("bad.json", lookupText("bad")).write(lookupPath("z.zip"));
+    patchZipEntryCrc(lookupPath("z.zip"), "bad.json", 1);
+    writeLookup("junk.zip", "junk");
+    root_.write(std::filesystem::path(kPageFolder) / "p.json",
+                fileText(pageDocument({"P", "P", "p"}, {{"p/a.html", "A"}}),
+                         {pageDocument({"Q", "p", "q"}, {{"q/b.html", "B"}})}));
+    root_.write(std::filesystem::path(kPageFolder) / "p_ja.json", "{\"refItems\": []}");
+    DocResourceParser::setTestProducts({u"a"}, {});
+    doclanguage::DocLanguage::getInstance().setSupportedDocLanguages({u"en", u"ja"});
+    doclanguage::DocLanguage::getInstance().setDocLanguage(u"ja");
+
+    const auto load = [] {
+        LogCapture capture(reference::docparser::kFileAccessSeverity | reference::docparser::kFileReadErrorSeverity);
+        auto lookups = DocResourceParser::getResourceLookupFiles();
+        auto pages = DocResourceParser::getResourceFile(u"p");
+        auto records = capture.records();
+        std::sort(records.begin(), records.end(), [](const auto& a, const auto& b) { return a.message < b.message; });
+        return std::make_tuple(std::move(lookups), std::move(pages), std::move(records));
+    };
+    const auto without = load();
+    std::size_t recorded = 0;
+    const auto with = [&] {
+        ParseDiagnosticsScope scope;
+        auto result = load();
+        recorded = scope.files().size();
+        return result;
+    }();
+    EXPECT_EQ(recorded, 11u); // 5 loose files, 2 packages and the 2 entries of one, 2 page files
+    EXPECT_EQ(std::get<0>(with), std::get<0>(without));
+    EXPECT_EQ(std::get<1>(with), std::get<1>(without));
+    EXPECT_EQ(std::get<2>(with), std::get<2>(without));
+    EXPECT_FALSE(std::get<0>(with).installedResources.empty());
+    EXPECT_FALSE(std::get<1>(with).empty());
+}
+
+TEST_F(ParseDiagnostics, AScopeSeesOnlyItsOwnThreadAndNestedScopesTakeOver) {
+    writeLookup("one.json", lookupText("one"));
+    writeLookup("two.json", "{");
+
+    ParseDiagnosticsScope outer;
+    std::size_t otherThreadRecords = 0;
+    std::thread other([&otherThreadRecords] {
+        DocResourceParser::getResourceLookupFiles(); // no scope on this thread: nothing recorded
+        ParseDiagnosticsScope own;
+        DocResourceParser::getResourceLookupFiles();
+        otherThreadRecords = own.files().size();
+    });
+    other.join();
+    EXPECT_EQ(otherThreadRecords, 2u);
+    EXPECT_TRUE(outer.files().empty());
+
+    {
+        ParseDiagnosticsScope inner;
+        DocResourceParser::getResourceLookupFiles();
+        EXPECT_EQ(inner.files().size(), 2u);
+    }
+    EXPECT_TRUE(outer.files().empty());
+    DocResourceParser::getResourceLookupFiles();
+    EXPECT_EQ(outer.files().size(), 2u);
+    EXPECT_EQ(outer.takeFiles().size(), 2u);
+    EXPECT_TRUE(outer.files().empty());
+}
+
+TEST_F(ParseDiagnostics, FieldToolsOutsideALoadingCallGetATextRecordEach) {
+    const auto document = parseJson(R"({"name": 4})").as_object();
+    using Tools = DocResourceParser::ParsingTools;
+    ParseDiagnosticsScope scope;
+    EXPECT_THROW(Tools::getFluString(document, "missing", Tools::Utf8), reference::docparser::DocParserException);
+    EXPECT_THROW(Tools::getFluString(document, "name", Tools::Utf8), reference::docparser::DocParserException);
+    ASSERT_EQ(scope.files().size(), 2u);
+    EXPECT_EQ(scope.files()[0].source, DiagnosticSource::Text);
+    EXPECT_EQ(scope.files()[0].dropReason, DropReason::MissingKey);
+    EXPECT_EQ(scope.files()[0].message, "missing required member \"missing\"");
+    EXPECT_EQ(scope.files()[1].dropReason, DropReason::WrongKind);
+    // No document is watched, so there is no pointer to give.
+    EXPECT_EQ(scope.files()[1].jsonPath, "");
+    EXPECT_EQ(scope.files()[1].message, "expected a string");
+}
+
+} // namespace

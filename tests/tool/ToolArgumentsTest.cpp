@@ -1,0 +1,91 @@
+// The tool's command line: help, and a clear message with exit status 2 for every command line
+// it cannot act on, never a crash.
+
+#include "support/TempDir.hpp"
+#include "tool/ToolRunner.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace refdoc::test;
+
+TEST(ToolArguments, UsageErrorsExitWithStatusTwoAndAMessage) {
+    const TempDir notARoot;
+    const TempDir root;
+    root.write("docCatalog/referenceapi_lookup/a.json", "{}");
+    const TempDir badHostFile;
+    badHostFile.write("docCatalog/referenceapi/a.json", "{}");
+    badHostFile.write("refdoc-host.json", R"({"language": "ja", "installed": ["a"]})");
+    const TempDir hostFileNotJson;
+    hostFileNotJson.write("docCatalog/referenceapi/a.json", "{}");
+    hostFileNotJson.write("refdoc-host.json", "language = ja");
+    const std::string missing = (notARoot.path() / "missing").string();
+
+    const struct Case {
+        std::vector<std::string> args;
+        std::string message;
+    } cases[] = {
+        {{"lookup", "--bogus"}, "refdoc: unknown option --bogus for 'lookup'\nTry 'refdoc lookup --help'.\n"},
+        {{"lookup", "--root"}, "refdoc: option --root needs a value\n"},
+        {{"lookup", "--root", missing}, "refdoc: no such folder: " + missing + "\n"},
+        {{"check", "--root", notARoot.path().string()},
+         "refdoc: " + notARoot.path().string() + " is not a documentation root: it has no docCatalog folder\n"},
+        {{"lookup", "--root", root.path().string(), "--root", root.path().string()},
+         "refdoc: option --root given more than once\n"},
+        {{"lookup", "--lang", "../ja"}, "refdoc: invalid language code '../ja' in --lang\n"},
+        {{"check", "--languages", "en,j a"}, "refdoc: invalid language code 'j a' in --languages\n"},
+        {{"lookup", "--json=yes"}, "refdoc: option --json takes no value\n"},
+        {{"lookup", "extra"}, "refdoc: unexpected argument 'extra' for 'lookup'\n"},
+        {{"page"}, "refdoc: 'page' needs a product NAME\nTry 'refdoc page --help'.\n"},
+        {{"page", "a", "b"}, "refdoc: unexpected argument 'b' for 'page'\n"},
+        {{"page", "docs/a"}, "refdoc: NAME must be a product's page file name"},
+        {{"find"}, "refdoc: 'find' needs the TEXT to search for\n"},
+        {{"find", "x", "--limit", "0"}, "refdoc: --limit needs a positive number, not '0'\n"},
+        {{"find", "x", "--limit", "3x"}, "refdoc: --limit needs a positive number, not '3x'\n"},
+        {{"frob"}, "refdoc: unknown command 'frob'\nTry 'refdoc --help' for the list of commands.\n"},
+        {{"help", "frob"}, "refdoc: unknown command 'frob'\n"},
+        {{}, "Usage: refdoc COMMAND [options]\n"},
+        {{"lookup", "--root", badHostFile.path().string()},
+         "refdoc: " + (badHostFile.path() / "refdoc-host.json").string() + ": unknown setting \"installed\"\n"},
+        {{"lookup", "--root", hostFileNotJson.path().string()}, "refdoc-host.json: not a JSON object"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.args));
+        const ToolRun result = runTool(c.args);
+        EXPECT_EQ(result.status, 2) << ::testing::PrintToString(result);
+        EXPECT_TRUE(result.out.empty()) << result.out;
+        EXPECT_TRUE(contains(result.err, c.message)) << result.err;
+    }
+}
+
+TEST(ToolArguments, EveryCommandHasHelp) {
+    const ToolRun overview = runTool({"--help"});
+    EXPECT_EQ(overview.status, 0);
+    for (const char* command : {"lookup", "page", "find", "check"}) {
+        SCOPED_TRACE(command);
+        EXPECT_TRUE(contains(overview.out, std::string("\n  ") + command + " ")) << overview.out;
+        for (const std::vector<std::string>& args : {std::vector<std::string>{command, "--help"},
+                                                     std::vector<std::string>{"help", command},
+                                                     // Help wins over arguments that are wrong.
+                                                     std::vector<std::string>{command, "--bogus", "-h"}}) {
+            const ToolRun help = runTool(args);
+            EXPECT_EQ(help.status, 0);
+            EXPECT_TRUE(help.out.starts_with(std::string("Usage: refdoc ") + command)) << help.out;
+            EXPECT_TRUE(contains(help.out, "--root DIR")) << help.out;
+            EXPECT_TRUE(help.err.empty());
+        }
+    }
+    const ToolRun version = runTool({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_TRUE(version.out.starts_with("refdoc ")) << version.out;
+}
+
+TEST(ToolArguments, OptionsAfterDoubleDashArePositional) {
+    const ToolRun result = runTool({"find", "--", "--json"});
+    // "--json" is the search text: nothing in the sample is named so, and the output is not JSON.
+    EXPECT_EQ(result.status, 1) << ::testing::PrintToString(result);
+    EXPECT_TRUE(contains(result.err, "no lookup entry matches --json")) << result.err;
+}
+
+} // namespace

@@ -1,0 +1,105 @@
+#pragma once
+
+// Runs the refdoc executable with arguments, capturing what it writes and how it exits.
+// Header-only, for the tool suite.
+
+#include "support/TempDir.hpp"
+
+#include <boost/json/parse.hpp>
+#include <boost/json/value.hpp>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace refdoc::test {
+
+struct ToolRun {
+    int status = -1; // the exit status; -1 when the tool did not exit normally (a signal)
+    std::string out;
+    std::string err;
+
+    boost::json::value json() const { return boost::json::parse(out); }
+};
+
+inline void PrintTo(const ToolRun& run, std::ostream* os) {
+    *os << "status " << run.status << "\n--- stdout\n" << run.out << "--- stderr\n" << run.err;
+}
+
+inline std::string readWhole(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// Runs the tool; stdout and stderr go to files in a private temp folder, so neither can block.
+inline ToolRun runTool(const std::vector<std::string>& args) {
+    const TempDir capture;
+    const auto outPath = capture.path() / "out";
+    const auto errPath = capture.path() / "err";
+    std::vector<std::string> argv{REFDOC_TOOL_PATH};
+    argv.insert(argv.end(), args.begin(), args.end());
+    std::vector<char*> pointers;
+    for (auto& arg : argv) {
+        pointers.push_back(arg.data());
+    }
+    pointers.push_back(nullptr);
+
+    const pid_t child = ::fork();
+    if (child < 0) {
+        throw std::runtime_error("fork failed");
+    }
+    if (child == 0) {
+        const int out = ::open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        const int err = ::open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        if (out < 0 || err < 0 || ::dup2(out, 1) < 0 || ::dup2(err, 2) < 0) {
+            ::_exit(127);
+        }
+        ::execv(pointers[0], pointers.data());
+        ::_exit(127);
+    }
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR) {
+            throw std::runtime_error("waitpid failed");
+        }
+    }
+    ToolRun run;
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.out = readWhole(outPath);
+    run.err = readWhole(errPath);
+    return run;
+}
+
+inline bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// The lines of `text` that contain `part`.
+inline std::vector<std::string> linesWith(const std::string& text, const std::string& part) {
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        const std::size_t end = text.find('\n', start);
+        const std::string line = text.substr(start, end == std::string::npos ? std::string::npos : end - start);
+        if (contains(line, part)) {
+            lines.push_back(line);
+        }
+        if (end == std::string::npos) {
+            break;
+        }
+        start = end + 1;
+    }
+    return lines;
+}
+
+} // namespace refdoc::test
