@@ -14,6 +14,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <cerrno>
@@ -79,6 +80,18 @@ inline ToolRun runTool(const std::vector<std::string>& args) {
     run.err = readWhole(errPath);
     return run;
 }
+
+// Skips the whole suite in a build that leaves the tool out.
+class ToolBuiltEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override {
+        if (std::string_view(REFDOC_TOOL_PATH).empty()) {
+            GTEST_SKIP() << "the refdoc tool is not built (REFDOC_BUILD_TOOLS=OFF)";
+        }
+    }
+};
+inline ::testing::Environment* const kToolBuiltEnvironment =
+    ::testing::AddGlobalTestEnvironment(new ToolBuiltEnvironment);
 
 inline bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;

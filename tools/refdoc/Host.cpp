@@ -146,8 +146,10 @@ HostSettings resolveHostSettings(const ParsedArgs& args) {
     if (!std::filesystem::is_directory(settings.root / "docCatalog", error)) {
         throw UsageError(settings.root.string() + " is not a documentation root: it has no docCatalog folder");
     }
-    settings.root = std::filesystem::absolute(settings.root, error).lexically_normal();
-    if (settings.root.has_filename() == false && settings.root.has_parent_path()) {
+    if (auto absolute = std::filesystem::absolute(settings.root, error); !error) {
+        settings.root = absolute.lexically_normal();
+    }
+    if (!settings.root.has_filename() && settings.root.has_parent_path()) {
         settings.root = settings.root.parent_path(); // no trailing separator in what the tool prints
     }
 
