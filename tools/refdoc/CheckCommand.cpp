@@ -436,10 +436,10 @@ Command checkCommand() {
         "\n"
         "Exit status: 0 when no file is dropped, 1 when one is, 2 for a usage error.\n"
         "\n"
-        "Options:\n" +
-        hostOptionsHelp() +
+        "Options:\n"
         "  --quiet                  list only files that are dropped or have warnings\n"
-        "  --json                   print the report as JSON\n";
+        "  --json                   print the report as JSON\n" +
+        hostOptionsHelp();
     command.run = run;
     return command;
 }

@@ -167,10 +167,10 @@ Command findCommand() {
                    "matches first, then names that start with a TEXT, then names that contain one.\n"
                    "Exit status 1 when nothing matches.\n"
                    "\n"
-                   "Options:\n" +
-                   hostOptionsHelp() +
+                   "Options:\n"
                    "  --limit N                print at most N matches\n"
-                   "  --json                   print the matches as JSON\n";
+                   "  --json                   print the matches as JSON\n" +
+                   hostOptionsHelp();
     command.run = run;
     return command;
 }

@@ -94,10 +94,10 @@ Command lookupCommand() {
                    "and zip packages, English merged with the current language's variants) and prints,\n"
                    "per product key, whether it is installed, its item count and its product name.\n"
                    "\n"
-                   "Options:\n" +
-                   hostOptionsHelp() +
+                   "Options:\n"
                    "  --json                   print the whole result (installedResources and\n"
-                   "                           uninstalledResources) as JSON\n";
+                   "                           uninstalledResources) as JSON\n" +
+                   hostOptionsHelp();
     command.run = run;
     return command;
 }

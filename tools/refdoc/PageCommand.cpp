@@ -202,8 +202,9 @@ Command pageCommand() {
                    "purpose, syntax, inputs with their anchors, outputs, properties, parameters,\n"
                    "examples and see-also links. Exit status 1 when there are no pages.\n"
                    "\n"
-                   "Options:\n" +
-                   hostOptionsHelp() + "  --json                   print the full page records as JSON\n";
+                   "Options:\n"
+                   "  --json                   print the full page records as JSON\n" +
+                   hostOptionsHelp();
     command.run = run;
     return command;
 }
