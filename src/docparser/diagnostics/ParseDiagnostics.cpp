@@ -12,6 +12,7 @@
 #include <boost/json/parser.hpp>
 #include <boost/system/system_error.hpp>
 
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <new>
