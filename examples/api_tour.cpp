@@ -68,9 +68,9 @@ int main(int argc, char** argv) {
 
     // 3. One product's reference pages, keyed by document (product or support package), then href.
     const auto pages = DocResourceParser::getResourceFile(u"signal");
-    const auto& fftfilt = pages.at(u"signal").getItems().at(u"signal/ref/fftfilt.html").front();
-    std::cout << "\nfftfilt: " << utf8(fftfilt.getPurpose()) << '\n';
-    for (const auto& group : fftfilt.getInputGroups()) {
+    const auto& fastfilter = pages.at(u"signal").getItems().at(u"signal/ref/fastfilter.html").front();
+    std::cout << "\nfastfilter: " << utf8(fastfilter.getPurpose()) << '\n';
+    for (const auto& group : fastfilter.getInputGroups()) {
         for (const auto& input : group.getInputs()) {
             std::cout << "  input " << utf8(input.getInfo().getName()) << " → " << utf8(input.getInfo().getAnchor())
                       << '\n';

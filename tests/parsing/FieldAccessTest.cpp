@@ -114,10 +114,10 @@ TEST(FieldAccess, EnumerationMembersOfTheWrongKindThrow) {
 }
 
 TEST(FieldAccess, HeaderReadsItsFourKeysWithTheirDecoding) {
-    const auto document = parseJson(R"({"productName": "Signal Toolbox \u00ae", "baseCode": "SG",
+    const auto document = parseJson(R"({"productName": "Signal Kit \u00ae", "baseCode": "SG",
                                         "helpFolder": "signal", "helpLocation": "help/signal", "other": 1})");
     const HeaderInfo header = Tools::getHeaderInfo(document);
-    EXPECT_EQ(header.getProductName(), u"Signal Toolbox \u00AE");
+    EXPECT_EQ(header.getProductName(), u"Signal Kit \u00AE");
     EXPECT_EQ(header.getBaseCode(), u"SG");
     EXPECT_EQ(header.getHelpFolder(), u"signal");
     EXPECT_EQ(header.getHelpLocation(), u"help/signal");

@@ -28,7 +28,7 @@ constexpr const char* kFullItem = R"json({
     "refentity": [{"type": "function", "fcntype": "ordinary", "name": "plot"},
                   {"type": "method", "name": "plot"}],
     "packagename": "graphics",
-    "introduced": "R2006a",
+    "introduced": "1.0",
     "description": "Draws lines through \u00b5-points",
     "appthumbnail": {"fileref": "img/plot.png", "alt": "Line \u00e0 plot"},
     "deprecationstatus": "current",
@@ -44,7 +44,7 @@ constexpr const char* kFullItem = R"json({
     "classpropertygroup": [{"title": "Appearance", "classproperty": [
         {"name": "LineWidth", "htmlid": "ignored", "purpose": "width", "value": ["positive"], "defaultvalue": "0.5"}]}],
     "seealso": [{"url": "ref/line.html", "name": "line \u00e9"}],
-    "examples": [{"url": "ex/sine.html", "open_command": "openExample('sine')", "title": "Sine \u03c0"}],
+    "examples": [{"url": "ex/sine.html", "open_command": "showExample('sine')", "title": "Sine \u03c0"}],
     "parameters": [{"htmlid": "param_w", "name": "W\u00eft", "purpose": "weight", "defaultvalue": "1"}],
     "ignoredMember": {"a": 1}
 })json";
@@ -78,7 +78,7 @@ TEST(RefItemParser, ReadsEverySectionOfAFullPage) {
         href,
         {RefEntity(RefEntityType::Function, u"plot", FunctionType::Ordinary),
          RefEntity(RefEntityType::Method, u"plot", FunctionType::getDefaultValue())},
-        u"graphics", u"2-D line plot \u2014 fast", u"R2006a", u"Draws lines through \u00B5-points", u"img/plot.png",
+        u"graphics", u"2-D line plot \u2014 fast", u"1.0", u"Draws lines through \u00B5-points", u"img/plot.png",
         u"Line \u00E0 plot", DeprecationStatus::Current,
         {SyntaxGroup(u"Basic \u00E9", SyntaxType::Function, {u"plot(X,Y)", u"plot(Y)"})},
         {InputGroup(u"Inputs", {Input(ObjectInfo(u"X", u"x-coordinates", {u"vector", u"matrix \u00D7"},
@@ -91,7 +91,7 @@ TEST(RefItemParser, ReadsEverySectionOfAFullPage) {
                                                                      u"ref/plot.html#prop_LineWidth"),
                                                           u"0.5")})},
         {SeeAlso(u"ref/line.html", u"line \u00E9")},
-        {Example(u"ex/sine.html", u"openExample('sine')", u"Sine \u03C0")},
+        {Example(u"ex/sine.html", u"showExample('sine')", u"Sine \u03C0")},
         {Parameter(ObjectInfo(u"W\u00EFt", u"weight", {}, u"ref/plot.html#param_w"), u"1")});
     // Equality covers the engine value slots too: every one of them is empty after parsing.
     EXPECT_EQ(onlyItem(resource), expected);

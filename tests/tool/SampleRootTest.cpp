@@ -49,8 +49,8 @@ TEST(SampleRoot, LookupWithoutArgumentsListsTheSampleProducts) {
     const std::vector<std::string> expected = {
         "KEY      INSTALLED  ITEMS  PRODUCT",
         "geodesy  no             2  Geodesy Library",
-        "mapping  yes            3  Mapping Toolbox",
-        "optics   no             2  Optics Toolbox",
+        "mapping  yes            3  Mapping Kit",
+        "optics   no             2  Optics Kit",
         "signal   yes            5  Signal Toolkit",
         "usbdaq   yes            2  Signal Toolkit Support Package for USB Data Acquisition",
     };
@@ -80,7 +80,7 @@ TEST(SampleRoot, JapanesePagesMergeOverEnglish) {
     const ToolRun result = runTool({"page", "signal", "--lang", "ja"});
     ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);
     EXPECT_TRUE(contains(result.out, "══ 信号ツールキット  [signal]  4 pages"));
-    // resample has no translation: its English page stays.
+    // ratechange has no translation: its English page stays.
     EXPECT_TRUE(contains(result.out, "  Resample uniform data at a rational factor p/q\n"));
     EXPECT_TRUE(contains(result.out, "  オーバーラップ加算法による FFT ベースの FIR フィルター処理\n"));
 }

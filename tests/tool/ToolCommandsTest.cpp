@@ -24,7 +24,7 @@ const char* const kFullPage = R"json({
   "refItems": [{
     "href": "alpha/plot.html", "refpurpose": "Plot data",
     "refentity": [{"type": "function", "fcntype": "ordinary", "name": "plot"}],
-    "packagename": "graphics", "introduced": "R2020a", "description": "Draws lines through points.",
+    "packagename": "graphics", "introduced": "2.6", "description": "Draws lines through points.",
     "appthumbnail": {"fileref": "alpha/plot.png", "alt": "A line chart"},
     "deprecationstatus": "notrecommended",
     "syntaxgroup": [{"title": "Basic", "syntaxtype": "function", "syntax": ["plot(x,y)", "plot(y)"]}],
@@ -37,7 +37,7 @@ const char* const kFullPage = R"json({
     "classpropertygroup": [{"title": "Look", "classproperty": [{"name": "Width", "purpose": "Line width",
                                                                  "defaultvalue": "0.5"}]}],
     "seealso": [{"url": "alpha/scatter.html", "name": "scatter"}],
-    "examples": [{"url": "alpha/ex1.html", "open_command": "openExample('plot1')", "title": "Plot a sine wave"}],
+    "examples": [{"url": "alpha/ex1.html", "open_command": "showExample('plot1')", "title": "Plot a sine wave"}],
     "parameters": [{"name": "Größe", "htmlid": "p_size", "purpose": "Marker size", "defaultvalue": "6"}]
   }]
 })json";
@@ -127,7 +127,7 @@ TEST_F(ToolCommands, PageRendersEverySectionOfAPage) {
              "── plot  [function]",
              "  Plot data",
              "  Link: alpha/plot.html",
-             "  Package: graphics   Introduced: R2020a   Status: notrecommended",
+             "  Package: graphics   Introduced: 2.6   Status: notrecommended",
              "  Draws lines through points.",
              "  Thumbnail: alpha/plot.png (A line chart)",
              "    Basic (function)\n        plot(x,y)\n        plot(y)\n",
@@ -140,7 +140,7 @@ TEST_F(ToolCommands, PageRendersEverySectionOfAPage) {
              "  Properties: Look\n    Width — Line width\n        default: 0.5\n"
              "        anchor: alpha/plot.html#prop_Width\n",
              "  Parameters\n    Größe — Marker size\n        default: 6\n        anchor: alpha/plot.html#p_size\n",
-             "  Examples\n    Plot a sine wave\n        alpha/ex1.html\n        open: openExample('plot1')\n",
+             "  Examples\n    Plot a sine wave\n        alpha/ex1.html\n        open: showExample('plot1')\n",
              "  See also\n    scatter  alpha/scatter.html\n",
          }) {
         EXPECT_TRUE(contains(result.out, expected)) << "missing:\n" << expected << "\nin:\n" << result.out;
@@ -158,7 +158,7 @@ TEST_F(ToolCommands, PageJsonHoldsTheFullRecordsAndTheTranslationWins) {
                               "anchor": "alpha/plot.html#nv_color", "syntaxType": null,
                               "defaultValue": "\"blue\"", "nameValuePair": true}]})"));
     EXPECT_EQ(page.at("parameters").at(0).at("name"), "Größe");
-    EXPECT_EQ(page.at("examples").at(0).at("openCommand"), "openExample('plot1')");
+    EXPECT_EQ(page.at("examples").at(0).at("openCommand"), "showExample('plot1')");
 
     const ToolRun japanese = run({"page", "alpha", "--json", "--lang", "ja"});
     ASSERT_EQ(japanese.status, 0) << ::testing::PrintToString(japanese);
