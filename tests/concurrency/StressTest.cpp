@@ -138,8 +138,9 @@ bool allDistinct(const std::vector<T>& values) {
 }
 
 TEST_F(Stress, EveryLoadUnderConstantChangeMatchesOneCombination) {
+    const std::vector<Combination> all = combinations();
     std::vector<LookupResults> expectedLookups;
-    for (const auto& combination : combinations()) {
+    for (const auto& combination : all) {
         apply(combination);
         expectedLookups.push_back(DocResourceParser::getResourceLookupFiles());
     }
@@ -159,7 +160,7 @@ TEST_F(Stress, EveryLoadUnderConstantChangeMatchesOneCombination) {
         const auto defaults = std::find(expectedLookups.begin(), expectedLookups.end(),
                                         DocResourceParser::getResourceLookupFiles());
         ASSERT_NE(defaults, expectedLookups.end()) << "the defaults are no combination";
-        const Combination& landed = combinations()[static_cast<std::size_t>(defaults - expectedLookups.begin())];
+        const Combination& landed = all[static_cast<std::size_t>(defaults - expectedLookups.begin())];
         EXPECT_TRUE(landed.root == &rootA_ && landed.product == u"one" && landed.installedPackages);
     }
 
