@@ -2,6 +2,7 @@
 
 #include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/loading/InstalledProducts.hpp"
+#include "docparser/loading/RefItemFile.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/LookupParser.hpp"
@@ -15,12 +16,9 @@
 #include <utility>
 
 namespace reference::docparser {
-namespace {
 
 using RefItemFileMap = DocResourceParser::RefItemFileMap;
 
-// The JSON text of one page file: the main document under its help folder, each support package
-// document under its base code. The first document to claim a key keeps it.
 RefItemFileMap parseRefItemFile(const std::string& text) {
     RefItemFileMap result;
     boost::json::monotonic_resource arena(1024);
@@ -40,6 +38,8 @@ RefItemFileMap parseRefItemFile(const std::string& text) {
     }
     return result;
 }
+
+namespace {
 
 // A page file that is missing, unreadable or broken counts as absent.
 RefItemFileMap readPageFile(const std::u16string& path) {

@@ -1,6 +1,6 @@
 #include <reference/docparser/DocResourceParser.hpp>
 
-#include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace reference::docparser {
@@ -25,11 +25,15 @@ void DocResourceParser::ParsingTools::mergeResourceFiles(T& target, T&& source, 
         if (fallbackItems.empty() || winnerItems.size() >= fallbackItems.size()) {
             continue;
         }
+        // The links the list holds so far. A set keeps this linear: scanning the growing list for
+        // each item would make a fallback with many items under one name cost quadratic time.
+        std::unordered_set<std::u16string> known;
+        known.reserve(winnerItems.size() + fallbackItems.size());
+        for (const auto& item : winnerItems) {
+            known.insert(item.getHref());
+        }
         for (auto& item : fallbackItems) {
-            const auto href = item.getHref();
-            const bool known = std::any_of(winnerItems.begin(), winnerItems.end(),
-                                           [&href](const auto& existing) { return existing.getHref() == href; });
-            if (!known) {
+            if (known.insert(item.getHref()).second) {
                 // The fallback is discarded by the caller, so its items can be moved, not copied.
                 winnerItems.push_back(std::move(item));
             }

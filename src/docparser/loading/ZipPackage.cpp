@@ -6,8 +6,10 @@
 #include <zip.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <mutex>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace reference::docparser {
@@ -78,6 +80,24 @@ ZipPackage::ZipPackage(const std::u16string& path, ZipLimits limits) : limits_(l
         throw ZipError("zip package '" + nativePath + "' has too many entries");
     }
     entryCount_ = static_cast<std::uint64_t>(count);
+
+    // Entries of a sound package keep their data in disjoint parts of the file, so their stored
+    // sizes add up to less than the file. Entries that share data would let a small package
+    // expand many times over, each of them inflating the same bytes again.
+    std::error_code sizeError;
+    const std::uint64_t fileSize = std::filesystem::file_size(nativePath, sizeError);
+    std::uint64_t storedLeft = sizeError ? 0 : fileSize;
+    for (std::uint64_t index = 0; index < entryCount_; ++index) {
+        zip_stat_t stat;
+        zip_stat_init(&stat);
+        if (zip_stat_index(handle, index, 0, &stat) != 0 || (stat.valid & ZIP_STAT_COMP_SIZE) == 0) {
+            continue; // such an entry fails when it is read
+        }
+        if (stat.comp_size > storedLeft) {
+            throw ZipError("zip package '" + nativePath + "' has entries that share their data");
+        }
+        storedLeft -= stat.comp_size;
+    }
     archive_ = std::make_shared<detail::ZipArchive>(handle);
     owner.release();
 }

@@ -45,7 +45,8 @@ struct ZipLeaf {
 class ZipPackage {
 public:
     // Opens the package at `path` read-only with libzip's consistency checks. Throws ZipError when
-    // the file is missing, is not a zip package, fails the checks or has too many entries.
+    // the file is missing, is not a zip package, fails the checks, has too many entries or has
+    // entries that share their data.
     explicit ZipPackage(const std::u16string& path, ZipLimits limits = {});
     ~ZipPackage();
     ZipPackage(const ZipPackage&) = delete;

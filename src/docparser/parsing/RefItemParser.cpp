@@ -4,6 +4,8 @@
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
+#include <algorithm>
+#include <cstddef>
 #include <string_view>
 #include <utility>
 
@@ -90,8 +92,11 @@ std::vector<InputGroup> parseInputGroups(const boost::json::object& item, const 
             continue;
         }
         // Each element of "namevaluepairs" is a group of its own; the holder's own inputs and
-        // title are not read.
-        groups.reserve(groups.size() + pairs->size());
+        // title are not read. Room for them grows geometrically: reserving exactly the running
+        // count each time would move every group again per holder, quadratic in their number.
+        if (const std::size_t needed = groups.size() + pairs->size(); needed > groups.capacity()) {
+            groups.reserve(std::max(needed, 2 * groups.capacity()));
+        }
         for (const auto& pairGroup : *pairs) {
             groups.push_back(parseInputGroup(detail::asObject(pairGroup), href, memberNameParsing, true));
         }

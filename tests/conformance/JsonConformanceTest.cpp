@@ -1,0 +1,257 @@
+// The documents of a public JSON parsing conformance corpus, each placed as a lookup file and as a
+// page file beside a sound product. Documents named y_ must be accepted as JSON, n_ ones refused,
+// and i_ ones may go either way.
+//
+// What happens to i_ documents: resource files are parsed as strict JSON with the parser's default
+// options, so text that is not well-formed UTF-8 (invalid or overlong sequences, lone or inverted
+// surrogates, escaped or encoded, UTF-16 text, a byte-order mark), nesting deeper than 32 levels
+// and an exponent too long to hold are refused as syntax errors; other numbers beyond a double's
+// range or precision are accepted (rounded), which is harmless as the formats read no numbers.
+// Either way no i_ document is a resource document, so each counts as absent, and an accepted
+// one, used as the value of a member the formats do not read, changes nothing.
+
+#include "docparser/loading/RefItemFile.hpp"
+#include "docparser/parsing/LookupParser.hpp"
+
+#include "support/HostSettingsFixture.hpp"
+#include "support/TempDir.hpp"
+
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <boost/json/parse.hpp>
+#include <boost/system/system_error.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <vector>
+
+namespace refdoc::test {
+namespace {
+
+namespace fs = std::filesystem;
+using reference::docparser::DocParserException;
+using reference::docparser::DocResourceParser;
+using LookupResults = DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap>;
+using PageMap = DocResourceParser::RefItemFileMap;
+
+const fs::path kCorpus = fs::path(REFDOC_JSON_CONFORMANCE_DIR) / "test_parsing";
+const fs::path kLookupFolder = "docCatalog/referenceapi_lookup";
+const fs::path kReferenceFolder = "docCatalog/referenceapi";
+
+struct Document {
+    std::string name;
+    std::string text;
+};
+
+// The corpus's documents whose names start with `prefix`, in name order.
+std::vector<Document> documents(const std::string& prefix) {
+    std::vector<Document> found;
+    for (const auto& entry : fs::directory_iterator(kCorpus)) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with(prefix) && entry.path().extension() == ".json") {
+            std::ifstream in(entry.path(), std::ios::binary);
+            found.push_back({name, std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>())});
+        }
+    }
+    std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    return found;
+}
+
+enum class Outcome { Parsed, FormatError, SyntaxError, OtherError };
+
+const char* describe(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::Parsed: return "parsed";
+    case Outcome::FormatError: return "refused by the format";
+    case Outcome::SyntaxError: return "refused as JSON";
+    case Outcome::OtherError: return "failed otherwise";
+    }
+    return "?";
+}
+
+Outcome outcomeOf(const std::function<void()>& parse) {
+    try {
+        parse();
+        return Outcome::Parsed;
+    } catch (const DocParserException&) {
+        return Outcome::FormatError;
+    } catch (const boost::system::system_error&) {
+        return Outcome::SyntaxError;
+    } catch (...) {
+        return Outcome::OtherError;
+    }
+}
+
+Outcome lookupOutcome(const std::string& text) {
+    return outcomeOf([&] { reference::docparser::parseLookupFile(text); });
+}
+
+Outcome pageOutcome(const std::string& text) {
+    return outcomeOf([&] { reference::docparser::parseRefItemFile(text); });
+}
+
+// A document of the product `folder` that both formats accept, its item's purpose given as JSON
+// text and `extra` spliced in as further members of the document and of its item.
+std::string resourceDocument(const std::string& folder, std::string_view purposeJson, std::string_view extra = "") {
+    return std::string(R"({"productName":"A product","baseCode":"BC","helpFolder":")" + folder + R"(","helpLocation":"h",)")
+        .append(extra)
+        .append(R"("refItems":[{"name":"probe","href":")" + folder + R"(/probe.html",)")
+        .append(extra)
+        .append(R"("refpurpose":)")
+        .append(purposeJson)
+        .append("}]}");
+}
+
+// UTF-8 to UTF-16, for the well-formed text the JSON parser hands out.
+std::u16string decodeUtf8(std::string_view bytes) {
+    std::u16string out;
+    for (std::size_t i = 0; i < bytes.size();) {
+        const auto lead = static_cast<unsigned char>(bytes[i]);
+        const int length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        char32_t point = length == 1 ? lead : lead & (0x7Fu >> length);
+        for (int k = 1; k < length; ++k) {
+            point = (point << 6) | (static_cast<unsigned char>(bytes[i + static_cast<std::size_t>(k)]) & 0x3Fu);
+        }
+        i += static_cast<std::size_t>(length);
+        if (point >= 0x10000) {
+            point -= 0x10000;
+            out.push_back(static_cast<char16_t>(0xD800 + (point >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 + (point & 0x3FF)));
+        } else {
+            out.push_back(static_cast<char16_t>(point));
+        }
+    }
+    return out;
+}
+
+class JsonConformance : public HostSettingsFixture {
+protected:
+    struct Loaded {
+        LookupResults lookups;
+        PageMap pages;
+    };
+
+    void SetUp() override {
+        HostSettingsFixture::SetUp();
+        if (!fs::is_directory(kCorpus)) {
+            GTEST_SKIP() << "JSON conformance corpus not found: no folder " << kCorpus
+                         << " (point the CMake option REFDOC_JSON_CONFORMANCE_DIR at the corpus)";
+        }
+        root_.write(kLookupFolder / "control.json", resourceDocument("control", R"("Always here")"));
+        root_.write(kReferenceFolder / "control.json", resourceDocument("control", R"("Always here")"));
+        DocResourceParser::setReferenceRoot(root_.u16());
+        DocResourceParser::setTestProducts({u"control", u"subject"}, {});
+        controlOnly_ = {DocResourceParser::getResourceLookupFiles(), DocResourceParser::getResourceFile(u"control")};
+        ASSERT_EQ(controlOnly_.lookups.installedResources.size(), 1u);
+        ASSERT_EQ(controlOnly_.pages.size(), 1u);
+    }
+
+    // `text` as the lookup file and the page file of the product "conf", beside the control.
+    Loaded loadAsFiles(const std::string& text) const {
+        root_.write(kLookupFolder / "conf.json", text);
+        root_.write(kReferenceFolder / "conf.json", text);
+        Loaded loaded{DocResourceParser::getResourceLookupFiles(), DocResourceParser::getResourceFile(u"conf")};
+        fs::remove(root_.path() / kLookupFolder / "conf.json");
+        fs::remove(root_.path() / kReferenceFolder / "conf.json");
+        return loaded;
+    }
+
+    // Each document alone counts as absent: the results are the control's alone.
+    void expectAbsent(const Document& document) const {
+        const Loaded loaded = loadAsFiles(document.text);
+        EXPECT_EQ(loaded.lookups, controlOnly_.lookups) << document.name;
+        EXPECT_TRUE(loaded.pages.empty()) << document.name;
+    }
+
+    TempDir root_;
+    Loaded controlOnly_;
+};
+
+TEST_F(JsonConformance, RefusedDocumentsFailAsJsonAndCountAsAbsent) {
+    const auto refused = documents("n_");
+    ASSERT_FALSE(refused.empty()) << kCorpus;
+    for (const auto& document : refused) {
+        EXPECT_EQ(lookupOutcome(document.text), Outcome::SyntaxError) << document.name;
+        EXPECT_EQ(pageOutcome(document.text), Outcome::SyntaxError) << document.name;
+        expectAbsent(document);
+    }
+}
+
+// None of them is a resource document, so each fails, but only through the formats' own rules.
+TEST_F(JsonConformance, AcceptedDocumentsFailOnlyThroughTheFormatsRules) {
+    const auto accepted = documents("y_");
+    ASSERT_FALSE(accepted.empty()) << kCorpus;
+    for (const auto& document : accepted) {
+        EXPECT_STREQ(describe(lookupOutcome(document.text)), describe(Outcome::FormatError)) << document.name;
+        EXPECT_STREQ(describe(pageOutcome(document.text)), describe(Outcome::FormatError)) << document.name;
+        expectAbsent(document);
+    }
+}
+
+TEST_F(JsonConformance, UndecidedDocumentsAreTakenOrRefusedAlikeByBothFormats) {
+    const auto undecided = documents("i_");
+    ASSERT_FALSE(undecided.empty()) << kCorpus;
+    for (const auto& document : undecided) {
+        const Outcome lookup = lookupOutcome(document.text);
+        EXPECT_TRUE(lookup == Outcome::SyntaxError || lookup == Outcome::FormatError)
+            << document.name << ": " << describe(lookup);
+        EXPECT_EQ(pageOutcome(document.text), lookup) << document.name;
+        expectAbsent(document);
+    }
+}
+
+// Every document the JSON parser takes, as the value of members that neither format reads (in
+// the document and in its item), leaves the resource as it is without them.
+TEST_F(JsonConformance, AcceptedValuesInMembersNobodyReadsChangeNothing) {
+    const Loaded plain = loadAsFiles(resourceDocument("subject", R"("p")"));
+    ASSERT_EQ(plain.lookups.installedResources.count(u"subject"), 1u);
+    ASSERT_EQ(plain.pages.count(u"subject"), 1u);
+    std::size_t embedded = 0;
+    for (const auto& prefix : {"y_", "i_"}) {
+        for (const auto& document : documents(prefix)) {
+            if (lookupOutcome(document.text) == Outcome::SyntaxError) {
+                continue;
+            }
+            ++embedded;
+            const Loaded loaded = loadAsFiles(resourceDocument("subject", R"("p")", R"("unread":)" + document.text + ","));
+            EXPECT_EQ(loaded.lookups, plain.lookups) << document.name;
+            EXPECT_EQ(loaded.pages, plain.pages) << document.name;
+        }
+    }
+    EXPECT_GT(embedded, 90u);
+}
+
+// The documents that hold a single string: that string, as an item's purpose, reaches the
+// records of both formats as exactly the text the JSON parser read.
+TEST_F(JsonConformance, AcceptedStringsReachTheRecordsIntact) {
+    std::size_t strings = 0;
+    for (const auto& prefix : {"y_", "i_"}) {
+        for (const auto& document : documents(prefix)) {
+            boost::json::error_code error;
+            const boost::json::value value = boost::json::parse(document.text, error);
+            const auto* array = value.if_array();
+            if (error || array == nullptr || array->size() != 1 || !array->front().is_string()) {
+                continue;
+            }
+            ++strings;
+            const std::string_view bytes = array->front().get_string();
+            const auto open = document.text.find('[');
+            const auto close = document.text.rfind(']');
+            const Loaded loaded = loadAsFiles(resourceDocument("subject", document.text.substr(open + 1, close - open - 1)));
+            const auto expected = decodeUtf8(bytes);
+            const auto& lookup = loaded.lookups.installedResources.at(u"subject").getItems().at(u"probe");
+            EXPECT_EQ(lookup.at(0).getPurpose(), expected) << document.name;
+            const auto& page = loaded.pages.at(u"subject").getItems().at(u"subject/probe.html");
+            EXPECT_EQ(page.at(0).getPurpose(), expected) << document.name;
+        }
+    }
+    EXPECT_GT(strings, 30u);
+}
+
+} // namespace
+} // namespace refdoc::test
