@@ -222,18 +222,28 @@ std::size_t decodeSequence(const Byte*& p, const Byte* end, char16_t* out) noexc
 
 } // namespace
 
+// Most texts are short (names, links, one-line purposes), so the ends of a text are handled by
+// one more block that overlaps the last one rather than by a loop over the remaining bytes; the
+// overlap rewrites units with the same values.
 void widenAscii(std::string_view bytes, char16_t* out) noexcept {
     const auto* in = reinterpret_cast<const Byte*>(bytes.data());
     const std::size_t n = bytes.size();
-    std::size_t i = 0;
-    for (; i + 16 <= n; i += 16) {
-        widen16(in + i, out + i);
+    if (n >= 16) {
+        std::size_t i = 0;
+        for (; i + 16 <= n; i += 16) {
+            widen16(in + i, out + i);
+        }
+        if (i < n) {
+            widen16(in + n - 16, out + n - 16);
+        }
+        return;
     }
-    if (i + 8 <= n) {
-        widen8(in + i, out + i);
-        i += 8;
+    if (n >= 8) {
+        widen8(in, out);
+        widen8(in + n - 8, out + n - 8);
+        return;
     }
-    for (; i < n; ++i) {
+    for (std::size_t i = 0; i < n; ++i) {
         out[i] = in[i];
     }
 }
@@ -293,19 +303,27 @@ std::u16string utf8ToUtf16(std::string_view bytes) {
 bool isPlainAscii(std::string_view bytes) noexcept {
     const auto* in = reinterpret_cast<const Byte*>(bytes.data());
     const std::size_t n = bytes.size();
-    std::size_t i = 0;
-    for (; i + 16 <= n; i += 16) {
-        if (!plainAscii16(in + i)) {
-            return false;
+    // As in widenAscii, the end of the text is one more (overlapping) block, not a byte loop.
+    if (n >= 16) {
+        std::size_t i = 0;
+        for (; i + 16 <= n; i += 16) {
+            if (!plainAscii16(in + i)) {
+                return false;
+            }
         }
+        return i == n || plainAscii16(in + n - 16);
     }
-    if (i + 8 <= n) {
-        if (outsidePlainAscii8(load8(in + i)) != 0) {
-            return false;
-        }
-        i += 8;
+    if (n >= 8) {
+        return (outsidePlainAscii8(load8(in)) | outsidePlainAscii8(load8(in + n - 8))) == 0;
     }
-    for (; i < n; ++i) {
+    if (n >= 4) {
+        std::uint32_t head;
+        std::uint32_t tail;
+        std::memcpy(&head, in, sizeof head);
+        std::memcpy(&tail, in + n - 4, sizeof tail);
+        return outsidePlainAscii8(head | (std::uint64_t{tail} << 32)) == 0;
+    }
+    for (std::size_t i = 0; i < n; ++i) {
         if (in[i] == 0x00 || in[i] >= 0x7F) {
             return false;
         }
