@@ -46,6 +46,23 @@ RefItemFileMap readPageFile(const std::u16string& path) {
     }
 }
 
+// Moves the pages of `from` whose link `into` lacks over into `into`, as whole tree nodes. Both
+// maps are ordered by link, so one walk over the two finds every place with one comparison per
+// step (what map::merge does with a tree search per page).
+void moveMissingPages(DocResource<property::RefItem>::ItemMap& from, DocResource<property::RefItem>::ItemMap& into) {
+    auto position = into.begin();
+    for (auto next = from.begin(); next != from.end();) {
+        const auto current = next++;
+        int order = 1;
+        while (position != into.end() && (order = position->first.compare(current->first)) < 0) {
+            ++position;
+        }
+        if (position == into.end() || order > 0) {
+            into.insert(position, from.extract(current));
+        }
+    }
+}
+
 // Joins a folder and a file name with one separator; an empty folder leaves the name alone.
 std::u16string joinPath(const std::u16string& folder, const std::u16string& fileName) {
     if (folder.empty()) {
@@ -99,7 +116,7 @@ DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::
             english.insert(localized.extract(current));
             continue;
         }
-        current->second.getItems().merge(englishEntry->second.getItems());
+        moveMissingPages(englishEntry->second.getItems(), current->second.getItems());
         englishEntry->second = std::move(current->second);
     }
     return english;
