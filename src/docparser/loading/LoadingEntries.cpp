@@ -5,6 +5,7 @@
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/LookupParser.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
+#include "docparser/parsing/TextConversion.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
@@ -54,7 +55,7 @@ void moveMissingPages(DocResource<property::RefItem>::ItemMap& from, DocResource
     for (auto next = from.begin(); next != from.end();) {
         const auto current = next++;
         int order = 1;
-        while (position != into.end() && (order = position->first.compare(current->first)) < 0) {
+        while (position != into.end() && (order = text::compareText(position->first, current->first)) < 0) {
             ++position;
         }
         if (position == into.end() || order > 0) {

@@ -1,3 +1,5 @@
+#include "docparser/parsing/TextConversion.hpp"
+
 #include <reference/docparser/DocResourceParser.hpp>
 
 #include <algorithm>
@@ -25,7 +27,7 @@ void DocResourceParser::ParsingTools::mergeResourceFiles(T& target, T&& source, 
     for (auto next = fallback.begin(); next != fallback.end();) {
         const auto current = next++;
         int order = 1;
-        while (position != winner.end() && (order = position->first.compare(current->first)) < 0) {
+        while (position != winner.end() && (order = text::compareText(position->first, current->first)) < 0) {
             ++position;
         }
         if (position == winner.end() || order > 0) {

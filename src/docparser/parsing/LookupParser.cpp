@@ -2,6 +2,7 @@
 
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
+#include "docparser/parsing/TextConversion.hpp"
 
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/parse.hpp>
@@ -48,7 +49,7 @@ DocResource<RefItemLookup> parseLookupDocument(const boost::json::object& docume
         // Only the key's presence counts: "deprecated": false marks the entry as well.
         const bool deprecated = member[kEntryDeprecated] != nullptr;
 
-        if (hint == byName.end() || hint->first != name) {
+        if (hint == byName.end() || !text::sameText(hint->first, name)) {
             hint = byName.try_emplace(byName.end(), name);
         }
         hint->second.emplace_back(std::move(name), entityType, std::move(purpose), deprecated, std::move(href),

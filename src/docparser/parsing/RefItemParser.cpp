@@ -329,7 +329,7 @@ DocResource<RefItem> parseRefItemDocument(const boost::json::value& document) {
 
         // As in lookup files: a repeated href joins the previous entry, a new one is tried after
         // the last entry first, and only out-of-order hrefs search the tree.
-        if (hint == byHref.end() || hint->first != href) {
+        if (hint == byHref.end() || !text::sameText(hint->first, href)) {
             hint = byHref.try_emplace(byHref.end(), href);
         }
         hint->second.emplace_back(std::move(href), std::move(entities.list), std::move(packageName),

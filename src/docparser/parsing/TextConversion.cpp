@@ -1,5 +1,6 @@
 #include "docparser/parsing/TextConversion.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -274,7 +275,19 @@ std::size_t decodeUtf8(std::string_view bytes, char16_t* out) noexcept {
             }
             continue;
         }
-        o += decodeSequence(p, end, o);
+        // CJK text is runs of well-formed three-byte characters: decode those in a loop of their
+        // own; anything else (and the end of the run) goes through the general decoder.
+        while (end - p >= 3 && (p[0] & 0xF0) == 0xE0) {
+            const std::uint32_t cp = ((p[0] & 0x0Fu) << 12) | ((p[1] & 0x3Fu) << 6) | (p[2] & 0x3Fu);
+            if (!isContinuation(p[1]) || !isContinuation(p[2]) || cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF)) {
+                break;
+            }
+            *o++ = static_cast<char16_t>(cp);
+            p += 3;
+        }
+        if (p < end && *p >= 0x80) {
+            o += decodeSequence(p, end, o);
+        }
     }
     return static_cast<std::size_t>(o - out);
 }
@@ -329,6 +342,37 @@ bool isPlainAscii(std::string_view bytes) noexcept {
         }
     }
     return true;
+}
+
+bool sameText(std::u16string_view a, std::u16string_view b) noexcept {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
+
+int compareText(std::u16string_view a, std::u16string_view b) noexcept {
+    const std::size_t n = std::min(a.size(), b.size());
+    std::size_t i = 0;
+    for (; i + 4 <= n; i += 4) {
+        std::uint64_t x;
+        std::uint64_t y;
+        std::memcpy(&x, a.data() + i, sizeof x);
+        std::memcpy(&y, b.data() + i, sizeof y);
+        if (x != y) {
+            // The first differing unit decides, compared as a unit (not as bytes).
+            const std::uint64_t difference = x ^ y;
+            if constexpr (std::endian::native == std::endian::little) {
+                i += static_cast<std::size_t>(std::countr_zero(difference)) / 16;
+            } else {
+                i += static_cast<std::size_t>(std::countl_zero(difference)) / 16;
+            }
+            return a[i] < b[i] ? -1 : 1;
+        }
+    }
+    for (; i < n; ++i) {
+        if (a[i] != b[i]) {
+            return a[i] < b[i] ? -1 : 1;
+        }
+    }
+    return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
 }
 
 namespace {
