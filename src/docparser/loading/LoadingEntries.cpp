@@ -21,17 +21,34 @@ using RefItemFileMap = DocResourceParser::RefItemFileMap;
 
 // The JSON text of one page file: the main document under its help folder, each support package
 // document under its base code. The first document to claim a key keeps it.
-RefItemFileMap parseRefItemFile(const std::string& text) {
+//
+// `replacement` is the localized file that will be merged over this one, if any: pages it holds
+// under the same document key, and documents whose key is taken, would be discarded, so they are
+// only checked (the file still fails wherever a full parse fails) and never built.
+RefItemFileMap parseRefItemFile(const std::string& text, const RefItemFileMap* replacement = nullptr) {
     RefItemFileMap result;
     boost::json::monotonic_resource arena(1024);
     const boost::json::value root = boost::json::parse(text, &arena, boost::json::parse_options());
 
-    DocResource<property::RefItem> mainDocument = parseRefItemDocument(root);
+    const auto replacedPages = [replacement](const std::u16string& key) -> const DocResource<property::RefItem>::ItemMap* {
+        if (replacement == nullptr) {
+            return nullptr;
+        }
+        const auto found = replacement->find(key);
+        return found == replacement->end() ? nullptr : &found->second.getItems();
+    };
+
+    DocResource<property::RefItem> mainDocument = parseRefItemDocument(root, [&](const property::HeaderInfo& header) {
+        return PageSelection{false, replacedPages(header.getHelpFolder())};
+    });
     result.try_emplace(mainDocument.getHeader().getHelpFolder(), std::move(mainDocument));
 
     if (const auto* packages = detail::optionalArray(detail::asObject(root), keys::kSupportPackages)) {
         for (const auto& document : *packages) {
-            DocResource<property::RefItem> package = parseRefItemDocument(document);
+            DocResource<property::RefItem> package = parseRefItemDocument(document, [&](const property::HeaderInfo& header) {
+                const std::u16string key = header.getBaseCode();
+                return PageSelection{result.contains(key), replacedPages(key)};
+            });
             result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
         }
     }
@@ -39,11 +56,19 @@ RefItemFileMap parseRefItemFile(const std::string& text) {
 }
 
 // A page file that is missing, unreadable or broken counts as absent.
-RefItemFileMap readPageFile(const std::u16string& path) {
+RefItemFileMap parsePageFile(const std::string& text, const RefItemFileMap* replacement = nullptr) {
     try {
-        return parseRefItemFile(DocResourceParser::openAndReadFile(path));
+        return parseRefItemFile(text, replacement);
     } catch (...) {
         return {};
+    }
+}
+
+std::string readPageText(const std::u16string& path) {
+    try {
+        return DocResourceParser::openAndReadFile(path);
+    } catch (...) {
+        return {}; // parses as nothing, like a missing file
     }
 }
 
@@ -95,18 +120,21 @@ DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::
     const std::shared_ptr<const ReferenceRoots> roots = getReferenceRoots();
     const std::u16string& folder = roots->referenceFolder;
 
-    RefItemFileMap english = readPageFile(joinPath(folder, name + ParsingTools::kDotJsonExt));
+    // The files are read in this order, English first; the English text is parsed last, when the
+    // translation is known, so that English pages the translation replaces are never built.
+    const std::string englishText = readPageText(joinPath(folder, name + ParsingTools::kDotJsonExt));
     const std::u16string locale = ParsingTools::getCurrentLocale();
     if (locale == ParsingTools::kEnglishLocale) {
-        return english;
+        return parsePageFile(englishText);
     }
-    RefItemFileMap localized =
-        readPageFile(joinPath(folder, name + ParsingTools::kLocaleSeparator + locale + ParsingTools::kDotJsonExt));
+    RefItemFileMap localized = parsePageFile(
+        readPageText(joinPath(folder, name + ParsingTools::kLocaleSeparator + locale + ParsingTools::kDotJsonExt)));
+    if (localized.empty()) {
+        return parsePageFile(englishText);
+    }
+    RefItemFileMap english = parsePageFile(englishText, &localized);
     if (english.empty()) {
         return localized;
-    }
-    if (localized.empty()) {
-        return english;
     }
     // Per document the localized header and items win; English pages whose link the
     // translation lacks move over into it, and English pages it has are dropped.

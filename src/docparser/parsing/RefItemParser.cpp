@@ -265,6 +265,126 @@ std::vector<SyntaxGroup> readSyntaxGroups(const boost::json::value* groupList) {
     });
 }
 
+// ---- checks without building -------------------------------------------------------------
+//
+// The same reads as above, in the same order, keeping only what can fail: a page that is checked
+// fails exactly where reading it would. Loaders use this for pages they would discard.
+
+void checkString(const boost::json::value* member, std::string_view key) {
+    detail::asStringBytes(detail::requireMember(member, key), key);
+}
+
+// Optional strings and enumerations alike: only a member of the wrong kind fails.
+void checkOptionalString(const boost::json::value* member, std::string_view key) {
+    if (member != nullptr) {
+        detail::asStringBytes(*member, key);
+    }
+}
+
+template <class CheckOne>
+void checkObjectList(const boost::json::value* member, std::string_view key, CheckOne&& checkOne) {
+    if (const auto* array = detail::optionalArray(member, key)) {
+        for (const auto& element : *array) {
+            checkOne(detail::asObject(element));
+        }
+    }
+}
+
+void checkObjectInfo(const ArgumentMembers& member) {
+    checkString(member[kArgPurpose], keys::kPurpose);
+    if (const auto* array = detail::optionalArray(member[kArgValues], keys::kValue)) {
+        for (const auto& value : *array) {
+            detail::asStringBytes(value);
+        }
+    }
+}
+
+void checkArgument(const ArgumentMembers& member) {
+    checkOptionalString(member[kArgHtmlId], keys::kHtmlId);
+    checkString(member[kArgName], keys::kName);
+    checkObjectInfo(member);
+}
+
+void checkInputGroup(const GroupMembers& group) {
+    checkObjectList(group[kGroupInputs], keys::kInputs, [](const auto& object) {
+        const auto input = kArgumentMembers.find(object);
+        checkOptionalString(input[kArgDefaultValue], keys::kDefaultValue);
+        checkOptionalString(input[kArgSyntaxType], keys::kSyntaxType);
+        checkArgument(input);
+    });
+    checkString(group[kGroupTitle], keys::kTitle);
+}
+
+void checkItem(const detail::MemberLookup<15>::Members& member) {
+    checkString(member[kItemHref], keys::kHref);
+    checkString(member[kItemPurpose], keys::kRefPurpose);
+    checkObjectList(member[kItemEntities], keys::kRefEntity, [](const auto& object) {
+        const auto entity = kEntityMembers.find(object);
+        checkOptionalString(entity[kEntityType], keys::kType);
+        checkOptionalString(entity[kEntityFcnType], keys::kFcnType);
+        checkString(entity[kEntityName], keys::kName);
+    });
+    checkOptionalString(member[kItemPackageName], keys::kPackageName);
+    checkOptionalString(member[kItemIntroduced], keys::kIntroduced);
+    checkOptionalString(member[kItemDescription], keys::kDescription);
+    if (const auto* thumbnailMember = member[kItemThumbnail]) {
+        const auto thumbnail = kLinkMembers.find(detail::asObject(*thumbnailMember, keys::kAppThumbnail));
+        checkString(thumbnail[kLinkFileRef], keys::kFileRef);
+        checkString(thumbnail[kLinkAlt], keys::kAlt);
+    }
+    checkOptionalString(member[kItemDeprecationStatus], keys::kDeprecationStatus);
+    checkObjectList(member[kItemSyntaxGroups], keys::kSyntaxGroup, [](const auto& object) {
+        const auto group = kSyntaxMembers.find(object);
+        checkOptionalString(group[kSyntaxType], keys::kSyntaxType);
+        checkString(group[kSyntaxTitle], keys::kTitle);
+        for (const auto& line : detail::requireArray(group[kSyntaxLines], keys::kSyntax)) {
+            detail::asStringBytes(line);
+        }
+    });
+    checkObjectList(member[kItemInputGroups], keys::kInputGroup, [](const auto& object) {
+        const auto group = kGroupMembers.find(object);
+        const auto* pairs = detail::optionalArray(group[kGroupNameValuePairs], keys::kNameValuePairs);
+        if (pairs == nullptr) {
+            checkInputGroup(group);
+            return;
+        }
+        for (const auto& pairGroup : *pairs) {
+            checkInputGroup(kGroupMembers.find(detail::asObject(pairGroup)));
+        }
+    });
+    checkObjectList(member[kItemOutputs], keys::kOutputs, [](const auto& object) {
+        const auto output = kArgumentMembers.find(object);
+        checkOptionalString(output[kArgSyntaxType], keys::kSyntaxType);
+        checkArgument(output);
+    });
+    checkObjectList(member[kItemClassPropertyGroups], keys::kClassPropertyGroup, [](const auto& object) {
+        const auto group = kGroupMembers.find(object);
+        checkOptionalString(group[kGroupTitle], keys::kTitle);
+        for (const auto& element : detail::requireArray(group[kGroupProperties], keys::kClassProperty)) {
+            const auto property = kArgumentMembers.find(detail::asObject(element));
+            checkString(property[kArgName], keys::kName);
+            checkObjectInfo(property);
+            checkOptionalString(property[kArgDefaultValue], keys::kDefaultValue);
+        }
+    });
+    checkObjectList(member[kItemSeeAlso], keys::kSeeAlso, [](const auto& object) {
+        const auto link = kLinkMembers.find(object);
+        checkString(link[kLinkUrl], keys::kUrl);
+        checkString(link[kLinkName], keys::kName);
+    });
+    checkObjectList(member[kItemExamples], keys::kExamples, [](const auto& object) {
+        const auto example = kLinkMembers.find(object);
+        checkString(example[kLinkUrl], keys::kUrl);
+        checkOptionalString(example[kLinkOpenCommand], keys::kOpenCommand);
+        checkString(example[kLinkTitle], keys::kTitle);
+    });
+    checkObjectList(member[kItemParameters], keys::kParameters, [](const auto& object) {
+        const auto parameter = kArgumentMembers.find(object);
+        checkOptionalString(parameter[kArgDefaultValue], keys::kDefaultValue);
+        checkArgument(parameter);
+    });
+}
+
 } // namespace
 
 ObjectInfo makeObjectInfo(const boost::json::object& object, std::u16string&& name, std::u16string&& anchor) {
@@ -291,14 +411,33 @@ std::vector<SyntaxGroup> parseSyntaxGroups(const boost::json::object& item) {
 }
 
 DocResource<RefItem> parseRefItemDocument(const boost::json::value& document) {
+    return parseRefItemDocument(document, PageSelector());
+}
+
+DocResource<RefItem> parseRefItemDocument(const boost::json::value& document, const PageSelector& select) {
     const auto& object = detail::asObject(document);
     auto header = detail::readHeader(object);
     const auto& items = detail::requireArray(object, keys::kRefItems);
+    const PageSelection selection = select ? select(header) : PageSelection();
 
     DocResource<RefItem>::ItemMap byHref;
     auto hint = byHref.end();
+    std::u16string replacedHref; // reused: deciding to skip a page allocates nothing
     for (const auto& element : items) {
         const auto member = kItemMembers.find(detail::asObject(element));
+        if (selection.dropDocument) {
+            checkItem(member);
+            continue;
+        }
+        if (selection.replacedPages != nullptr) {
+            const auto hrefBytes = detail::asStringBytes(detail::requireMember(member[kItemHref], keys::kHref), keys::kHref);
+            replacedHref.resize(hrefBytes.size());
+            text::widenAscii(hrefBytes, replacedHref.data());
+            if (selection.replacedPages->contains(replacedHref)) {
+                checkItem(member);
+                continue;
+            }
+        }
         auto href = detail::requireString(member[kItemHref], keys::kHref, StringParsingType::Ascii);
         auto purpose = detail::requireString(member[kItemPurpose], keys::kRefPurpose, StringParsingType::Utf8);
         auto entities = parseEntities(member[kItemEntities]);
