@@ -73,9 +73,8 @@ inline const boost::json::value& requireMember(const boost::json::object& object
 }
 
 // The members of an object named by a fixed list of keys, found in one pass over the object
-// rather than one search per key: records with a dozen keys are read a dozen times faster. A
-// JSON object holds each key once (the parser keeps the last of duplicates), so each slot gets
-// exactly what object::find would return, or nullptr.
+// rather than one search of it per key. A JSON object holds each key once (the parser keeps the
+// last of duplicates), so each slot gets exactly what object::find would return, or nullptr.
 template <std::size_t N>
 class MemberLookup {
 public:

@@ -35,8 +35,8 @@ DocResource<RefItemLookup> parseLookupDocument(const boost::json::object& docume
 
     DocResource<RefItemLookup>::ItemMap byName;
     // Files are mostly sorted by name: a name equal to the previous one joins its entry without
-    // a search, and a new name is tried after the last entry first, so that sorted input costs
-    // one comparison per entry. Unsorted input still finds its place (or entry) by search.
+    // a search, and a new name is tried after the last entry first, which sorted input passes at
+    // once. Unsorted input still finds its place (or its entry) by a search of the tree.
     auto hint = byName.end();
     for (const auto& element : items) {
         const auto& item = detail::asObject(element);

@@ -41,8 +41,8 @@ std::u16string propertyAnchor(const std::u16string& href, const std::u16string& 
     return anchor;
 }
 
-// Every object of a page is read through the members it has, found in one pass over it (a page
-// item has a dozen keys; searching it once per key was the parser's largest cost).
+// Every object of a page is read through its members found in one pass over it: a page item has
+// a dozen keys, and a search per key went over it a dozen times.
 enum ItemMember : std::size_t {
     kItemHref,
     kItemPurpose,
