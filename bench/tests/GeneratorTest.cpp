@@ -24,7 +24,7 @@ TEST(JsonWriter, AnyTextRoundTripsThroughTheStrictParser) {
         "plain",
         "quote \" and backslash \\ and slash /",
         "line\nbreak\ttab\rreturn",
-        std::string("nul \0 and \x01\x1f controls", 24),
+        std::string("nul \0 and \x01\x1f controls", sizeof "nul \0 and \x01\x1f controls" - 1),
         "UTF-8: \xC2\xB5 \xE6\x97\xA5\xE6\x9C\xAC \xF0\x9F\x98\x80",
         "<pre>result = f(data, \"Method\", \"fast\");\nplot(result)</pre>",
     };
