@@ -100,6 +100,9 @@ struct TextSamples {
     std::string ascii; // English page text (HTML markup and prose)
     std::string mixed; // Japanese page text: CJK prose with ASCII markup and code names
     std::string cjk;   // Japanese and Korean purposes without ASCII
+    // Field-sized texts as the parsers meet them, one conversion (and allocation) each.
+    std::vector<std::string> asciiFields; // English one-line purposes
+    std::vector<std::string> cjkFields;   // Japanese one-line purposes
 };
 
 TextSamples makeTextSamples() {
@@ -133,6 +136,10 @@ TextSamples makeTextSamples() {
     trim(samples.ascii);
     trim(samples.mixed);
     trim(samples.cjk);
+    for (int i = 0; i < 1000; ++i) {
+        samples.asciiFields.push_back(english.purpose(random));
+        samples.cjkFields.push_back(japanese.purpose(random));
+    }
     return samples;
 }
 
@@ -165,6 +172,24 @@ void registerTextBenchmarks(const TextSamples& samples) {
             convertText(state, *input, [](std::string_view bytes) {
                 return reference::docparser::detail::toUtf16(bytes, StringParsingType::Utf8);
             });
+        });
+    }
+    // Short fields: the per-call cost (allocation included) that the loaders pay per string.
+    const std::pair<const char*, const std::vector<std::string>*> fields[] = {
+        {"ascii fields", &samples.asciiFields}, {"cjk fields", &samples.cjkFields}};
+    for (const auto& [name, list] : fields) {
+        benchmark::RegisterBenchmark(("text/utf8Field/" + std::string(name)).c_str(), [list](benchmark::State& state) {
+            std::int64_t bytes = 0;
+            for (const auto& field : *list) {
+                bytes += static_cast<std::int64_t>(field.size());
+            }
+            for (auto _ : state) {
+                for (const auto& field : *list) {
+                    auto converted = reference::docparser::detail::toUtf16(field, StringParsingType::Utf8);
+                    benchmark::DoNotOptimize(converted.data());
+                }
+            }
+            state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * bytes);
         });
     }
     benchmark::RegisterBenchmark("text/utf16ToUtf8/mixed", [&samples](benchmark::State& state) {
