@@ -7,6 +7,7 @@
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/LookupParser.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
+#include "docparser/parsing/TextConversion.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
@@ -19,18 +20,31 @@ namespace reference::docparser {
 
 using RefItemFileMap = DocResourceParser::RefItemFileMap;
 
-RefItemFileMap parseRefItemFile(const std::string& text) {
+RefItemFileMap parseRefItemFile(const std::string& text, const RefItemFileMap* replacement) {
     RefItemFileMap result;
     boost::json::monotonic_resource arena(1024);
     const boost::json::value root = diagnostics::parseResourceText(text, &arena);
     const diagnostics::WatchedDocument watch(root);
 
-    DocResource<property::RefItem> mainDocument = parseRefItemDocument(root);
+    const auto replacedPages = [replacement](const std::u16string& key) -> const DocResource<property::RefItem>::ItemMap* {
+        if (replacement == nullptr) {
+            return nullptr;
+        }
+        const auto found = replacement->find(key);
+        return found == replacement->end() ? nullptr : &found->second.getItems();
+    };
+
+    DocResource<property::RefItem> mainDocument = parseRefItemDocument(root, [&](const property::HeaderInfo& header) {
+        return PageSelection{false, replacedPages(header.getHelpFolder())};
+    });
     result.try_emplace(mainDocument.getHeader().getHelpFolder(), std::move(mainDocument));
 
     if (const auto* packages = detail::optionalArray(detail::asObject(root), keys::kSupportPackages)) {
         for (const auto& document : *packages) {
-            DocResource<property::RefItem> package = parseRefItemDocument(document);
+            DocResource<property::RefItem> package = parseRefItemDocument(document, [&](const property::HeaderInfo& header) {
+                const std::u16string key = header.getBaseCode();
+                return PageSelection{result.contains(key), replacedPages(key)};
+            });
             if (!result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {
                 diagnostics::documentKeyTaken(document, package.getHeader().getBaseCode());
             }
@@ -42,15 +56,41 @@ RefItemFileMap parseRefItemFile(const std::string& text) {
 namespace {
 
 // A page file that is missing, unreadable or broken counts as absent.
-RefItemFileMap readPageFile(const std::u16string& path) {
+RefItemFileMap parsePageFile(const std::u16string& path, const std::string& text,
+                             const RefItemFileMap* replacement = nullptr) {
     diagnostics::pageFileBegin(path);
     try {
-        RefItemFileMap pages = parseRefItemFile(DocResourceParser::openAndReadFile(path));
+        RefItemFileMap pages = parseRefItemFile(text, replacement);
         diagnostics::fileParsed(pages);
         return pages;
     } catch (...) {
         diagnostics::pageFileDropped(path);
         return {};
+    }
+}
+
+std::string readPageText(const std::u16string& path) {
+    try {
+        return DocResourceParser::openAndReadFile(path);
+    } catch (...) {
+        return {}; // parses as nothing, like a missing file
+    }
+}
+
+// Moves the pages of `from` whose link `into` lacks over into `into`, as whole tree nodes. Both
+// maps are ordered by link, so one walk over the two finds every place with one comparison per
+// step (what map::merge does with a tree search per page).
+void moveMissingPages(DocResource<property::RefItem>::ItemMap& from, DocResource<property::RefItem>::ItemMap& into) {
+    auto position = into.begin();
+    for (auto next = from.begin(); next != from.end();) {
+        const auto current = next++;
+        int order = 1;
+        while (position != into.end() && (order = text::compareText(position->first, current->first)) < 0) {
+            ++position;
+        }
+        if (position == into.end() || order > 0) {
+            into.insert(position, from.extract(current));
+        }
     }
 }
 
@@ -85,18 +125,23 @@ DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::
     const std::shared_ptr<const ReferenceRoots> roots = getReferenceRoots();
     const std::u16string& folder = roots->referenceFolder;
 
-    RefItemFileMap english = readPageFile(joinPath(folder, name + ParsingTools::kDotJsonExt));
+    // The files are read in this order, English first; the English text is parsed last, when the
+    // translation is known, so that English pages the translation replaces are never built.
+    const std::u16string englishPath = joinPath(folder, name + ParsingTools::kDotJsonExt);
+    const std::string englishText = readPageText(englishPath);
     const std::u16string locale = ParsingTools::getCurrentLocale();
     if (locale == ParsingTools::kEnglishLocale) {
-        return english;
+        return parsePageFile(englishPath, englishText);
     }
-    RefItemFileMap localized =
-        readPageFile(joinPath(folder, name + ParsingTools::kLocaleSeparator + locale + ParsingTools::kDotJsonExt));
+    const std::u16string localizedPath =
+        joinPath(folder, name + ParsingTools::kLocaleSeparator + locale + ParsingTools::kDotJsonExt);
+    RefItemFileMap localized = parsePageFile(localizedPath, readPageText(localizedPath));
+    if (localized.empty()) {
+        return parsePageFile(englishPath, englishText);
+    }
+    RefItemFileMap english = parsePageFile(englishPath, englishText, &localized);
     if (english.empty()) {
         return localized;
-    }
-    if (localized.empty()) {
-        return english;
     }
     // Per document the localized header and items win; English pages whose link the
     // translation lacks move over into it, and English pages it has are dropped.
@@ -107,7 +152,7 @@ DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::
             english.insert(localized.extract(current));
             continue;
         }
-        current->second.getItems().merge(englishEntry->second.getItems());
+        moveMissingPages(englishEntry->second.getItems(), current->second.getItems());
         englishEntry->second = std::move(current->second);
     }
     return english;

@@ -10,6 +10,11 @@ namespace reference::docparser {
 // document under its base code; the first document to claim a key keeps it. Throws
 // boost::system::system_error for text that is not strict JSON and DocParserException for a
 // document that breaks the page format. getResourceFile turns either into an absent file.
-DocResourceParser::RefItemFileMap parseRefItemFile(const std::string& text);
+//
+// `replacement` is the localized file that will be merged over this one, if any: pages it holds
+// under the same document key, and documents whose key is taken, would be discarded, so they are
+// only checked (the file still fails wherever a full parse fails) and never built.
+DocResourceParser::RefItemFileMap parseRefItemFile(const std::string& text,
+                                                   const DocResourceParser::RefItemFileMap* replacement = nullptr);
 
 } // namespace reference::docparser

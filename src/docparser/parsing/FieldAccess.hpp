@@ -14,6 +14,11 @@
 #include <boost/json/string.hpp>
 #include <boost/json/value.hpp>
 
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -58,12 +63,99 @@ inline std::string_view asStringBytes(const boost::json::value& value, std::stri
     failRead(ReadFailure::NotAString, key, &value);
 }
 
-inline const boost::json::value& requireMember(const boost::json::object& object, std::string_view key) {
-    if (const auto* member = object.if_contains(key)) [[likely]] {
-        return *member;
+// A member as a lookup found it (value nullptr when absent), with the object it was looked for
+// in, so that a missing required member can still say where it was missing. Converts to the
+// plain member pointer everywhere else.
+struct FoundMember {
+    const boost::json::value* value = nullptr;
+    const boost::json::object* owner = nullptr;
+
+    operator const boost::json::value*() const noexcept { return value; }
+};
+
+inline const boost::json::value& requireMember(FoundMember member, std::string_view key) {
+    if (member.value != nullptr) [[likely]] {
+        return *member.value;
     }
-    failRead(ReadFailure::MissingKey, key, &object);
+    failRead(ReadFailure::MissingKey, key, member.owner);
 }
+
+inline const boost::json::value& requireMember(const boost::json::object& object, std::string_view key) {
+    return requireMember(FoundMember{object.if_contains(key), &object}, key);
+}
+
+// The members of an object named by a fixed list of keys, found in one pass over the object
+// rather than one search of it per key. A JSON object holds each key once (the parser keeps the
+// last of duplicates), so each slot gets exactly what object::find would return, or nullptr.
+template <std::size_t N>
+class MemberLookup {
+public:
+    static_assert(N <= 32, "one bit per key");
+    // What find() gives: one slot per key, and the object searched.
+    struct Members {
+        std::array<const boost::json::value*, N> slots{};
+        const boost::json::object* owner = nullptr;
+
+        FoundMember operator[](std::size_t index) const noexcept { return {slots[index], owner}; }
+    };
+
+    // `keys` must outlive the lookup (the library's key constants live until unload).
+    explicit MemberLookup(const std::array<std::string_view, N>& keys) noexcept : keys_(keys) {
+        for (std::size_t i = 0; i < N; ++i) {
+            byLength_[bucket(keys[i].size())] |= std::uint32_t{1} << i;
+        }
+    }
+
+    Members find(const boost::json::object& object) const noexcept {
+        Members found{};
+        found.owner = &object;
+        for (const auto& member : object) {
+            const std::string_view key = member.key();
+            // Keys are told apart by length first; only same-length candidates compare bytes.
+            for (auto candidates = byLength_[bucket(key.size())]; candidates != 0; candidates &= candidates - 1) {
+                const auto index = static_cast<std::size_t>(std::countr_zero(candidates));
+                if (sameKey(keys_[index], key)) {
+                    found.slots[index] = &member.value();
+                    break;
+                }
+            }
+        }
+        return found;
+    }
+
+private:
+    static constexpr std::size_t kBuckets = 32; // keys of 31 bytes or more share the last bucket
+    // Keys are a few bytes long: compared as two overlapping words (the first and the last 8 or
+    // 4 bytes), which beats a call to memcmp or a byte loop.
+    template <class Word>
+    static bool sameWords(const char* a, const char* b, std::size_t n) noexcept {
+        Word a0, a1, b0, b1;
+        std::memcpy(&a0, a, sizeof(Word));
+        std::memcpy(&b0, b, sizeof(Word));
+        std::memcpy(&a1, a + n - sizeof(Word), sizeof(Word));
+        std::memcpy(&b1, b + n - sizeof(Word), sizeof(Word));
+        return ((a0 ^ b0) | (a1 ^ b1)) == 0;
+    }
+    static bool sameKey(std::string_view wanted, std::string_view key) noexcept {
+        const std::size_t n = key.size();
+        if (wanted.size() != n) {
+            return false;
+        }
+        if (n >= 8 && n <= 16) {
+            return sameWords<std::uint64_t>(wanted.data(), key.data(), n);
+        }
+        if (n >= 4 && n < 8) {
+            return sameWords<std::uint32_t>(wanted.data(), key.data(), n);
+        }
+        return wanted == key;
+    }
+    static constexpr std::size_t bucket(std::size_t length) noexcept {
+        return length < kBuckets ? length : kBuckets - 1;
+    }
+
+    std::array<std::string_view, N> keys_;
+    std::array<std::uint32_t, kBuckets> byLength_{};
+};
 
 // UTF-8 bytes of a JSON string to UTF-16. Ascii widens; any other type scans first and sends
 // only text with a byte outside 0x01..0x7E to the UTF-8 decoder.
@@ -77,37 +169,55 @@ inline std::u16string toUtf16(std::string_view bytes, StringParsingType type) {
     return text::utf8ToUtf16(bytes);
 }
 
-inline std::u16string requireString(const boost::json::object& object, std::string_view key,
-                                    StringParsingType type) {
-    return toUtf16(asStringBytes(requireMember(object, key), key), type);
+// The readers below take either the object and the key, or the member already found (nullptr
+// when absent) and its key, which names it when the read fails.
+
+inline std::u16string requireString(FoundMember member, std::string_view key, StringParsingType type) {
+    return toUtf16(asStringBytes(requireMember(member, key), key), type);
 }
 
-inline std::u16string optionalString(const boost::json::object& object, std::string_view key,
-                                     StringParsingType type) {
-    if (const auto* member = object.if_contains(key)) {
+inline std::u16string requireString(const boost::json::object& object, std::string_view key,
+                                    StringParsingType type) {
+    return requireString(FoundMember{object.if_contains(key), &object}, key, type);
+}
+
+inline std::u16string optionalString(const boost::json::value* member, std::string_view key, StringParsingType type) {
+    if (member != nullptr) {
         return toUtf16(asStringBytes(*member, key), type);
     }
     return {};
 }
 
+inline std::u16string optionalString(const boost::json::object& object, std::string_view key,
+                                     StringParsingType type) {
+    return optionalString(object.if_contains(key), key, type);
+}
+
+inline const boost::json::array& requireArray(FoundMember member, std::string_view key) {
+    return asArray(requireMember(member, key), key);
+}
+
 inline const boost::json::array& requireArray(const boost::json::object& object, std::string_view key) {
-    return asArray(requireMember(object, key), key);
+    return requireArray(FoundMember{object.if_contains(key), &object}, key);
 }
 
 // nullptr when the key is absent.
-inline const boost::json::array* optionalArray(const boost::json::object& object, std::string_view key) {
-    if (const auto* member = object.if_contains(key)) {
+inline const boost::json::array* optionalArray(const boost::json::value* member, std::string_view key) {
+    if (member != nullptr) {
         return &asArray(*member, key);
     }
     return nullptr;
 }
 
+inline const boost::json::array* optionalArray(const boost::json::object& object, std::string_view key) {
+    return optionalArray(object.if_contains(key), key);
+}
+
 // An enumeration member: its raw bytes go to T::stringToEnum. Absent or unknown text gives the
 // default; only a member that is not a string is an error.
 template <class T>
-typename T::Value readEnum(const boost::json::object& object, std::string_view key) {
+typename T::Value readEnum(const boost::json::value* member, std::string_view key) {
     const typename T::Value fallback = T::getDefaultValue();
-    const auto* member = object.if_contains(key);
     if (member == nullptr) {
         return fallback;
     }
@@ -120,6 +230,11 @@ typename T::Value readEnum(const boost::json::object& object, std::string_view k
         diagnostics::unknownEnumText(*member, text);
         return fallback;
     }
+}
+
+template <class T>
+typename T::Value readEnum(const boost::json::object& object, std::string_view key) {
+    return readEnum<T>(object.if_contains(key), key);
 }
 
 property::HeaderInfo readHeader(const boost::json::object& document);

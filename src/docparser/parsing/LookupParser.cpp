@@ -3,6 +3,7 @@
 #include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
+#include "docparser/parsing/TextConversion.hpp"
 
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/parse.hpp>
@@ -22,6 +23,11 @@ using property::RefItemLookup;
 // The arena's first block; later blocks grow geometrically with the file.
 constexpr std::size_t kFirstArenaBlock = 1024;
 
+// The members of a lookup entry, found in one pass over it.
+enum EntryMember : std::size_t { kEntryName, kEntryPurpose, kEntryHref, kEntryType, kEntryFcnType, kEntryDeprecated };
+const detail::MemberLookup<6> kEntryMembers({keys::kName, keys::kRefPurpose, keys::kHref, keys::kType, keys::kFcnType,
+                                             keys::kDeprecated});
+
 } // namespace
 
 DocResource<RefItemLookup> parseLookupDocument(const boost::json::object& document) {
@@ -29,20 +35,24 @@ DocResource<RefItemLookup> parseLookupDocument(const boost::json::object& docume
     const auto& items = detail::requireArray(document, keys::kRefItems);
 
     DocResource<RefItemLookup>::ItemMap byName;
-    // Files are mostly sorted by name: with the last entry as hint, each insertion (or the
-    // find of a repeated name) costs constant time.
+    // Files are mostly sorted by name: a name equal to the previous one joins its entry without
+    // a search, and a new name is tried after the last entry first, which sorted input passes at
+    // once. Unsorted input still finds its place (or its entry) by a search of the tree.
     auto hint = byName.end();
     for (const auto& element : items) {
         const auto& item = detail::asObject(element);
-        auto name = detail::requireString(item, keys::kName, StringParsingType::Utf8);
-        auto purpose = detail::requireString(item, keys::kRefPurpose, StringParsingType::Utf8);
-        auto href = detail::requireString(item, keys::kHref, StringParsingType::Ascii);
-        const auto entityType = detail::readEnum<RefEntityType>(item, keys::kType);
-        const auto functionType = detail::readEnum<FunctionType>(item, keys::kFcnType);
+        const auto member = kEntryMembers.find(item);
+        auto name = detail::requireString(member[kEntryName], keys::kName, StringParsingType::Utf8);
+        auto purpose = detail::requireString(member[kEntryPurpose], keys::kRefPurpose, StringParsingType::Utf8);
+        auto href = detail::requireString(member[kEntryHref], keys::kHref, StringParsingType::Ascii);
+        const auto entityType = detail::readEnum<RefEntityType>(member[kEntryType], keys::kType);
+        const auto functionType = detail::readEnum<FunctionType>(member[kEntryFcnType], keys::kFcnType);
         // Only the key's presence counts: "deprecated": false marks the entry as well.
-        const bool deprecated = item.contains(keys::kDeprecated);
+        const bool deprecated = member[kEntryDeprecated] != nullptr;
 
-        hint = byName.try_emplace(hint, name);
+        if (hint == byName.end() || !text::sameText(hint->first, name)) {
+            hint = byName.try_emplace(byName.end(), name);
+        }
         hint->second.emplace_back(std::move(name), entityType, std::move(purpose), deprecated, std::move(href),
                                   functionType);
     }

@@ -12,6 +12,7 @@
 #include <boost/json/object.hpp>
 #include <boost/json/value.hpp>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,19 @@ namespace reference::docparser {
 
 // `document` must be a JSON object (anything else throws).
 DocResource<property::RefItem> parseRefItemDocument(const boost::json::value& document);
+
+// What a loader will keep of a page document, decided from its header.
+struct PageSelection {
+    bool dropDocument = false; // the whole document will be discarded
+    // Pages (by href) that the loader replaces with others; nullptr: none.
+    const DocResource<property::RefItem>::ItemMap* replacedPages = nullptr;
+};
+using PageSelector = std::function<PageSelection(const property::HeaderInfo&)>;
+
+// As above, but the pages the loader would discard are only checked, not built: the document
+// fails exactly where a full parse fails, and the result lacks those pages (all of them when the
+// document is dropped). `select` is asked once, after the header is read.
+DocResource<property::RefItem> parseRefItemDocument(const boost::json::value& document, const PageSelector& select);
 
 // The item's "syntaxgroup" list; empty when the item has none.
 std::vector<property::SyntaxGroup> parseSyntaxGroups(const boost::json::object& item);

@@ -1,5 +1,6 @@
 #include "docparser/parsing/TextConversion.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -222,18 +223,28 @@ std::size_t decodeSequence(const Byte*& p, const Byte* end, char16_t* out) noexc
 
 } // namespace
 
+// Most texts are short (names, links, one-line purposes), so the ends of a text are handled by
+// one more block that overlaps the last one rather than by a loop over the remaining bytes; the
+// overlap rewrites units with the same values.
 void widenAscii(std::string_view bytes, char16_t* out) noexcept {
     const auto* in = reinterpret_cast<const Byte*>(bytes.data());
     const std::size_t n = bytes.size();
-    std::size_t i = 0;
-    for (; i + 16 <= n; i += 16) {
-        widen16(in + i, out + i);
+    if (n >= 16) {
+        std::size_t i = 0;
+        for (; i + 16 <= n; i += 16) {
+            widen16(in + i, out + i);
+        }
+        if (i < n) {
+            widen16(in + n - 16, out + n - 16);
+        }
+        return;
     }
-    if (i + 8 <= n) {
-        widen8(in + i, out + i);
-        i += 8;
+    if (n >= 8) {
+        widen8(in, out);
+        widen8(in + n - 8, out + n - 8);
+        return;
     }
-    for (; i < n; ++i) {
+    for (std::size_t i = 0; i < n; ++i) {
         out[i] = in[i];
     }
 }
@@ -264,7 +275,19 @@ std::size_t decodeUtf8(std::string_view bytes, char16_t* out) noexcept {
             }
             continue;
         }
-        o += decodeSequence(p, end, o);
+        // CJK text is runs of well-formed three-byte characters: decode those in a loop of their
+        // own; anything else (and the end of the run) goes through the general decoder.
+        while (end - p >= 3 && (p[0] & 0xF0) == 0xE0) {
+            const std::uint32_t cp = ((p[0] & 0x0Fu) << 12) | ((p[1] & 0x3Fu) << 6) | (p[2] & 0x3Fu);
+            if (!isContinuation(p[1]) || !isContinuation(p[2]) || cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF)) {
+                break;
+            }
+            *o++ = static_cast<char16_t>(cp);
+            p += 3;
+        }
+        if (p < end && *p >= 0x80) {
+            o += decodeSequence(p, end, o);
+        }
     }
     return static_cast<std::size_t>(o - out);
 }
@@ -293,24 +316,63 @@ std::u16string utf8ToUtf16(std::string_view bytes) {
 bool isPlainAscii(std::string_view bytes) noexcept {
     const auto* in = reinterpret_cast<const Byte*>(bytes.data());
     const std::size_t n = bytes.size();
-    std::size_t i = 0;
-    for (; i + 16 <= n; i += 16) {
-        if (!plainAscii16(in + i)) {
-            return false;
+    // As in widenAscii, the end of the text is one more (overlapping) block, not a byte loop.
+    if (n >= 16) {
+        std::size_t i = 0;
+        for (; i + 16 <= n; i += 16) {
+            if (!plainAscii16(in + i)) {
+                return false;
+            }
         }
+        return i == n || plainAscii16(in + n - 16);
     }
-    if (i + 8 <= n) {
-        if (outsidePlainAscii8(load8(in + i)) != 0) {
-            return false;
-        }
-        i += 8;
+    if (n >= 8) {
+        return (outsidePlainAscii8(load8(in)) | outsidePlainAscii8(load8(in + n - 8))) == 0;
     }
-    for (; i < n; ++i) {
+    if (n >= 4) {
+        std::uint32_t head;
+        std::uint32_t tail;
+        std::memcpy(&head, in, sizeof head);
+        std::memcpy(&tail, in + n - 4, sizeof tail);
+        return outsidePlainAscii8(head | (std::uint64_t{tail} << 32)) == 0;
+    }
+    for (std::size_t i = 0; i < n; ++i) {
         if (in[i] == 0x00 || in[i] >= 0x7F) {
             return false;
         }
     }
     return true;
+}
+
+bool sameText(std::u16string_view a, std::u16string_view b) noexcept {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
+
+int compareText(std::u16string_view a, std::u16string_view b) noexcept {
+    const std::size_t n = std::min(a.size(), b.size());
+    std::size_t i = 0;
+    for (; i + 4 <= n; i += 4) {
+        std::uint64_t x;
+        std::uint64_t y;
+        std::memcpy(&x, a.data() + i, sizeof x);
+        std::memcpy(&y, b.data() + i, sizeof y);
+        if (x != y) {
+            // The first differing unit decides, compared as a unit (not as bytes).
+            const std::uint64_t difference = x ^ y;
+            if constexpr (std::endian::native == std::endian::little) {
+                i += static_cast<std::size_t>(std::countr_zero(difference)) / 16;
+            } else {
+                i += static_cast<std::size_t>(std::countl_zero(difference)) / 16;
+            }
+            return a[i] < b[i] ? -1 : 1;
+        }
+    }
+    for (; i < n; ++i) {
+        if (a[i] != b[i]) {
+            return a[i] < b[i] ? -1 : 1;
+        }
+    }
+    return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
 }
 
 namespace {

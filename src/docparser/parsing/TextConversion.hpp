@@ -24,6 +24,12 @@ std::string utf16ToUtf8(std::u16string_view text);
 // DEL and every byte >= 0x80 make it false.
 bool isPlainAscii(std::string_view bytes) noexcept;
 
+// Equality and order of UTF-16 texts, the same as std::u16string's (code unit by code unit, a
+// prefix first) but comparing four units at a time, where std::char_traits<char16_t> takes one.
+// The loaders use them on sorted keys, which share long prefixes.
+bool sameText(std::u16string_view a, std::u16string_view b) noexcept;
+int compareText(std::u16string_view a, std::u16string_view b) noexcept;
+
 // The two converters writing into a caller's buffer, for callers that assemble one string
 // from several pieces. `out` must have room for bytes.size() code units: no input yields
 // more units than it has bytes. decodeUtf8 returns the number of units written.

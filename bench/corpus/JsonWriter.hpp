@@ -1,0 +1,103 @@
+#pragma once
+
+// A compact streaming JSON writer: the corpus files are written the way documentation build
+// tools emit them, without whitespace, so that the parse floor is as lean as the data allows.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace refdoc::bench {
+
+class JsonWriter {
+public:
+    void beginObject() { open('{'); }
+    void endObject() { close('}'); }
+    void beginArray() { open('['); }
+    void endArray() { close(']'); }
+
+    // A member name inside an object; the value follows with one of the value calls.
+    void key(std::string_view name) {
+        separate();
+        appendString(name);
+        out_.push_back(':');
+        afterKey_ = true;
+    }
+
+    void string(std::string_view value) {
+        separate();
+        appendString(value);
+    }
+    void boolean(bool value) {
+        separate();
+        out_.append(value ? "true" : "false");
+    }
+
+    void member(std::string_view name, std::string_view value) {
+        key(name);
+        string(value);
+    }
+    void stringArray(std::string_view name, const std::vector<std::string>& values) {
+        key(name);
+        beginArray();
+        for (const auto& value : values) {
+            string(value);
+        }
+        endArray();
+    }
+
+    const std::string& text() const noexcept { return out_; }
+    std::string take() { return std::move(out_); }
+
+private:
+    void open(char bracket) {
+        separate();
+        out_.push_back(bracket);
+        first_.push_back(true);
+    }
+    void close(char bracket) {
+        out_.push_back(bracket);
+        first_.pop_back();
+    }
+    // A comma before every element but the first of its container; none right after a key.
+    void separate() {
+        if (afterKey_) {
+            afterKey_ = false;
+            return;
+        }
+        if (!first_.empty()) {
+            if (!first_.back()) {
+                out_.push_back(',');
+            }
+            first_.back() = false;
+        }
+    }
+    void appendString(std::string_view value) {
+        static constexpr char kHex[] = "0123456789abcdef";
+        out_.push_back('"');
+        for (const char c : value) {
+            const auto byte = static_cast<unsigned char>(c);
+            switch (c) {
+            case '"': out_.append("\\\""); break;
+            case '\\': out_.append("\\\\"); break;
+            case '\n': out_.append("\\n"); break;
+            case '\t': out_.append("\\t"); break;
+            default:
+                if (byte < 0x20) {
+                    out_.append("\\u00");
+                    out_.push_back(kHex[byte >> 4]);
+                    out_.push_back(kHex[byte & 0xF]);
+                } else {
+                    out_.push_back(c); // UTF-8 passes through unescaped
+                }
+            }
+        }
+        out_.push_back('"');
+    }
+
+    std::string out_;
+    std::vector<bool> first_;
+    bool afterKey_ = false;
+};
+
+} // namespace refdoc::bench

@@ -1,0 +1,412 @@
+// refdoc_bench: the loading entries and the text converters measured on a generated corpus, each
+// loading benchmark beside its floor (reading and parsing the same JSON bytes), plus the heap a
+// lookup load holds and peaks at. See bench/README.md.
+//
+//   refdoc_bench [google benchmark flags] [--corpus DIR] [--products N] [--mean-items N]
+//                [--seed N] [--summary DIR] [--label TEXT]
+//
+// Without --corpus a corpus is generated into a temporary folder and removed at exit.
+
+#include "Corpus.hpp"
+#include "Floor.hpp"
+#include "HeapCounter.hpp"
+#include "Host.hpp"
+#include "Summary.hpp"
+
+#include "docparser/parsing/FieldAccess.hpp"
+#include "docparser/parsing/TextConversion.hpp"
+
+#include <reference/docparser/DocResourceParser.hpp>
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using reference::docparser::DocResourceParser;
+using namespace refdoc::bench;
+
+struct Options {
+    fs::path corpus;
+    fs::path summaryDir;
+    std::string label;
+    CorpusOptions generate;
+};
+
+struct Context {
+    fs::path root;
+    Manifest manifest;
+};
+
+// ---- loading benchmarks -----------------------------------------------------------------------
+
+void lookupLibrary(benchmark::State& state, const Context& /*the host is set up for it*/, const std::string& language) {
+    setCurrentLanguage(language);
+    DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> results;
+    for (auto _ : state) {
+        results = DocResourceParser::getResourceLookupFiles();
+        benchmark::DoNotOptimize(results);
+        // Freeing the result is the caller's business, later; it is not part of the load.
+        state.PauseTiming();
+        results = {};
+        state.ResumeTiming();
+    }
+}
+
+void lookupFloor(benchmark::State& state, const Context& context, const std::string& language) {
+    const auto& reads = context.manifest.lookupReads.at(language);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(readAndParse(context.root, reads));
+    }
+}
+
+void pagesLibrary(benchmark::State& state, const Context& context, const std::string& language) {
+    setCurrentLanguage(language);
+    const std::u16string product(context.manifest.largestProduct.begin(), context.manifest.largestProduct.end());
+    DocResourceParser::RefItemFileMap pages;
+    for (auto _ : state) {
+        pages = DocResourceParser::getResourceFile(product);
+        benchmark::DoNotOptimize(pages);
+        state.PauseTiming();
+        pages = {};
+        state.ResumeTiming();
+    }
+}
+
+void pagesFloor(benchmark::State& state, const Context& context, const std::string& language) {
+    const auto files = context.manifest.pageReads(context.manifest.largestProduct, language);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(readAndParse(context.root, files));
+    }
+}
+
+// ---- text converters --------------------------------------------------------------------------
+
+// About 32 KiB: large enough to show the converters' throughput, small enough that input and
+// output stay in the second-level cache and below the allocator's mmap threshold.
+constexpr std::size_t kTextBytes = 32 * 1024;
+
+struct TextSamples {
+    std::string ascii; // English page text (HTML markup and prose)
+    std::string mixed; // Japanese page text: CJK prose with ASCII markup and code names
+    std::string cjk;   // Japanese and Korean purposes without ASCII
+    // Field-sized texts as the parsers meet them, one conversion (and allocation) each.
+    std::vector<std::string> asciiFields; // English one-line purposes
+    std::vector<std::string> cjkFields;   // Japanese one-line purposes
+};
+
+TextSamples makeTextSamples() {
+    Random random(7);
+    TextSamples samples;
+    const TextSource english(Language::English);
+    const TextSource japanese(Language::Japanese);
+    const TextSource korean(Language::Korean);
+    while (samples.ascii.size() < kTextBytes) {
+        samples.ascii += english.description(random, "computeSpectrum", 600);
+    }
+    while (samples.mixed.size() < kTextBytes) {
+        samples.mixed += japanese.description(random, "computeSpectrum", 600);
+    }
+    while (samples.cjk.size() < kTextBytes) {
+        samples.cjk += japanese.purpose(random);
+        samples.cjk += "。";
+        std::string phrase = korean.purpose(random);
+        std::erase(phrase, ' ');
+        samples.cjk += phrase;
+        samples.cjk += "。";
+    }
+    // Whole characters only: cut at a UTF-8 lead byte.
+    const auto trim = [](std::string& text) {
+        std::size_t end = kTextBytes;
+        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+            --end;
+        }
+        text.resize(end);
+    };
+    trim(samples.ascii);
+    trim(samples.mixed);
+    trim(samples.cjk);
+    for (int i = 0; i < 1000; ++i) {
+        samples.asciiFields.push_back(english.purpose(random));
+        samples.cjkFields.push_back(japanese.purpose(random));
+    }
+    return samples;
+}
+
+template <class Convert>
+void convertText(benchmark::State& state, const std::string& text, Convert convert) {
+    for (auto _ : state) {
+        auto converted = convert(std::string_view(text));
+        benchmark::DoNotOptimize(converted.data());
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(text.size()));
+}
+
+void registerTextBenchmarks(const TextSamples& samples) {
+    namespace text = reference::docparser::text;
+    using reference::docparser::detail::StringParsingType;
+    const std::pair<const char*, const std::string*> inputs[] = {
+        {"ascii", &samples.ascii}, {"mixed", &samples.mixed}, {"cjk", &samples.cjk}};
+
+    benchmark::RegisterBenchmark("text/asciiToUtf16/ascii", [&samples](benchmark::State& state) {
+        convertText(state, samples.ascii, [](std::string_view bytes) { return text::asciiToUtf16(bytes); });
+    });
+    for (const auto& [name, input] : inputs) {
+        benchmark::RegisterBenchmark(("text/utf8ToUtf16/" + std::string(name)).c_str(), [input](benchmark::State& state) {
+            convertText(state, *input, [](std::string_view bytes) { return text::utf8ToUtf16(bytes); });
+        });
+    }
+    // What the parsers do with a field read as UTF-8: scan, then widen or decode.
+    for (const auto& [name, input] : inputs) {
+        benchmark::RegisterBenchmark(("text/utf8Field/" + std::string(name)).c_str(), [input](benchmark::State& state) {
+            convertText(state, *input, [](std::string_view bytes) {
+                return reference::docparser::detail::toUtf16(bytes, StringParsingType::Utf8);
+            });
+        });
+    }
+    // Short fields: the per-call cost (allocation included) that the loaders pay per string.
+    const std::pair<const char*, const std::vector<std::string>*> fields[] = {
+        {"ascii fields", &samples.asciiFields}, {"cjk fields", &samples.cjkFields}};
+    for (const auto& [name, list] : fields) {
+        benchmark::RegisterBenchmark(("text/utf8Field/" + std::string(name)).c_str(), [list](benchmark::State& state) {
+            std::int64_t bytes = 0;
+            for (const auto& field : *list) {
+                bytes += static_cast<std::int64_t>(field.size());
+            }
+            for (auto _ : state) {
+                for (const auto& field : *list) {
+                    auto converted = reference::docparser::detail::toUtf16(field, StringParsingType::Utf8);
+                    benchmark::DoNotOptimize(converted.data());
+                }
+            }
+            state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * bytes);
+        });
+    }
+    benchmark::RegisterBenchmark("text/utf16ToUtf8/mixed", [&samples](benchmark::State& state) {
+        const std::u16string wide = text::utf8ToUtf16(samples.mixed);
+        for (auto _ : state) {
+            auto narrow = text::utf16ToUtf8(wide);
+            benchmark::DoNotOptimize(narrow.data());
+        }
+        state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
+                                static_cast<std::int64_t>(samples.mixed.size()));
+    });
+}
+
+// ---- memory -------------------------------------------------------------------------------------
+
+template <class Load>
+MemoryFigure measureMemory(const std::string& name, Load load, const std::function<FloorResult()>& floor) {
+    MemoryFigure figure;
+    figure.name = name;
+    static_cast<void>(load()); // settings, caches and the logger exist before counting starts
+
+    heap::start();
+    figure.jsonBytes = floor().bytes;
+    figure.floorPeakBytes = heap::current().peakBytes;
+    heap::stop();
+
+    heap::start();
+    {
+        auto result = load();
+        const auto held = heap::current();
+        figure.retainedBytes = held.liveBytes;
+        figure.retainedBlocks = held.liveBlocks;
+        figure.peakBytes = held.peakBytes;
+        benchmark::DoNotOptimize(result);
+    }
+    heap::stop();
+    return figure;
+}
+
+std::vector<MemoryFigure> measureMemoryFigures(const Context& context) {
+    std::vector<MemoryFigure> figures;
+    const std::u16string largest(context.manifest.largestProduct.begin(), context.manifest.largestProduct.end());
+    for (const std::string language : {"en", "ja"}) {
+        setCurrentLanguage(language);
+        figures.push_back(measureMemory(
+            "lookup/" + language, [] { return DocResourceParser::getResourceLookupFiles(); },
+            [&] { return readAndParse(context.root, context.manifest.lookupReads.at(language)); }));
+    }
+    for (const std::string language : {"en", "ja"}) {
+        setCurrentLanguage(language);
+        figures.push_back(measureMemory(
+            "pages/" + language, [&largest] { return DocResourceParser::getResourceFile(largest); },
+            [&] { return readAndParse(context.root, context.manifest.pageReads(context.manifest.largestProduct, language)); }));
+    }
+    setCurrentLanguage("en");
+    return figures;
+}
+
+// ---- summary ----------------------------------------------------------------------------------
+
+// Shows the usual console output and keeps, per benchmark, the median of its repetitions (or
+// its single run).
+class CollectingReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const auto& run : runs) {
+            if (run.error_occurred) {
+                continue;
+            }
+            const bool aggregate = run.run_type == Run::RT_Aggregate;
+            if ((aggregate && run.aggregate_name != "median") || (!aggregate && run.repetitions > 1)) {
+                continue;
+            }
+            const double perSecond = benchmark::GetTimeUnitMultiplier(run.time_unit);
+            Measurement measurement{run.GetAdjustedRealTime() / perSecond, run.GetAdjustedCPUTime() / perSecond,
+                                    std::nullopt};
+            if (const auto bytes = run.counters.find("bytes_per_second"); bytes != run.counters.end()) {
+                measurement.bytesPerSecond = bytes->second.value;
+            }
+            measurements[run.run_name.function_name] = measurement;
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+
+    std::map<std::string, Measurement> measurements;
+};
+
+CorpusFigures corpusFigures(const Context& context) {
+    CorpusFigures corpus;
+    const auto& manifest = context.manifest;
+    corpus.seed = std::to_string(manifest.seed);
+    corpus.products = manifest.products.size();
+    for (const auto& product : manifest.products) {
+        corpus.lookupItems += product.items;
+        if (product.name == manifest.largestProduct) {
+            corpus.largestItems = product.items;
+        }
+    }
+    corpus.largestProduct = manifest.largestProduct;
+    for (const std::string language : {"en", "ja"}) {
+        corpus.lookupBytes[language] = readAndParse(context.root, manifest.lookupReads.at(language)).bytes;
+        corpus.pageBytes[language] = readAndParse(context.root, manifest.pageReads(manifest.largestProduct, language)).bytes;
+    }
+    return corpus;
+}
+
+void writeText(const fs::path& path, const std::string& text) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << text;
+    if (!out) {
+        throw std::runtime_error("cannot write " + path.string());
+    }
+}
+
+Options parseOptions(int argc, char** argv) {
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view arg = argv[i];
+        const auto value = [&]() -> std::string {
+            if (i + 1 >= argc) {
+                throw std::invalid_argument(std::string(arg) + " needs a value");
+            }
+            return argv[++i];
+        };
+        if (arg == "--corpus") {
+            options.corpus = value();
+        } else if (arg == "--summary") {
+            options.summaryDir = value();
+        } else if (arg == "--label") {
+            options.label = value();
+        } else if (arg == "--products") {
+            options.generate.products = std::stoi(value());
+        } else if (arg == "--mean-items") {
+            options.generate.meanItems = std::stod(value());
+        } else if (arg == "--seed") {
+            options.generate.seed = std::stoull(value());
+        } else {
+            throw std::invalid_argument("unknown argument " + std::string(arg));
+        }
+    }
+    return options;
+}
+
+// A generated corpus in a temporary folder, removed with everything in it at exit.
+class TemporaryCorpus {
+public:
+    explicit TemporaryCorpus(const CorpusOptions& options) {
+        std::random_device entropy;
+        path_ = fs::temp_directory_path() / ("refdoc-bench-" + std::to_string(entropy()));
+        fs::create_directories(path_);
+        generateCorpus(path_, options);
+    }
+    ~TemporaryCorpus() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    TemporaryCorpus(const TemporaryCorpus&) = delete;
+    TemporaryCorpus& operator=(const TemporaryCorpus&) = delete;
+
+    const fs::path& path() const noexcept { return path_; }
+
+private:
+    fs::path path_;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    try {
+        const Options options = parseOptions(argc, argv);
+        std::unique_ptr<TemporaryCorpus> temporary;
+        Context context;
+        if (options.corpus.empty()) {
+            temporary = std::make_unique<TemporaryCorpus>(options.generate);
+            context.root = temporary->path();
+        } else {
+            context.root = options.corpus;
+        }
+        context.manifest = readManifest(context.root);
+        configureHost(context.root, context.manifest, "en");
+
+        for (const std::string language : {"en", "ja"}) {
+            benchmark::RegisterBenchmark(("lookup/" + language + "/library").c_str(), lookupLibrary, context, language)
+                ->Unit(benchmark::kMillisecond);
+            benchmark::RegisterBenchmark(("lookup/" + language + "/floor").c_str(), lookupFloor, context, language)
+                ->Unit(benchmark::kMillisecond);
+            benchmark::RegisterBenchmark(("pages/" + language + "/library").c_str(), pagesLibrary, context, language)
+                ->Unit(benchmark::kMillisecond);
+            benchmark::RegisterBenchmark(("pages/" + language + "/floor").c_str(), pagesFloor, context, language)
+                ->Unit(benchmark::kMillisecond);
+        }
+        const TextSamples samples = makeTextSamples();
+        registerTextBenchmarks(samples);
+
+        Summary summary;
+        summary.label = options.label;
+        summary.corpus = corpusFigures(context);
+        summary.memory = measureMemoryFigures(context);
+
+        CollectingReporter reporter;
+        benchmark::RunSpecifiedBenchmarks(&reporter);
+        summary.measurements = reporter.measurements;
+        buildRows(summary);
+
+        const std::string markdown = toMarkdown(summary);
+        std::cout << "\n" << markdown;
+        if (!options.summaryDir.empty()) {
+            fs::create_directories(options.summaryDir);
+            writeText(options.summaryDir / "summary.md", markdown);
+            writeText(options.summaryDir / "summary.json", toJson(summary));
+        }
+    } catch (const std::exception& error) {
+        std::cerr << "refdoc_bench: " << error.what() << "\n";
+        benchmark::Shutdown();
+        return 1;
+    }
+    benchmark::Shutdown();
+    return 0;
+}
