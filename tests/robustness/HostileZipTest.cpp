@@ -159,6 +159,13 @@ const ZipCase kCases[] = {
              .write(package);
      },
      {"kept"}},
+    // A reader that trusted the declared size would claim 200 MiB for 100 bytes of data.
+    {"declared_size_within_the_bound_far_beyond_the_data",
+     [](const fs::path& package) {
+         ZipBuilder().add("bomb.json", hostileLookup("bomb")).add("kept.json", hostileLookup("kept")).write(package);
+         patchZipEntryUncompressedSize(package, "bomb.json", static_cast<std::uint32_t>(200 * kMiB));
+     },
+     {"kept"}},
     {"data_far_longer_than_declared",
      [](const fs::path& package) {
          ZipBuilder().add("bomb.json", hostileLookup("bomb") + std::string(64 * kMiB, ' ')).add("kept.json", hostileLookup("kept")).write(package);
