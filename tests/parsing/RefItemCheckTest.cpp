@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -241,6 +242,35 @@ TEST(RefItemCheck, DiscardedPagesAreNotBuiltAndTheOthersAreBuiltAsUsual) {
     auto expected = full.getItems();
     expected.erase(u"ref/plot.html");
     EXPECT_EQ(selective.getItems(), expected);
+}
+
+// Pages are filed by href next to the previous page's entry when the order allows; in any order
+// the grouping must be that of a plain find-or-insert, each group in file order.
+TEST(RefItemCheck, PagesGatherByHrefWhateverTheirOrder) {
+    const std::vector<std::vector<std::string>> orders = {
+        {"a", "b", "c", "d"},
+        {"d", "c", "b", "a"},
+        {"a", "b", "b", "c", "b", "a"},
+        {"b", "a", "c", "ab", "aa", "b", "ca", "c"},
+        {"ref/x.html", "ref/X.html", "ref/x.html", "ref/w.html", "ref/y.html", "ref/X.html"},
+    };
+    for (const auto& hrefs : orders) {
+        auto document = documentObject("tb", "TB");
+        std::map<std::u16string, std::vector<std::u16string>> expected;
+        for (std::size_t i = 0; i < hrefs.size(); ++i) {
+            const std::string purpose = "page " + std::to_string(i);
+            document["refItems"].as_array().push_back(boost::json::object{{"href", hrefs[i]}, {"refpurpose", purpose}});
+            expected[refdoc::test::widen(hrefs[i])].push_back(refdoc::test::widen(purpose));
+        }
+        const auto resource = parseRefItemDocument(document);
+        std::map<std::u16string, std::vector<std::u16string>> actual;
+        for (const auto& [href, pages] : resource.getItems()) {
+            for (const auto& page : pages) {
+                actual[href].push_back(page.getPurpose());
+            }
+        }
+        EXPECT_EQ(actual, expected) << hrefs.size() << " pages, first " << hrefs.front();
+    }
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -270,6 +271,24 @@ std::vector<SyntaxGroup> readSyntaxGroups(const boost::json::value* groupList) {
     });
 }
 
+// The map entry for a page's href, found or made next to `previous`, the entry the last page went
+// to. Page files are mostly in link order, with a link now and then a little out of it: a link is
+// usually `previous`'s own (a page with several entries), right after it, or right before it,
+// and only links far out of order take the map's search. The result is that of an ordinary
+// find-or-insert.
+DocResource<RefItem>::ItemMap::iterator pageEntry(DocResource<RefItem>::ItemMap& pages,
+                                                 DocResource<RefItem>::ItemMap::iterator previous,
+                                                 const std::u16string& href) {
+    if (previous == pages.end()) {
+        return pages.try_emplace(pages.end(), href);
+    }
+    const int order = text::compareText(previous->first, href);
+    if (order == 0) {
+        return previous;
+    }
+    return pages.try_emplace(order < 0 ? std::next(previous) : previous, href);
+}
+
 // ---- checks without building -------------------------------------------------------------
 //
 // The same reads as above, in the same order, keeping only what can fail: a page that is checked
@@ -471,11 +490,7 @@ DocResource<RefItem> parseRefItemDocument(const boost::json::value& document, co
         auto examples = parseExamples(member[kItemExamples]);
         auto parameters = parseParameters(member[kItemParameters], href);
 
-        // As in lookup files: a repeated href joins the previous entry, a new one is tried after
-        // the last entry first, and only out-of-order hrefs search the tree.
-        if (hint == byHref.end() || !text::sameText(hint->first, href)) {
-            hint = byHref.try_emplace(byHref.end(), href);
-        }
+        hint = pageEntry(byHref, hint, href);
         hint->second.emplace_back(std::move(href), std::move(entities.list), std::move(packageName),
                                   std::move(purpose), std::move(introduced), std::move(description),
                                   std::move(thumbnailFileRef), std::move(thumbnailAltText), deprecationStatus,
