@@ -79,7 +79,10 @@ TEST(LookupParser, DeprecatedFlagFollowsPresenceOnly) {
         {R"("deprecated": "no")", true},
     };
     for (const auto& c : cases) {
-        const auto document = documentObject("f", "B", "[" + item("a", c.member) + "]");
+        std::string items = "[";
+        items += item("a", c.member);
+        items += "]";
+        const auto document = documentObject("f", "B", items);
         const auto resource = parseLookupDocument(document);
         EXPECT_EQ(resource.getItems().at(u"a").at(0).isDeprecated(), c.deprecated) << c.member;
     }
