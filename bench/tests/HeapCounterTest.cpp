@@ -18,14 +18,23 @@ struct alignas(64) Aligned {
     char bytes[256];
 };
 
+// Hands a pointer to code the optimizer cannot see through: without it, an optimized build may
+// drop a new/delete pair altogether (the language allows it), and the counter would see nothing.
+template <class T>
+T* escape(T* pointer) {
+    asm volatile("" : : "g"(pointer) : "memory");
+    return pointer;
+}
+
 TEST(HeapCounter, CountsLiveAndPeakBytesOfEveryAllocationForm) {
     heap::start();
     EXPECT_EQ(heap::current().liveBytes, 0);
 
-    auto* plain = new std::vector<char>(10000);
-    auto* array = new char[5000];
-    auto* aligned = new Aligned[4];
-    auto* nothrow = new (std::nothrow) char[3000];
+    auto* plain = escape(new std::vector<char>(10000));
+    escape(plain->data());
+    auto* array = escape(new char[5000]);
+    auto* aligned = escape(new Aligned[4]);
+    auto* nothrow = escape(new (std::nothrow) char[3000]);
     const auto held = heap::current();
     EXPECT_GE(held.liveBytes, 10000 + 5000 + 4 * 256 + 3000);
     EXPECT_EQ(held.liveBlocks, 5); // the vector, its buffer, and three arrays
@@ -42,6 +51,7 @@ TEST(HeapCounter, CountsLiveAndPeakBytesOfEveryAllocationForm) {
 
     heap::stop();
     auto unseen = std::make_unique<std::string>(1000, 'x');
+    escape(unseen.get());
     EXPECT_EQ(heap::current().liveBytes, 0);
 }
 
