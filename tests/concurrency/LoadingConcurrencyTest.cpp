@@ -26,29 +26,13 @@ class LoadingConcurrency : public HostSettingsFixture {
 protected:
     void SetUp() override {
         HostSettingsFixture::SetUp();
-        writeRoot(rootA_, "A");
-        writeRoot(rootB_, "B");
+        writeSettingsProbeRoot(rootA_, "A");
+        writeSettingsProbeRoot(rootB_, "B");
         // The installation's support packages, used whenever the cache is cleared.
         std::filesystem::create_directories(installation_.path() / "sp_installed");
         SupportPackageRootReader::setSupportPackageRoot(installation_.u16());
         doclanguage::DocLanguage::getInstance().setSupportedDocLanguages({u"en", u"ja"});
         doclanguage::DocLanguage::getInstance().setDocLanguage(u"ja");
-    }
-
-    static void writeRoot(const TempDir& root, const std::string& tag) {
-        const std::filesystem::path lookup = "docCatalog/referenceapi_lookup";
-        const std::filesystem::path pages = "docCatalog/referenceapi";
-        root.write(lookup / "one.json",
-                   fileText(lookupDocument({"One " + tag, "ONE", "one"}, {{"f", "f " + tag}, {"g", "g " + tag}}),
-                            {lookupDocument({"SP", "sp_test", "sp"}, {{"s", "s " + tag}}),
-                             lookupDocument({"SP2", "sp_installed", "sp2"}, {{"t", "t " + tag}})}));
-        root.write(lookup / "one_ja.json", fileText(lookupDocument({"ワン " + tag, "ONE", "one"}, {{"f", "エフ"}})));
-        ZipBuilder()
-            .add("two.json", fileText(lookupDocument({"Two " + tag, "TWO", "two"}, {{"h", "h " + tag}})))
-            .add("two_ja.json", fileText(lookupDocument({"ツー", "TWO", "two"}, {{"h", "エイチ"}})))
-            .write(root.path() / lookup / "two.zip");
-        root.write(pages / "one.json", fileText(pageDocument({"One " + tag, "ONE", "one"}, {{"p", "p " + tag}})));
-        root.write(pages / "one_ja.json", fileText(pageDocument({"ワン", "ONE", "one"}, {{"q", "q " + tag}})));
     }
 
     struct Settings {

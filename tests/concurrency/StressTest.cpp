@@ -65,8 +65,8 @@ class Stress : public HostSettingsFixture {
 protected:
     void SetUp() override {
         HostSettingsFixture::SetUp();
-        writeRoot(rootA_, "A");
-        writeRoot(rootB_, "B");
+        writeSettingsProbeRoot(rootA_, "A");
+        writeSettingsProbeRoot(rootB_, "B");
         std::filesystem::create_directories(installation_.path() / "sp_installed");
         doclanguage::DocLanguage::getInstance().setSupportedDocLanguages({u"en", u"ja"});
         // The host's defaults are one of the combinations: root A, the product "one" and the
@@ -75,26 +75,6 @@ protected:
         doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache()->setInstalledTopLevelDocProducts(
             {std::make_shared<const doc_products_shared::TopLevelDocProduct>("one", "One", "help/one", "ONE", "", "")});
         SupportPackageRootReader::setSupportPackageRoot(installation_.u16());
-    }
-
-    // Every setting shows in the lookups: the root in the texts, the product and the support
-    // packages in what is installed, the language in the Japanese variants (loose and packed).
-    // The pages show the root and the language, in the pages of either language.
-    static void writeRoot(const TempDir& root, const std::string& tag) {
-        const std::filesystem::path lookup = "docCatalog/referenceapi_lookup";
-        const std::filesystem::path pages = "docCatalog/referenceapi";
-        root.write(lookup / "one.json",
-                   fileText(lookupDocument({"One " + tag, "ONE", "one"}, {{"f", "f " + tag}, {"g", "g " + tag}}),
-                            {lookupDocument({"Test package", "sp_test", "spt"}, {{"s", "s " + tag}}),
-                             lookupDocument({"Installed package", "sp_installed", "spi"}, {{"t", "t " + tag}})}));
-        root.write(lookup / "one_ja.json", fileText(lookupDocument({"ワン " + tag, "ONE", "one"}, {{"f", "エフ"}})));
-        ZipBuilder()
-            .add("two.json", fileText(lookupDocument({"Two " + tag, "TWO", "two"}, {{"h", "h " + tag}})))
-            .add("two_ja.json", fileText(lookupDocument({"ツー", "TWO", "two"}, {{"h", "エイチ"}})))
-            .write(root.path() / lookup / "two.zip");
-        root.write(pages / "one.json",
-                   fileText(pageDocument({"One " + tag, "ONE", "one"}, {{"one/p.html", "p " + tag}, {"one/r.html", "r " + tag}})));
-        root.write(pages / "one_ja.json", fileText(pageDocument({"ワン", "ONE", "one"}, {{"one/p.html", "ピー " + tag}})));
     }
 
     static void apply(const Combination& c) {

@@ -2,6 +2,8 @@
 
 #include <reference/docparser/DocResourceParser.hpp>
 
+#include "support/TempDir.hpp"
+
 #include <boost/json/object.hpp>
 
 #include <map>
@@ -40,5 +42,11 @@ LookupSummary summarize(const reference::docparser::DocResourceParser::LookupRes
 // The same for page results: key -> (product name, href -> purposes in list order).
 using PageSummary = LookupSummary;
 PageSummary summarize(const reference::docparser::DocResourceParser::RefItemFileMap& resources);
+
+// A documentation root for the concurrency tests, in which every setting shows in the results:
+// the root's `tag` in the texts, the installed product ("one" or "two") and support packages
+// ("sp_test", "sp_installed") in what is installed, the language in the Japanese variants (loose
+// and packed), and root and language in the pages of product "one".
+void writeSettingsProbeRoot(const TempDir& root, const std::string& tag);
 
 } // namespace refdoc::test

@@ -417,9 +417,9 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
 
 Command checkCommand() {
     Command command;
-    command.spec.name = "check";
-    addHostOptions(command.spec);
-    command.spec.flags = {"--json", "--quiet"};
+    command.syntax.name = "check";
+    addHostOptions(command.syntax);
+    command.syntax.flags = {"--json", "--quiet"};
     command.summary = "read every lookup and page file and report each one the library would drop";
     command.help =
         "Usage: refdoc check [options]\n"

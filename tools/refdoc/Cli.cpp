@@ -10,7 +10,7 @@ std::optional<std::string> ParsedArgs::value(const std::string& option) const {
     return found->second;
 }
 
-ParsedArgs parseArgs(const CommandSpec& spec, const std::vector<std::string>& args) {
+ParsedArgs parseArgs(const CommandSyntax& syntax, const std::vector<std::string>& args) {
     ParsedArgs parsed;
     bool optionsEnded = false;
     for (std::size_t i = 0; i < args.size(); ++i) {
@@ -25,15 +25,15 @@ ParsedArgs parseArgs(const CommandSpec& spec, const std::vector<std::string>& ar
         }
         const std::size_t equals = arg.find('=');
         const std::string name = arg.substr(0, equals);
-        if (spec.flags.count(name) != 0) {
+        if (syntax.flags.count(name) != 0) {
             if (equals != std::string::npos) {
                 throw UsageError("option " + name + " takes no value");
             }
             parsed.flags.insert(name);
             continue;
         }
-        if (spec.valueOptions.count(name) == 0) {
-            throw UsageError("unknown option " + name + " for '" + spec.name + "'");
+        if (syntax.valueOptions.count(name) == 0) {
+            throw UsageError("unknown option " + name + " for '" + syntax.name + "'");
         }
         std::string value;
         if (equals != std::string::npos) {
@@ -47,11 +47,11 @@ ParsedArgs parseArgs(const CommandSpec& spec, const std::vector<std::string>& ar
             throw UsageError("option " + name + " given more than once");
         }
     }
-    if (parsed.positionals.size() < spec.minPositionals) {
-        throw UsageError("'" + spec.name + "' needs " + spec.positionalName);
+    if (parsed.positionals.size() < syntax.minPositionals) {
+        throw UsageError("'" + syntax.name + "' needs " + syntax.positionalName);
     }
-    if (parsed.positionals.size() > spec.maxPositionals) {
-        throw UsageError("unexpected argument '" + parsed.positionals[spec.maxPositionals] + "' for '" + spec.name +
+    if (parsed.positionals.size() > syntax.maxPositionals) {
+        throw UsageError("unexpected argument '" + parsed.positionals[syntax.maxPositionals] + "' for '" + syntax.name +
                          "'");
     }
     return parsed;

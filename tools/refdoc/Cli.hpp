@@ -19,7 +19,7 @@ public:
 };
 
 // What one command accepts.
-struct CommandSpec {
+struct CommandSyntax {
     std::string name;
     std::set<std::string> valueOptions; // e.g. "--root"
     std::set<std::string> flags;        // e.g. "--json"
@@ -39,6 +39,6 @@ struct ParsedArgs {
 
 // Throws UsageError for an unknown option, an option without its value, a repeated option and
 // too few or too many positional arguments. "--" ends the options; a lone "-" is positional.
-ParsedArgs parseArgs(const CommandSpec& spec, const std::vector<std::string>& args);
+ParsedArgs parseArgs(const CommandSyntax& syntax, const std::vector<std::string>& args);
 
 } // namespace refdoc::tool

@@ -14,7 +14,7 @@ inline constexpr int kExitProblem = 1; // something was dropped, or nothing was 
 inline constexpr int kExitUsage = 2;
 
 struct Command {
-    CommandSpec spec;
+    CommandSyntax syntax;
     std::string summary; // one line for the overview
     std::string help;    // the whole --help text
     int (*run)(const ParsedArgs& args, std::ostream& out, std::ostream& err);

@@ -152,13 +152,13 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command findCommand() {
     Command command;
-    command.spec.name = "find";
-    addHostOptions(command.spec);
-    command.spec.valueOptions.insert("--limit");
-    command.spec.flags = {"--json"};
-    command.spec.minPositionals = 1;
-    command.spec.maxPositionals = static_cast<std::size_t>(-1);
-    command.spec.positionalName = "the TEXT to search for";
+    command.syntax.name = "find";
+    addHostOptions(command.syntax);
+    command.syntax.valueOptions.insert("--limit");
+    command.syntax.flags = {"--json"};
+    command.syntax.minPositionals = 1;
+    command.syntax.maxPositionals = static_cast<std::size_t>(-1);
+    command.syntax.positionalName = "the TEXT to search for";
     command.summary = "search the lookup names (exact, then prefix, then substring matches)";
     command.help = "Usage: refdoc find TEXT [TEXT...] [options]\n"
                    "\n"

@@ -103,8 +103,8 @@ std::vector<std::u16string> toUtf16List(const std::vector<std::string>& items) {
 
 } // namespace
 
-void addHostOptions(CommandSpec& spec) {
-    spec.valueOptions.insert({"--root", "--lang", "--languages", "--installed", "--support-packages"});
+void addHostOptions(CommandSyntax& syntax) {
+    syntax.valueOptions.insert({"--root", "--lang", "--languages", "--installed", "--support-packages"});
 }
 
 std::filesystem::path findSampleRoot() {

@@ -27,7 +27,7 @@ struct HostSettings {
 };
 
 // The options every command that loads data accepts.
-void addHostOptions(CommandSpec& spec);
+void addHostOptions(CommandSyntax& syntax);
 
 // The settings for `args`. Throws UsageError for a root that is missing or not a documentation
 // root, for a malformed language code and for a host file that cannot be used.

@@ -84,9 +84,9 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command lookupCommand() {
     Command command;
-    command.spec.name = "lookup";
-    addHostOptions(command.spec);
-    command.spec.flags = {"--json"};
+    command.syntax.name = "lookup";
+    addHostOptions(command.syntax);
+    command.syntax.flags = {"--json"};
     command.summary = "list every product's lookup index: key, installed or not, product name, items";
     command.help = "Usage: refdoc lookup [options]\n"
                    "\n"

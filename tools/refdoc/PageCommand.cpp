@@ -188,12 +188,12 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command pageCommand() {
     Command command;
-    command.spec.name = "page";
-    addHostOptions(command.spec);
-    command.spec.flags = {"--json"};
-    command.spec.minPositionals = 1;
-    command.spec.maxPositionals = 1;
-    command.spec.positionalName = "a product NAME";
+    command.syntax.name = "page";
+    addHostOptions(command.syntax);
+    command.syntax.flags = {"--json"};
+    command.syntax.minPositionals = 1;
+    command.syntax.maxPositionals = 1;
+    command.syntax.positionalName = "a product NAME";
     command.summary = "show one product's reference pages";
     command.help = "Usage: refdoc page NAME [options]\n"
                    "\n"

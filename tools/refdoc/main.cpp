@@ -43,7 +43,7 @@ namespace {
 std::vector<Command> allCommands() {
     std::vector<Command> commands{lookupCommand(), pageCommand(), findCommand(), checkCommand()};
     for (auto& command : commands) {
-        command.spec.flags.insert("--log");
+        command.syntax.flags.insert("--log");
     }
     return commands;
 }
@@ -55,7 +55,7 @@ void printOverview(std::ostream& out, const std::vector<Command>& commands) {
            "\n"
            "Commands:\n";
     for (const auto& command : commands) {
-        out << "  " << command.spec.name << std::string(8 - command.spec.name.size(), ' ') << command.summary << '\n';
+        out << "  " << command.syntax.name << std::string(8 - command.syntax.name.size(), ' ') << command.summary << '\n';
     }
     out << "\n'refdoc COMMAND --help' describes a command and its options. With no --root the\n"
            "commands read the bundled sample documentation root.\n";
@@ -91,7 +91,7 @@ int run(const std::vector<std::string>& argv) {
     if (argv.empty() || argv.front() == "--help" || argv.front() == "-h" || argv.front() == "help") {
         if (argv.size() >= 2 && argv.front() == "help") {
             for (const auto& command : commands) {
-                if (command.spec.name == argv[1]) {
+                if (command.syntax.name == argv[1]) {
                     std::cout << command.help;
                     return kExitOk;
                 }
@@ -108,7 +108,7 @@ int run(const std::vector<std::string>& argv) {
     }
     const Command* command = nullptr;
     for (const auto& candidate : commands) {
-        if (candidate.spec.name == argv.front()) {
+        if (candidate.syntax.name == argv.front()) {
             command = &candidate;
         }
     }
@@ -123,7 +123,7 @@ int run(const std::vector<std::string>& argv) {
         return kExitOk;
     }
     try {
-        const ParsedArgs parsed = parseArgs(command->spec, args);
+        const ParsedArgs parsed = parseArgs(command->syntax, args);
         // The library logs nothing a user needs; its file-access records only on request.
         reference::docparser::diagnosticLogger().setEnabledSeverities(0);
         if (parsed.has("--log")) {
@@ -131,7 +131,7 @@ int run(const std::vector<std::string>& argv) {
         }
         return command->run(parsed, std::cout, std::cerr);
     } catch (const UsageError& e) {
-        std::cerr << "refdoc: " << e.what() << "\nTry 'refdoc " << command->spec.name << " --help'.\n";
+        std::cerr << "refdoc: " << e.what() << "\nTry 'refdoc " << command->syntax.name << " --help'.\n";
         return kExitUsage;
     }
 }

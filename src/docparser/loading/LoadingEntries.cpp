@@ -2,12 +2,12 @@
 
 #include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/loading/InstalledProducts.hpp"
+#include "docparser/loading/OrderedMerge.hpp"
 #include "docparser/loading/RefItemFile.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/LookupParser.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
-#include "docparser/parsing/TextConversion.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
@@ -77,23 +77,6 @@ std::string readPageText(const std::u16string& path) {
     }
 }
 
-// Moves the pages of `from` whose link `into` lacks over into `into`, as whole tree nodes. Both
-// maps are ordered by link, so one walk over the two finds every place with one comparison per
-// step (what map::merge does with a tree search per page).
-void moveMissingPages(DocResource<property::RefItem>::ItemMap& from, DocResource<property::RefItem>::ItemMap& into) {
-    auto position = into.begin();
-    for (auto next = from.begin(); next != from.end();) {
-        const auto current = next++;
-        int order = 1;
-        while (position != into.end() && (order = text::compareText(position->first, current->first)) < 0) {
-            ++position;
-        }
-        if (position == into.end() || order > 0) {
-            into.insert(position, from.extract(current));
-        }
-    }
-}
-
 // Joins a folder and a file name with one separator; an empty folder leaves the name alone.
 std::u16string joinPath(const std::u16string& folder, const std::u16string& fileName) {
     if (folder.empty()) {
@@ -152,7 +135,8 @@ DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::
             english.insert(localized.extract(current));
             continue;
         }
-        moveMissingPages(englishEntry->second.getItems(), current->second.getItems());
+        // English pages whose link the translation lacks move over; the others are dropped.
+        mergeOrderedMaps(englishEntry->second.getItems(), current->second.getItems(), [](auto&, auto&) {});
         englishEntry->second = std::move(current->second);
     }
     return english;

@@ -1,4 +1,4 @@
-#include "docparser/parsing/TextConversion.hpp"
+#include "docparser/loading/OrderedMerge.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
@@ -19,26 +19,9 @@ void DocResourceParser::ParsingTools::mergeResourceFiles(T& target, T&& source, 
     auto& winner = target.getItems();
     auto& fallback = source.getItems();
 
-    // Both maps are ordered by name, so one walk over the two finds every name's place: names the
-    // winner lacks move over as whole nodes (inserted right before their successor), names both
-    // have are combined below. This is what map::merge followed by a find per shared name
-    // produces, with one comparison per step instead of two tree searches per name.
-    auto position = winner.begin();
-    for (auto next = fallback.begin(); next != fallback.end();) {
-        const auto current = next++;
-        int order = 1;
-        while (position != winner.end() && (order = text::compareText(position->first, current->first)) < 0) {
-            ++position;
-        }
-        if (position == winner.end() || order > 0) {
-            winner.insert(position, fallback.extract(current));
-            continue;
-        }
-        auto& winnerItems = position->second;
-        auto& fallbackItems = current->second;
-
+    mergeOrderedMaps(fallback, winner, [](auto& winnerItems, auto& fallbackItems) {
         if (fallbackItems.empty() || winnerItems.size() >= fallbackItems.size()) {
-            continue;
+            return;
         }
         // The links the list holds so far. A set keeps this linear: scanning the growing list for
         // each item would make a fallback with many items under one name cost quadratic time.
@@ -53,7 +36,7 @@ void DocResourceParser::ParsingTools::mergeResourceFiles(T& target, T&& source, 
                 winnerItems.push_back(std::move(item));
             }
         }
-    }
+    });
 }
 
 template void DocResourceParser::ParsingTools::mergeResourceFiles<DocResource<property::RefItemLookup>>(
