@@ -1,6 +1,6 @@
 #include "FuzzTargets.hpp"
 
-#include "docparser/loading/RefItemFile.hpp"
+#include "docparser/parsing/RefItemFile.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 

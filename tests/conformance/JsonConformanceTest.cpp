@@ -10,7 +10,7 @@
 // Either way no i_ document is a resource document, so each counts as absent, and an accepted
 // one, used as the value of a member the formats do not read, changes nothing.
 
-#include "docparser/loading/RefItemFile.hpp"
+#include "docparser/parsing/RefItemFile.hpp"
 #include "docparser/parsing/LookupParser.hpp"
 
 #include "support/HostSettingsFixture.hpp"

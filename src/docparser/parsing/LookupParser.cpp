@@ -59,7 +59,7 @@ DocResource<RefItemLookup> parseLookupDocument(const boost::json::object& docume
     return DocResource<RefItemLookup>(std::move(header), std::move(byName));
 }
 
-DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
+DocResourceParser::LookupResourceMap parseLookupFileTree(const std::string& text) {
     DocResourceParser::LookupResourceMap result;
 
     // The whole tree lives in one arena and goes with it at once, also when parsing fails.
@@ -81,6 +81,10 @@ DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
         }
     }
     return result;
+}
+
+DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
+    return parseLookupFileTree(text);
 }
 
 DocResourceParser::LookupResourceMap lookupFileParser(const std::string& text) {

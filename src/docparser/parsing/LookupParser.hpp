@@ -20,6 +20,10 @@ namespace reference::docparser {
 // member of the wrong kind. Nothing of a failed file is returned.
 DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text);
 
+// The same outcome by the reference reading: the whole text parsed into a tree first, then
+// walked. Kept for differential tests against the reading above.
+DocResourceParser::LookupResourceMap parseLookupFileTree(const std::string& text);
+
 // One document object to its header and its entries grouped by name, in file order.
 DocResource<property::RefItemLookup> parseLookupDocument(const boost::json::object& document);
 

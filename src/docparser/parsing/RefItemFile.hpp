@@ -17,4 +17,9 @@ namespace reference::docparser {
 DocResourceParser::RefItemFileMap parseRefItemFile(const std::string& text,
                                                    const DocResourceParser::RefItemFileMap* replacement = nullptr);
 
+// The same outcome by the reference reading: the whole text parsed into a tree first, then
+// walked. Kept for differential tests against the reading above.
+DocResourceParser::RefItemFileMap parseRefItemFileTree(const std::string& text,
+                                                       const DocResourceParser::RefItemFileMap* replacement = nullptr);
+
 } // namespace reference::docparser
