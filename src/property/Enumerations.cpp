@@ -52,12 +52,18 @@ constexpr EnumSpelling<DeprecationStatus::Value> kDeprecationStates[] = {
 RefEntityType::Value RefEntityType::stringToEnum(std::string_view text) {
     return detail::lookupSpelling(kRefEntityTypes, text, "RefEntityType");
 }
+bool RefEntityType::tryStringToEnum(std::string_view text, Value& value) noexcept {
+    return detail::findSpelling(kRefEntityTypes, text, value);
+}
 std::string_view RefEntityType::toString(Value value) noexcept {
     return detail::spellingOf(kRefEntityTypes, value);
 }
 
 FunctionType::Value FunctionType::stringToEnum(std::string_view text) {
     return detail::lookupSpelling(kFunctionTypes, text, "FunctionType");
+}
+bool FunctionType::tryStringToEnum(std::string_view text, Value& value) noexcept {
+    return detail::findSpelling(kFunctionTypes, text, value);
 }
 std::string_view FunctionType::toString(Value value) noexcept {
     return detail::spellingOf(kFunctionTypes, value);
@@ -66,12 +72,18 @@ std::string_view FunctionType::toString(Value value) noexcept {
 SyntaxType::Value SyntaxType::stringToEnum(std::string_view text) {
     return detail::lookupSpelling(kSyntaxTypes, text, "SyntaxType");
 }
+bool SyntaxType::tryStringToEnum(std::string_view text, Value& value) noexcept {
+    return detail::findSpelling(kSyntaxTypes, text, value);
+}
 std::string_view SyntaxType::toString(Value value) noexcept {
     return detail::spellingOf(kSyntaxTypes, value);
 }
 
 DeprecationStatus::Value DeprecationStatus::stringToEnum(std::string_view text) {
     return detail::lookupSpelling(kDeprecationStates, text, "DeprecationStatus");
+}
+bool DeprecationStatus::tryStringToEnum(std::string_view text, Value& value) noexcept {
+    return detail::findSpelling(kDeprecationStates, text, value);
 }
 std::string_view DeprecationStatus::toString(Value value) noexcept {
     return detail::spellingOf(kDeprecationStates, value);

@@ -38,6 +38,9 @@ public:
 
     // Exact, case-sensitive match of a JSON text; throws std::invalid_argument otherwise.
     static Value stringToEnum(std::string_view text);
+    // The same match without an exception: false, and `value` untouched, for a text that names
+    // no value. The parsers use it, since data written elsewhere often has spellings not listed.
+    static bool tryStringToEnum(std::string_view text, Value& value) noexcept;
     static Value getDefaultValue() noexcept { return Unspecified; }
     // The JSON text of a value; "" for Unspecified and for numbers outside the table.
     static std::string_view toString(Value value) noexcept;

@@ -19,7 +19,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -169,6 +168,14 @@ inline std::u16string toUtf16(std::string_view bytes, StringParsingType type) {
     return text::utf8ToUtf16(bytes);
 }
 
+// The two readings of a text field, as functions for the streaming formats' tables.
+inline std::u16string asciiField(std::string_view bytes) {
+    return toUtf16(bytes, StringParsingType::Ascii);
+}
+inline std::u16string utf8Field(std::string_view bytes) {
+    return toUtf16(bytes, StringParsingType::Utf8);
+}
+
 // The readers below take either the object and the key, or the member already found (nullptr
 // when absent) and its key, which names it when the read fails.
 
@@ -213,23 +220,20 @@ inline const boost::json::array* optionalArray(const boost::json::object& object
     return optionalArray(object.if_contains(key), key);
 }
 
-// An enumeration member: its raw bytes go to T::stringToEnum. Absent or unknown text gives the
-// default; only a member that is not a string is an error.
+// An enumeration member: its raw bytes are matched against T's spellings. Absent or unknown
+// text gives the default, without an exception (unknown texts are common in data written
+// elsewhere); only a member that is not a string is an error.
 template <class T>
 typename T::Value readEnum(const boost::json::value* member, std::string_view key) {
-    const typename T::Value fallback = T::getDefaultValue();
+    typename T::Value value = T::getDefaultValue();
     if (member == nullptr) {
-        return fallback;
+        return value;
     }
     const std::string_view text = asStringBytes(*member, key);
-    try {
-        return T::stringToEnum(text);
-    } catch (const std::invalid_argument&) {
-        // The record library's answer to a text it does not know; anything else (out of
-        // memory) is a real failure and passes on.
+    if (!T::tryStringToEnum(text, value)) [[unlikely]] {
         diagnostics::unknownEnumText(*member, text);
-        return fallback;
     }
+    return value;
 }
 
 template <class T>

@@ -1,6 +1,7 @@
 #include "docparser/parsing/LookupParser.hpp"
 
 #include "docparser/diagnostics/DiagnosticHooks.hpp"
+#include "docparser/parsing/EventReader.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/TextConversion.hpp"
@@ -9,7 +10,9 @@
 #include <boost/json/parse.hpp>
 #include <boost/json/parse_options.hpp>
 
+#include <cstdint>
 #include <utility>
+#include <vector>
 
 namespace reference::docparser {
 
@@ -83,7 +86,107 @@ DocResourceParser::LookupResourceMap parseLookupFileTree(const std::string& text
     return result;
 }
 
+// ---- the lookup format as the event reader's tables ----------------------------------------
+
+namespace {
+
+namespace ev = events;
+
+struct LookupDocumentDraft;
+
+struct EntryDraft {
+    explicit EntryDraft(LookupDocumentDraft*) noexcept {}
+
+    std::u16string name;
+    std::u16string purpose;
+    std::u16string href;
+    RefEntityType::Value type = RefEntityType::getDefaultValue();
+    FunctionType::Value functionType = FunctionType::getDefaultValue();
+    bool deprecated = false;
+};
+
+// The main document (whose parent is the result) or a support package (whose parent is the main
+// document, which keeps it until every document's key is known).
+struct LookupDocumentDraft {
+    explicit LookupDocumentDraft(DocResourceParser::LookupResourceMap*) noexcept {}
+    explicit LookupDocumentDraft(LookupDocumentDraft*) noexcept {}
+
+    DocResource<RefItemLookup> take() {
+        return DocResource<RefItemLookup>(property::HeaderInfo(std::move(productName), std::move(baseCode),
+                                                               std::move(helpFolder), std::move(helpLocation)),
+                                          std::move(items));
+    }
+
+    std::u16string productName;
+    std::u16string baseCode;
+    std::u16string helpFolder;
+    std::u16string helpLocation;
+    DocResource<RefItemLookup>::ItemMap items;
+    DocResource<RefItemLookup>::ItemMap::iterator last = items.end(); // the entry the previous item joined
+    std::vector<DocResource<RefItemLookup>> packages;
+};
+
+void closeEntry(EntryDraft& entry, LookupDocumentDraft& document, std::uint32_t, ev::Reader&) {
+    // As in the tree reading: a name equal to the previous one joins its entry, a new one is
+    // tried after the last entry first, which sorted input passes at once.
+    auto& items = document.items;
+    if (document.last == items.end() || !text::sameText(document.last->first, entry.name)) {
+        document.last = items.try_emplace(items.end(), entry.name);
+    }
+    document.last->second.emplace_back(std::move(entry.name), entry.type, std::move(entry.purpose), entry.deprecated,
+                                       std::move(entry.href), entry.functionType);
+}
+
+void closePackage(LookupDocumentDraft& package, LookupDocumentDraft& main, std::uint32_t, ev::Reader&) {
+    main.packages.push_back(package.take());
+}
+
+void closeMain(LookupDocumentDraft& main, DocResourceParser::LookupResourceMap& result, std::uint32_t, ev::Reader&) {
+    std::u16string key = main.helpFolder;
+    result.emplace(std::move(key), main.take());
+    // First come, first kept: the main document and earlier packages win a shared key.
+    for (auto& package : main.packages) {
+        result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
+    }
+}
+
+const ev::MemberRule kEntryRules[] = {
+    ev::text<&EntryDraft::name, detail::utf8Field>(keys::kName, true),
+    ev::text<&EntryDraft::purpose, detail::utf8Field>(keys::kRefPurpose, true),
+    ev::text<&EntryDraft::href, detail::asciiField>(keys::kHref, true),
+    ev::enumeration<RefEntityType, &EntryDraft::type>(keys::kType),
+    ev::enumeration<FunctionType, &EntryDraft::functionType>(keys::kFcnType),
+    // Only the key's presence counts: "deprecated": false marks the entry as well.
+    ev::presence<&EntryDraft::deprecated>(keys::kDeprecated),
+};
+const ev::ObjectFormat kEntry = ev::objectFormat<closeEntry>(kEntryRules);
+
+const ev::MemberRule kPackageMembers[] = {
+    ev::text<&LookupDocumentDraft::productName, detail::utf8Field>(keys::kProductName, true),
+    ev::text<&LookupDocumentDraft::baseCode, detail::asciiField>(keys::kBaseCode, true),
+    ev::text<&LookupDocumentDraft::helpFolder, detail::asciiField>(keys::kHelpFolder, true),
+    ev::text<&LookupDocumentDraft::helpLocation, detail::asciiField>(keys::kHelpLocation, true),
+    ev::objects(keys::kRefItems, true, kEntry),
+};
+const ev::ObjectFormat kPackage = ev::objectFormat<closePackage>(kPackageMembers);
+
+// The main document: a package document's members, and the packages (one level only: a package's
+// own "supportPackages" is not read).
+const ev::MemberRule kMainMembers[] = {
+    kPackageMembers[0], kPackageMembers[1], kPackageMembers[2], kPackageMembers[3], kPackageMembers[4],
+    ev::objects(keys::kSupportPackages, false, kPackage),
+};
+const ev::ObjectFormat kMain = ev::objectFormat<closeMain>(kMainMembers);
+
+} // namespace
+
 DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
+    if (diagnostics::activeRecorder() == nullptr) {
+        DocResourceParser::LookupResourceMap result;
+        if (events::readDocument(text, kMain, &result) == events::Outcome::Read) {
+            return result;
+        }
+    }
     return parseLookupFileTree(text);
 }
 

@@ -18,10 +18,13 @@ namespace reference::docparser {
 // boost::system::system_error for text that is not strict JSON (no comments, no trailing
 // commas, nesting at most 32 deep) and DocParserException for a missing required key or a
 // member of the wrong kind. Nothing of a failed file is returned.
+//
+// The records are built from the parser's events (EventReader.hpp); a file of unusual shape,
+// and every file while a diagnostics scope records, is read through the tree instead.
 DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text);
 
-// The same outcome by the reference reading: the whole text parsed into a tree first, then
-// walked. Kept for differential tests against the reading above.
+// The same outcome by the tree reading: the whole text parsed into a tree first, then walked.
+// It defines what a file yields, and it alone reports to diagnostics scopes.
 DocResourceParser::LookupResourceMap parseLookupFileTree(const std::string& text);
 
 // One document object to its header and its entries grouped by name, in file order.
