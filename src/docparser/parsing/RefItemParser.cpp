@@ -27,23 +27,6 @@ const std::u16string& propertyAnchorPrefix() {
     return prefix;
 }
 
-// href + "#" + the ASCII html id, built at its final size.
-std::u16string argumentAnchor(const std::u16string& href, std::string_view htmlId) {
-    std::u16string anchor(href.size() + 1 + htmlId.size(), u'\0');
-    href.copy(anchor.data(), href.size());
-    anchor[href.size()] = u'#';
-    text::widenAscii(htmlId, anchor.data() + href.size() + 1);
-    return anchor;
-}
-
-std::u16string propertyAnchor(const std::u16string& href, const std::u16string& name) {
-    const std::u16string& prefix = propertyAnchorPrefix();
-    std::u16string anchor;
-    anchor.reserve(href.size() + prefix.size() + name.size());
-    anchor.append(href).append(prefix).append(name);
-    return anchor;
-}
-
 // Every object of a page is read through its members found in one pass over it: a page item has
 // a dozen keys, and a search per key went over it a dozen times.
 enum ItemMember : std::size_t {
@@ -271,24 +254,6 @@ std::vector<SyntaxGroup> readSyntaxGroups(const boost::json::value* groupList) {
     });
 }
 
-// The map entry for a page's href, found or made next to `previous`, the entry the last page went
-// to. Page files are mostly in link order, with a link now and then a little out of it: a link is
-// usually `previous`'s own (a page with several entries), right after it, or right before it,
-// and only links far out of order take the map's search. The result is that of an ordinary
-// find-or-insert.
-DocResource<RefItem>::ItemMap::iterator pageEntry(DocResource<RefItem>::ItemMap& pages,
-                                                 DocResource<RefItem>::ItemMap::iterator previous,
-                                                 const std::u16string& href) {
-    if (previous == pages.end()) {
-        return pages.try_emplace(pages.end(), href);
-    }
-    const int order = text::compareText(previous->first, href);
-    if (order == 0) {
-        return previous;
-    }
-    return pages.try_emplace(order < 0 ? std::next(previous) : previous, href);
-}
-
 // ---- checks without building -------------------------------------------------------------
 //
 // The same reads as above, in the same order, keeping only what can fail: a page that is checked
@@ -410,6 +375,41 @@ void checkItem(const detail::MemberLookup<15>::Members& member) {
 }
 
 } // namespace
+
+// href + "#" + the ASCII html id, built at its final size.
+std::u16string argumentAnchor(const std::u16string& href, std::string_view htmlId) {
+    std::u16string anchor(href.size() + 1 + htmlId.size(), u'\0');
+    href.copy(anchor.data(), href.size());
+    anchor[href.size()] = u'#';
+    text::widenAscii(htmlId, anchor.data() + href.size() + 1);
+    return anchor;
+}
+
+std::u16string propertyAnchor(const std::u16string& href, const std::u16string& name) {
+    const std::u16string& prefix = propertyAnchorPrefix();
+    std::u16string anchor;
+    anchor.reserve(href.size() + prefix.size() + name.size());
+    anchor.append(href).append(prefix).append(name);
+    return anchor;
+}
+
+// The map entry for a page's href, found or made next to `previous`, the entry the last page went
+// to. Page files are mostly in link order, with a link now and then a little out of it: a link is
+// usually `previous`'s own (a page with several entries), right after it, or right before it,
+// and only links far out of order take the map's search. The result is that of an ordinary
+// find-or-insert.
+DocResource<RefItem>::ItemMap::iterator pageEntry(DocResource<RefItem>::ItemMap& pages,
+                                                 DocResource<RefItem>::ItemMap::iterator previous,
+                                                 const std::u16string& href) {
+    if (previous == pages.end()) {
+        return pages.try_emplace(pages.end(), href);
+    }
+    const int order = text::compareText(previous->first, href);
+    if (order == 0) {
+        return previous;
+    }
+    return pages.try_emplace(order < 0 ? std::next(previous) : previous, href);
+}
 
 ObjectInfo makeObjectInfo(const boost::json::object& object, std::u16string&& name, std::u16string&& anchor) {
     return readObjectInfo(kArgumentMembers.find(object), std::move(name), std::move(anchor));

@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace reference::docparser {
@@ -52,5 +53,16 @@ property::ObjectInfo makeObjectInfo(const boost::json::object& object, const std
                                     const std::u16string& anchor);
 property::ObjectInfo makeObjectInfo(const boost::json::object& object, std::u16string&& name,
                                     std::u16string&& anchor);
+
+// Anchors: href + "#" + the ASCII html id of an input, output or parameter; href + "#prop_" +
+// the decoded name of a class property.
+std::u16string argumentAnchor(const std::u16string& href, std::string_view htmlId);
+std::u16string propertyAnchor(const std::u16string& href, const std::u16string& name);
+
+// The map entry for a page's href, found or made next to `previous`, the entry the last page of
+// the document went to (end() for the first). The result is that of an ordinary find-or-insert.
+DocResource<property::RefItem>::ItemMap::iterator pageEntry(DocResource<property::RefItem>::ItemMap& pages,
+                                                            DocResource<property::RefItem>::ItemMap::iterator previous,
+                                                            const std::u16string& href);
 
 } // namespace reference::docparser
