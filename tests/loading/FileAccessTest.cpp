@@ -61,8 +61,13 @@ TEST_F(FileAccessTest, DiskFilesComeBackByteForByte) {
         "", "{}", "{\r\n\"a\":\0\"b\"\r\n}\n"s, "\xef\xbb\xbf{\"bom\":true}", "\xff\xfe\x00\x80"s, random,
     };
     LogCapture capture(kBoth);
+    // One buffer for every read, as a loading call keeps it: long contents are followed by short
+    // ones, and nothing of an earlier file may remain.
+    std::string reused = "left over from an earlier file";
     for (const auto& content : contents) {
         const auto path = dir.write("file.json", content).u16string();
+        reference::docparser::readFileContents(path, reused);
+        EXPECT_EQ(reused, content);
         capture.clear();
         EXPECT_EQ(DocResourceParser::openAndReadFile(path), content);
         EXPECT_EQ(DocResourceParser::openAndReadFile(ProductPathData(u"file", false, path)), content);

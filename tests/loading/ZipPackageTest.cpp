@@ -114,6 +114,13 @@ TEST_F(ZipPackageTest, ReadsEntriesByteForByte) {
     }
     // Reading again gives the same bytes: nothing is consumed by a read.
     EXPECT_EQ(package.readEntry(leafNamed(leaves, "deflated/binary.json").entry), binary);
+    // Into one reused buffer, large entries before small ones: each read leaves exactly its bytes.
+    std::string reused;
+    for (const char* name : {"deflated/large.json", "deflated/binary.json", "stored/compressible.json",
+                             "stored/empty.json", "deflated/compressible.json"}) {
+        package.readEntry(leafNamed(leaves, name).entry, reused);
+        EXPECT_EQ(reused, package.readEntry(leafNamed(leaves, name).entry)) << name;
+    }
 }
 
 // One damaged entry among healthy ones: the damaged one fails, the others still read.

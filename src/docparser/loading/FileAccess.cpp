@@ -14,17 +14,18 @@
 
 namespace reference::docparser {
 
-std::string readFileContents(const std::u16string& path) {
+void readFileContents(const std::u16string& path, std::string& content) {
+    content.clear();
     const std::filesystem::path nativePath = toNativePath(path);
     // An ifstream opens a folder on Linux and seeking to its end reports a meaningless size, so
     // only regular files (symbolic links followed) are read at all.
     std::error_code error;
     if (!std::filesystem::is_regular_file(nativePath, error)) {
-        return {};
+        return;
     }
     std::ifstream in(nativePath, std::ios::in | std::ios::binary);
     if (!in.is_open()) {
-        return {};
+        return;
     }
     try {
         in.exceptions(std::ios::failbit | std::ios::badbit);
@@ -33,13 +34,34 @@ std::string readFileContents(const std::u16string& path) {
         if (size < 0 || static_cast<std::uint64_t>(size) > kMaxDataFileSize) {
             throw std::length_error("data file size out of range");
         }
-        std::string content(static_cast<std::size_t>(size), '\0');
+        content.resize(static_cast<std::size_t>(size));
         in.seekg(0, std::ios::beg);
         in.read(content.data(), size);
-        return content;
     } catch (...) {
+        content.clear();
         FOUNDATION_DIAG_LOG(diagnosticLogger(), kFileReadErrorSeverity) << "Problem reading JSON file: " << path;
-        return {};
+    }
+}
+
+std::string readFileContents(const std::u16string& path) {
+    std::string content;
+    readFileContents(path, content);
+    return content;
+}
+
+void readResourceText(const ProductPathData& file, std::string& text) {
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), kFileAccessSeverity) << "Reading file: " << file.getFullPath();
+    readFileContents(file.getFullPath(), text);
+}
+
+void readResourceText(const ProductZipData& file, std::string& text) {
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), kFileAccessSeverity) << "Reading file: " << file.getName();
+    try {
+        file.getFileSystemManager().readEntry(file.getEntry(), text);
+    } catch (...) {
+        text.clear();
+        // Same level as the announcement: a bad entry is routine, one package among many.
+        FOUNDATION_DIAG_LOG(diagnosticLogger(), kFileAccessSeverity) << "Error reading file: " << file.getName();
     }
 }
 
@@ -49,19 +71,15 @@ std::string DocResourceParser::openAndReadFile(const std::u16string& path) {
 }
 
 std::string DocResourceParser::openAndReadFile(const ProductPathData& file) {
-    FOUNDATION_DIAG_LOG(diagnosticLogger(), kFileAccessSeverity) << "Reading file: " << file.getFullPath();
-    return readFileContents(file.getFullPath());
+    std::string text;
+    readResourceText(file, text);
+    return text;
 }
 
 std::string DocResourceParser::openAndReadFile(const ProductZipData& file) {
-    FOUNDATION_DIAG_LOG(diagnosticLogger(), kFileAccessSeverity) << "Reading file: " << file.getName();
-    try {
-        return file.getFileSystemManager().readEntry(file.getEntry());
-    } catch (...) {
-        // Same level as the announcement: a bad entry is routine, one package among many.
-        FOUNDATION_DIAG_LOG(diagnosticLogger(), kFileAccessSeverity) << "Error reading file: " << file.getName();
-        return {};
-    }
+    std::string text;
+    readResourceText(file, text);
+    return text;
 }
 
 } // namespace reference::docparser

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include <reference/docparser/ProductData.hpp>
+
 namespace reference::docparser {
 
 // Largest file read from disk. A data file is read whole into memory; anything larger is not
@@ -14,5 +16,13 @@ inline constexpr std::uint64_t kMaxDataFileSize = std::uint64_t{1} << 30; // 1 G
 // "Problem reading JSON file: " + path when an opened file cannot be read whole (larger than
 // kMaxDataFileSize, or failing while being read). Never throws for a file error.
 std::string readFileContents(const std::u16string& path);
+// The same into `content`, whose memory is reused ("" as above).
+void readFileContents(const std::u16string& path, std::string& content);
+
+// What openAndReadFile does for a lookup file on disk or in a package, log records included,
+// into `text`, whose memory is reused: a loading call reads every file into one buffer, so that
+// reading a file does not allocate after the many small frees of merging the previous one.
+void readResourceText(const ProductPathData& file, std::string& text);
+void readResourceText(const ProductZipData& file, std::string& text);
 
 } // namespace reference::docparser

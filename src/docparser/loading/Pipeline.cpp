@@ -4,15 +4,34 @@
 // skipped without a word; the file-access records are the only trace of it.
 
 #include "docparser/diagnostics/DiagnosticHooks.hpp"
+#include "docparser/loading/FileAccess.hpp"
 #include "docparser/loading/FileNames.hpp"
 #include "docparser/loading/ZipPackage.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
+#include <string>
 #include <utility>
 
 namespace reference::docparser {
 namespace {
+
+// The text buffer of the loading call running on this thread; readJsonFiles reads every file into
+// it. Installed by parseMultipleProductFiles for the length of the call and gone with it; a
+// direct call of readJsonFiles uses a buffer of its own.
+constinit thread_local std::string* tCallText = nullptr;
+
+class CallTextBuffer {
+public:
+    CallTextBuffer() noexcept : previous_(tCallText) { tCallText = &text_; }
+    ~CallTextBuffer() { tCallText = previous_; }
+    CallTextBuffer(const CallTextBuffer&) = delete;
+    CallTextBuffer& operator=(const CallTextBuffer&) = delete;
+
+private:
+    std::string text_;
+    std::string* previous_;
+};
 
 bool endsWithAny(std::u16string_view stem, const std::vector<std::u16string>& suffixes) {
     for (const auto& suffix : suffixes) {
@@ -37,6 +56,7 @@ DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::parseMulti
     auto [jsonFiles, zipPackages] = getAllProducts(folder, locales, localeSuffix);
 
     const ParsingInfo<T> info{jsonParsingFcn, isInstalledFcn, std::move(locales), std::move(localeSuffix)};
+    const CallTextBuffer textBuffer;
     ParsingResults<T> results = readZipFiles(zipPackages, info);
     readJsonFiles(jsonFiles, info, results);
     return results;
@@ -85,11 +105,14 @@ DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::readZipFil
 template <class T, class D>
 void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files, const ParsingInfo<T>& info,
                                                     ParsingResults<T>& results) {
+    std::string ownText;
+    std::string& text = tCallText != nullptr ? *tCallText : ownText;
     for (const auto& file : files) {
         diagnostics::fileBegin(file);
         try {
             const bool sourceTakesPrecedence = file.isNonEnglishLocale();
-            T parsed = info.jsonParsingFcn(openAndReadFile(file));
+            readResourceText(file, text);
+            T parsed = info.jsonParsingFcn(text);
             diagnostics::fileParsed(parsed);
             for (auto it = parsed.begin(); it != parsed.end();) {
                 const auto current = it++;

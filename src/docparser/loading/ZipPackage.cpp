@@ -128,6 +128,13 @@ std::vector<ZipLeaf> ZipPackage::getAllLeafs() const {
 }
 
 std::string ZipPackage::readEntry(const ZipEntry& entry) const {
+    std::string content;
+    readEntry(entry, content);
+    return content;
+}
+
+void ZipPackage::readEntry(const ZipEntry& entry, std::string& content) const {
+    content.clear();
     if (entry.archive_ != archive_) {
         failEntry(entry, "belongs to another package");
     }
@@ -157,7 +164,7 @@ std::string ZipPackage::readEntry(const ZipEntry& entry) const {
     // declared size (which is within the bound). The buffer grows with the data that actually
     // arrives, so a small entry that declares a large size cannot claim that memory.
     const auto declared = static_cast<std::size_t>(stat.size);
-    std::string content(std::min(declared, kFirstReadSize), '\0');
+    content.resize(std::min(declared, kFirstReadSize));
     std::size_t total = 0;
     while (total < declared) {
         if (total == content.size()) {
@@ -182,7 +189,6 @@ std::string ZipPackage::readEntry(const ZipEntry& entry) const {
     if (extra > 0) {
         failEntry(entry, "longer than its declared size");
     }
-    return content;
 }
 
 } // namespace reference::docparser

@@ -62,6 +62,9 @@ public:
     // package, is encrypted or compressed in an unsupported way, exceeds the size bound, does not
     // match its declared size, fails its CRC, or the package data is damaged.
     std::string readEntry(const ZipEntry& entry) const;
+    // The same into `content`, whose memory is reused: a caller reading many entries keeps one
+    // buffer. `content` is left unspecified when the read throws.
+    void readEntry(const ZipEntry& entry, std::string& content) const;
 
 private:
     std::shared_ptr<detail::ZipArchive> archive_;

@@ -1,5 +1,7 @@
 #include "docparser/parsing/EventReader.hpp"
 
+#include "docparser/parsing/TextConversion.hpp"
+
 #include <boost/json/array.hpp>
 #include <boost/json/basic_parser_impl.hpp>
 #include <boost/json/error.hpp>
@@ -9,24 +11,30 @@
 #include <boost/system/system_error.hpp>
 
 #include <array>
-#include <bit>
 #include <string>
 
 namespace reference::docparser::events {
 
 KeyIndex::KeyIndex(std::span<const MemberRule> members) noexcept : members_(members) {
     for (std::size_t row = 0; row < members.size() && row < kMaxKeys; ++row) {
-        const std::size_t length = members[row].key.size();
-        byLength_[length < kBuckets ? length : kBuckets - 1] |= std::uint32_t{1} << row;
+        if (members[row].key.empty()) {
+            continue;
+        }
+        std::size_t slot = slotOf(members[row].key);
+        while (rowPlusOne_[slot] != 0) {
+            slot = (slot + 1) & (kSlots - 1);
+        }
+        rowPlusOne_[slot] = static_cast<std::uint8_t>(row + 1);
     }
 }
 
 int KeyIndex::find(std::string_view key) const noexcept {
-    const std::size_t length = key.size();
-    for (auto candidates = byLength_[length < kBuckets ? length : kBuckets - 1]; candidates != 0;
-         candidates &= candidates - 1) {
-        const int row = std::countr_zero(candidates);
-        if (members_[static_cast<std::size_t>(row)].key == key) {
+    if (key.empty()) {
+        return -1;
+    }
+    for (std::size_t slot = slotOf(key); rowPlusOne_[slot] != 0; slot = (slot + 1) & (kSlots - 1)) {
+        const int row = rowPlusOne_[slot] - 1;
+        if (text::sameBytes(members_[static_cast<std::size_t>(row)].key, key)) {
             return row;
         }
     }

@@ -53,7 +53,8 @@ struct MemberRule {
     const ObjectFormat* nested = nullptr;
 };
 
-// Finds a key's row in a table of at most 32 members: keys are told apart by length first.
+// Finds a key's row in a table of at most 32 members: a small open-addressing hash table over
+// the key's length and first and last bytes, so that a key costs one comparison.
 class KeyIndex {
 public:
     static constexpr std::size_t kMaxKeys = 32;
@@ -63,9 +64,15 @@ public:
     int find(std::string_view key) const noexcept;
 
 private:
-    static constexpr std::size_t kBuckets = 32; // keys of 31 bytes or more share the last bucket
+    static constexpr std::size_t kSlots = 64; // a power of two, at least twice kMaxKeys
+    static std::size_t slotOf(std::string_view key) noexcept {
+        const auto first = static_cast<unsigned char>(key.front());
+        const auto last = static_cast<unsigned char>(key.back());
+        return (key.size() * 7 + first * 3 + last) & (kSlots - 1);
+    }
+
     std::span<const MemberRule> members_;
-    std::uint32_t byLength_[kBuckets] = {};
+    std::uint8_t rowPlusOne_[kSlots] = {}; // 0: empty slot
 };
 
 // The table of one kind of object, with what the reader does with its draft.

@@ -124,29 +124,8 @@ public:
 
 private:
     static constexpr std::size_t kBuckets = 32; // keys of 31 bytes or more share the last bucket
-    // Keys are a few bytes long: compared as two overlapping words (the first and the last 8 or
-    // 4 bytes), which beats a call to memcmp or a byte loop.
-    template <class Word>
-    static bool sameWords(const char* a, const char* b, std::size_t n) noexcept {
-        Word a0, a1, b0, b1;
-        std::memcpy(&a0, a, sizeof(Word));
-        std::memcpy(&b0, b, sizeof(Word));
-        std::memcpy(&a1, a + n - sizeof(Word), sizeof(Word));
-        std::memcpy(&b1, b + n - sizeof(Word), sizeof(Word));
-        return ((a0 ^ b0) | (a1 ^ b1)) == 0;
-    }
     static bool sameKey(std::string_view wanted, std::string_view key) noexcept {
-        const std::size_t n = key.size();
-        if (wanted.size() != n) {
-            return false;
-        }
-        if (n >= 8 && n <= 16) {
-            return sameWords<std::uint64_t>(wanted.data(), key.data(), n);
-        }
-        if (n >= 4 && n < 8) {
-            return sameWords<std::uint32_t>(wanted.data(), key.data(), n);
-        }
-        return wanted == key;
+        return text::sameBytes(wanted, key);
     }
     static constexpr std::size_t bucket(std::size_t length) noexcept {
         return length < kBuckets ? length : kBuckets - 1;

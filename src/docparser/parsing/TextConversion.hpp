@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -29,6 +31,31 @@ bool isPlainAscii(std::string_view bytes) noexcept;
 // The loaders use them on sorted keys, which share long prefixes.
 bool sameText(std::u16string_view a, std::u16string_view b) noexcept;
 int compareText(std::u16string_view a, std::u16string_view b) noexcept;
+
+// Equality of two short byte strings (JSON keys): compared as two overlapping words, the first
+// and the last 8 or 4 bytes, which beats a call to memcmp or a byte loop.
+inline bool sameBytes(std::string_view a, std::string_view b) noexcept {
+    const std::size_t n = a.size();
+    if (b.size() != n) {
+        return false;
+    }
+    const auto sameWords = [&](auto word) {
+        using Word = decltype(word);
+        Word a0, a1, b0, b1;
+        std::memcpy(&a0, a.data(), sizeof(Word));
+        std::memcpy(&b0, b.data(), sizeof(Word));
+        std::memcpy(&a1, a.data() + n - sizeof(Word), sizeof(Word));
+        std::memcpy(&b1, b.data() + n - sizeof(Word), sizeof(Word));
+        return ((a0 ^ b0) | (a1 ^ b1)) == 0;
+    };
+    if (n >= 8 && n <= 16) {
+        return sameWords(std::uint64_t{});
+    }
+    if (n >= 4 && n < 8) {
+        return sameWords(std::uint32_t{});
+    }
+    return a == b;
+}
 
 // The two converters writing into a caller's buffer, for callers that assemble one string
 // from several pieces. `out` must have room for bytes.size() code units: no input yields
