@@ -7,6 +7,7 @@
 #include "docparser/loading/FileAccess.hpp"
 #include "docparser/loading/FileNames.hpp"
 #include "docparser/loading/ZipPackage.hpp"
+#include "docparser/parsing/ScratchMemory.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
@@ -15,23 +16,6 @@
 
 namespace reference::docparser {
 namespace {
-
-// The text buffer of the loading call running on this thread; readJsonFiles reads every file into
-// it. Installed by parseMultipleProductFiles for the length of the call and gone with it; a
-// direct call of readJsonFiles uses a buffer of its own.
-constinit thread_local std::string* tCallText = nullptr;
-
-class CallTextBuffer {
-public:
-    CallTextBuffer() noexcept : previous_(tCallText) { tCallText = &text_; }
-    ~CallTextBuffer() { tCallText = previous_; }
-    CallTextBuffer(const CallTextBuffer&) = delete;
-    CallTextBuffer& operator=(const CallTextBuffer&) = delete;
-
-private:
-    std::string text_;
-    std::string* previous_;
-};
 
 bool endsWithAny(std::u16string_view stem, const std::vector<std::u16string>& suffixes) {
     for (const auto& suffix : suffixes) {
@@ -56,7 +40,7 @@ DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::parseMulti
     auto [jsonFiles, zipPackages] = getAllProducts(folder, locales, localeSuffix);
 
     const ParsingInfo<T> info{jsonParsingFcn, isInstalledFcn, std::move(locales), std::move(localeSuffix)};
-    const CallTextBuffer textBuffer;
+    const ScratchScope scratch;
     ParsingResults<T> results = readZipFiles(zipPackages, info);
     readJsonFiles(jsonFiles, info, results);
     return results;
@@ -106,7 +90,8 @@ template <class T, class D>
 void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files, const ParsingInfo<T>& info,
                                                     ParsingResults<T>& results) {
     std::string ownText;
-    std::string& text = tCallText != nullptr ? *tCallText : ownText;
+    ScratchMemory* scratch = ScratchScope::active();
+    std::string& text = scratch != nullptr ? scratch->text : ownText;
     for (const auto& file : files) {
         diagnostics::fileBegin(file);
         try {

@@ -4,12 +4,14 @@
 #include "docparser/parsing/EventReader.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
+#include "docparser/parsing/ScratchMemory.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/parse.hpp>
 #include <boost/json/parse_options.hpp>
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -92,6 +94,12 @@ namespace {
 
 namespace ev = events;
 
+// The file being read: where its documents go, and the memory its entries pass through.
+struct LookupFile {
+    DocResourceParser::LookupResourceMap& result;
+    ScratchMemory& scratch;
+};
+
 struct LookupDocumentDraft;
 
 struct EntryDraft {
@@ -105,48 +113,85 @@ struct EntryDraft {
     bool deprecated = false;
 };
 
-// The main document (whose parent is the result) or a support package (whose parent is the main
-// document, which keeps it until every document's key is known).
+// The main document (whose parent is the file) or a support package (whose parent is the main
+// document, which keeps it until every document's key is known). A document's entries collect in
+// the scratch memory, after those of the documents around it, and are filed by name when it
+// closes.
 struct LookupDocumentDraft {
-    explicit LookupDocumentDraft(DocResourceParser::LookupResourceMap*) noexcept {}
-    explicit LookupDocumentDraft(LookupDocumentDraft*) noexcept {}
+    explicit LookupDocumentDraft(LookupFile* file) noexcept : scratch(file->scratch) {
+        scratch.lookupEntries.clear(); // what an unfinished read of an earlier file left
+        firstEntry = 0;
+    }
+    explicit LookupDocumentDraft(LookupDocumentDraft* main) noexcept
+        : scratch(main->scratch), firstEntry(scratch.lookupEntries.size()) {}
 
     DocResource<RefItemLookup> take() {
         return DocResource<RefItemLookup>(property::HeaderInfo(std::move(productName), std::move(baseCode),
                                                                std::move(helpFolder), std::move(helpLocation)),
-                                          std::move(items));
+                                          fileEntries());
     }
 
+    // The document's entries grouped by name, each group in file order. Names mostly come
+    // sorted; other orders are sorted first (stably), so that every name is filed once, at the
+    // end of the map, and every list is allocated once at its final size.
+    DocResource<RefItemLookup>::ItemMap fileEntries() {
+        DocResource<RefItemLookup>::ItemMap items;
+        auto& entries = scratch.lookupEntries;
+        RefItemLookup* const entry = entries.data() + firstEntry;
+        const auto count = static_cast<std::uint32_t>(entries.size() - firstEntry);
+        auto& order = scratch.order;
+        order.resize(count);
+        bool sorted = true;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            order[i] = i;
+            sorted = sorted && (i == 0 || text::compareText(entry[i - 1].getName(), entry[i].getName()) <= 0);
+        }
+        if (!sorted) {
+            std::stable_sort(order.begin(), order.end(), [entry](std::uint32_t a, std::uint32_t b) {
+                return text::compareText(entry[a].getName(), entry[b].getName()) < 0;
+            });
+        }
+        for (std::uint32_t begin = 0; begin < count;) {
+            const std::u16string& name = entry[order[begin]].getName();
+            std::uint32_t end = begin + 1;
+            while (end < count && text::sameText(entry[order[end]].getName(), name)) {
+                ++end;
+            }
+            auto& list = items.try_emplace(items.end(), name)->second;
+            list.reserve(end - begin);
+            for (std::uint32_t i = begin; i < end; ++i) {
+                list.push_back(std::move(entry[order[i]]));
+            }
+            begin = end;
+        }
+        entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(firstEntry), entries.end());
+        return items;
+    }
+
+    ScratchMemory& scratch;
+    std::size_t firstEntry;
     std::u16string productName;
     std::u16string baseCode;
     std::u16string helpFolder;
     std::u16string helpLocation;
-    DocResource<RefItemLookup>::ItemMap items;
-    DocResource<RefItemLookup>::ItemMap::iterator last = items.end(); // the entry the previous item joined
     std::vector<DocResource<RefItemLookup>> packages;
 };
 
 void closeEntry(EntryDraft& entry, LookupDocumentDraft& document, std::uint32_t, ev::Reader&) {
-    // As in the tree reading: a name equal to the previous one joins its entry, a new one is
-    // tried after the last entry first, which sorted input passes at once.
-    auto& items = document.items;
-    if (document.last == items.end() || !text::sameText(document.last->first, entry.name)) {
-        document.last = items.try_emplace(items.end(), entry.name);
-    }
-    document.last->second.emplace_back(std::move(entry.name), entry.type, std::move(entry.purpose), entry.deprecated,
-                                       std::move(entry.href), entry.functionType);
+    document.scratch.lookupEntries.emplace_back(std::move(entry.name), entry.type, std::move(entry.purpose),
+                                                entry.deprecated, std::move(entry.href), entry.functionType);
 }
 
 void closePackage(LookupDocumentDraft& package, LookupDocumentDraft& main, std::uint32_t, ev::Reader&) {
     main.packages.push_back(package.take());
 }
 
-void closeMain(LookupDocumentDraft& main, DocResourceParser::LookupResourceMap& result, std::uint32_t, ev::Reader&) {
+void closeMain(LookupDocumentDraft& main, LookupFile& file, std::uint32_t, ev::Reader&) {
     std::u16string key = main.helpFolder;
-    result.emplace(std::move(key), main.take());
+    file.result.emplace(std::move(key), main.take());
     // First come, first kept: the main document and earlier packages win a shared key.
     for (auto& package : main.packages) {
-        result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
+        file.result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
     }
 }
 
@@ -183,7 +228,10 @@ const ev::ObjectFormat kMain = ev::objectFormat<closeMain>(kMainMembers);
 DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
     if (diagnostics::activeRecorder() == nullptr) {
         DocResourceParser::LookupResourceMap result;
-        if (events::readDocument(text, kMain, &result) == events::Outcome::Read) {
+        ScratchMemory ownScratch;
+        ScratchMemory* scratch = ScratchScope::active();
+        LookupFile file{result, scratch != nullptr ? *scratch : ownScratch};
+        if (events::readDocument(text, kMain, &file) == events::Outcome::Read) {
             return result;
         }
     }
