@@ -11,6 +11,8 @@
 #include <boost/system/system_error.hpp>
 
 #include <array>
+#include <atomic>
+#include <cstdlib>
 #include <string>
 
 namespace reference::docparser::events {
@@ -42,6 +44,15 @@ int KeyIndex::find(std::string_view key) const noexcept {
 }
 
 namespace detail {
+
+std::uint32_t nextFormatSlot() {
+    static std::atomic<std::uint32_t> next{0};
+    const std::uint32_t slot = next++;
+    if (slot >= Reader::kMaxFormats) {
+        std::abort(); // a table too many: raise kMaxFormats
+    }
+    return slot;
+}
 
 std::uint32_t requiredBits(std::span<const MemberRule> members) noexcept {
     std::uint32_t bits = 0;
@@ -77,13 +88,10 @@ public:
     Handler& operator=(const Handler&) = delete;
 
     ~Handler() {
-        // A read that stopped early (unsure, or memory) leaves drafts open.
-        while (top_ >= 0) {
-            Level& level = levels_[top_];
-            if (!level.isArray && level.draft != nullptr) {
-                level.format->destroy(level.draft);
+        for (std::uint32_t slot = 0; slot < kMaxFormats; ++slot) {
+            if (const ObjectFormat* format = constructed_[slot]) {
+                format->destroy(&drafts_[slot]);
             }
-            --top_;
         }
     }
 
@@ -135,7 +143,6 @@ public:
         if (level.build) {
             format.close(level.draft, parent, level.seen, *this);
         }
-        format.destroy(level.draft);
         --top_;
         return unsure_ ? stop(ec) : true;
     }
@@ -274,19 +281,22 @@ private:
         if (top_ + 1 >= kMaxLevels) {
             return stop(ec);
         }
+        // Each kind of object has one draft, made when the first object of the kind opens and
+        // reset for every later one.
+        void* draft = &drafts_[format.slot];
+        if (constructed_[format.slot] == &format) {
+            format.reset(draft, parent);
+        } else {
+            format.open(draft, parent);
+            constructed_[format.slot] = &format;
+        }
         Level& level = levels_[++top_];
         level.format = &format;
         level.member = nullptr;
-        level.draft = &storage_[static_cast<std::size_t>(top_)];
+        level.draft = draft;
         level.seen = 0;
         level.isArray = false;
         level.build = build;
-        try {
-            format.open(level.draft, parent);
-        } catch (...) {
-            --top_;
-            throw;
-        }
         return true;
     }
 
@@ -328,7 +338,8 @@ private:
     const ObjectFormat& root_;
     void* result_;
     std::array<Level, kMaxLevels> levels_;
-    std::array<DraftStorage, kMaxLevels> storage_;
+    std::array<DraftStorage, kMaxFormats> drafts_;
+    std::array<const ObjectFormat*, kMaxFormats> constructed_{};
     int top_ = -1;
     std::size_t skipDepth_ = 0; // inside a member that nobody reads
     std::string pieces_;

@@ -24,6 +24,7 @@
 #include <new>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace reference::docparser::events {
 
@@ -83,6 +84,9 @@ struct ObjectFormat {
     // Constructs the object's draft in `storage` (at most Reader::kDraftBytes); `parent` is the
     // draft of the object around it, or the reader's result for the root.
     void (*open)(void* storage, void* parent) = nullptr;
+    // Makes a draft that built a record ready for the next object of the kind; the memory of
+    // its lists is kept, so lists are collected without growing anew for every object.
+    void (*reset)(void* draft, void* parent) = nullptr;
     // Every member has been read and every required one is present: builds the record and
     // hands it to `parent`. `seen` has the bit of each row met. May call Reader::unsure.
     void (*close)(void* draft, void* parent, std::uint32_t seen, Reader& reader) = nullptr;
@@ -90,6 +94,9 @@ struct ObjectFormat {
     // For objects whose required members depend on which others are present: the bits required
     // given `seen`. Null: requiredMembers. Checked also where records are discarded.
     std::uint32_t (*requiredGiven)(std::uint32_t seen) = nullptr;
+    // Which of the reader's draft slots the kind uses. A format never holds objects of its own
+    // kind, so at most one object of each kind is open at a time and one draft per kind serves.
+    std::uint32_t slot = 0;
 
     // The bit of the row with `key` (0 when there is none); for close functions.
     std::uint32_t bitOf(std::string_view key) const noexcept {
@@ -113,6 +120,8 @@ class Reader {
 public:
     // Room for the draft of one open object.
     static constexpr std::size_t kDraftBytes = 640;
+    // Kinds of object (tables) the library may define.
+    static constexpr std::uint32_t kMaxFormats = 32;
 
     // The file's records could differ from the tree reading's: stop, the caller reads the tree.
     void unsure() noexcept { unsure_ = true; }
@@ -211,9 +220,16 @@ inline MemberRule objects(std::string_view key, bool required, const ObjectForma
     return {key, Shape::ObjectArray, required, nullptr, present, &format};
 }
 
-// The table of an object whose draft type has a constructor from a pointer to its parent's draft
-// (or to the result, for the root) and whose record `Close` builds:
+namespace detail {
+// A slot for each table made; the reader has room for Reader::kMaxFormats.
+std::uint32_t nextFormatSlot();
+} // namespace detail
+
+// The table of an object whose record `Close` builds:
 //   void close(Draft&, Parent&, std::uint32_t seen, Reader&)
+// Draft has a constructor from a pointer to its parent's draft (or to the result, for the root)
+// and `void reset(Parent*)`, which readies it for the next object while keeping its lists'
+// memory. Close moves the lists' elements out (takeList) rather than the lists themselves.
 template <auto Close>
 ObjectFormat objectFormat(std::span<const MemberRule> members) {
     using Traits = detail::CloseOf<decltype(Close)>;
@@ -224,10 +240,26 @@ ObjectFormat objectFormat(std::span<const MemberRule> members) {
             KeyIndex(members),
             detail::requiredBits(members),
             [](void* storage, void* parent) { new (storage) Draft(static_cast<Parent*>(parent)); },
+            [](void* draft, void* parent) { static_cast<Draft*>(draft)->reset(static_cast<Parent*>(parent)); },
             [](void* draft, void* parent, std::uint32_t seen, Reader& reader) {
                 Close(*static_cast<Draft*>(draft), *static_cast<Parent*>(parent), seen, reader);
             },
-            [](void* draft) noexcept { static_cast<Draft*>(draft)->~Draft(); }};
+            [](void* draft) noexcept { static_cast<Draft*>(draft)->~Draft(); },
+            nullptr,
+            detail::nextFormatSlot()};
+}
+
+// The elements of a draft's list as a list of their own, allocated once at its final size; the
+// draft's list keeps its memory for the next object.
+template <class T>
+std::vector<T> takeList(std::vector<T>& collected) {
+    std::vector<T> list;
+    list.reserve(collected.size());
+    for (auto& element : collected) {
+        list.push_back(std::move(element));
+    }
+    collected.clear();
+    return list;
 }
 
 } // namespace reference::docparser::events

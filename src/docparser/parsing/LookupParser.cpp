@@ -104,6 +104,14 @@ struct LookupDocumentDraft;
 
 struct EntryDraft {
     explicit EntryDraft(LookupDocumentDraft*) noexcept {}
+    void reset(LookupDocumentDraft*) noexcept {
+        name.clear();
+        purpose.clear();
+        href.clear();
+        type = RefEntityType::getDefaultValue();
+        functionType = FunctionType::getDefaultValue();
+        deprecated = false;
+    }
 
     std::u16string name;
     std::u16string purpose;
@@ -118,12 +126,23 @@ struct EntryDraft {
 // the scratch memory, after those of the documents around it, and are filed by name when it
 // closes.
 struct LookupDocumentDraft {
-    explicit LookupDocumentDraft(LookupFile* file) noexcept : scratch(file->scratch) {
+    explicit LookupDocumentDraft(LookupFile* file) noexcept : scratch(file->scratch) { reset(file); }
+    explicit LookupDocumentDraft(LookupDocumentDraft* main) noexcept : scratch(main->scratch) { reset(main); }
+
+    void reset(LookupFile*) noexcept {
         scratch.lookupEntries.clear(); // what an unfinished read of an earlier file left
-        firstEntry = 0;
+        clear(0);
     }
-    explicit LookupDocumentDraft(LookupDocumentDraft* main) noexcept
-        : scratch(main->scratch), firstEntry(scratch.lookupEntries.size()) {}
+    void reset(LookupDocumentDraft*) noexcept { clear(scratch.lookupEntries.size()); }
+
+    void clear(std::size_t first) noexcept {
+        firstEntry = first;
+        productName.clear();
+        baseCode.clear();
+        helpFolder.clear();
+        helpLocation.clear();
+        packages.clear();
+    }
 
     DocResource<RefItemLookup> take() {
         return DocResource<RefItemLookup>(property::HeaderInfo(std::move(productName), std::move(baseCode),
@@ -169,7 +188,7 @@ struct LookupDocumentDraft {
     }
 
     ScratchMemory& scratch;
-    std::size_t firstEntry;
+    std::size_t firstEntry = 0;
     std::u16string productName;
     std::u16string baseCode;
     std::u16string helpFolder;

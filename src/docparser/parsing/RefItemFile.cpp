@@ -74,17 +74,34 @@ struct PageFile {
 };
 
 struct DocumentDraft {
-    explicit DocumentDraft(PageFile* file) noexcept : file(*file), isMain(true) {}
-    explicit DocumentDraft(DocumentDraft* main) noexcept : file(main->file), isMain(false) {}
+    explicit DocumentDraft(PageFile* file) noexcept { reset(file); }
+    explicit DocumentDraft(DocumentDraft* main) noexcept { reset(main); }
+
+    void reset(PageFile* pageFile) noexcept { clear(pageFile, true); }
+    void reset(DocumentDraft* main) noexcept { clear(main->file, false); }
+
+    void clear(PageFile* pageFile, bool main) noexcept {
+        file = pageFile;
+        isMain = main;
+        keySeen = replacementKnown = mayHoldReplaced = false;
+        replaced = nullptr;
+        productName.clear();
+        baseCode.clear();
+        helpFolder.clear();
+        helpLocation.clear();
+        items.clear();
+        last = items.end();
+        packages.clear();
+    }
 
     // The pages of this document that the replacement file holds; null when none. Known once
     // the document's key (help folder or base code) has been read.
     const PageMap* replacedPages() {
-        if (!replacementKnown && (file.replacement == nullptr || keySeen)) {
+        if (!replacementKnown && (file->replacement == nullptr || keySeen)) {
             replacementKnown = true;
-            if (file.replacement != nullptr) {
-                const auto found = file.replacement->find(isMain ? helpFolder : baseCode);
-                replaced = found == file.replacement->end() ? nullptr : &found->second.getItems();
+            if (file->replacement != nullptr) {
+                const auto found = file->replacement->find(isMain ? helpFolder : baseCode);
+                replaced = found == file->replacement->end() ? nullptr : &found->second.getItems();
             }
         }
         return replaced;
@@ -97,13 +114,16 @@ struct DocumentDraft {
                 std::erase_if(items, [pages](const auto& entry) { return pages->contains(entry.first); });
             }
         }
+        PageMap taken = std::move(items);
+        items.clear();
+        last = items.end();
         return DocResource<RefItem>(
             HeaderInfo(std::move(productName), std::move(baseCode), std::move(helpFolder), std::move(helpLocation)),
-            std::move(items));
+            std::move(taken));
     }
 
-    PageFile& file;
-    bool isMain;
+    PageFile* file = nullptr;
+    bool isMain = true;
     bool keySeen = false;
     bool replacementKnown = false;
     bool mayHoldReplaced = false; // pages were kept before the key told which are replaced
@@ -118,9 +138,30 @@ struct DocumentDraft {
 };
 
 struct ItemDraft {
-    explicit ItemDraft(DocumentDraft* document) noexcept : document(*document) {}
+    explicit ItemDraft(DocumentDraft* document) noexcept { reset(document); }
 
-    DocumentDraft& document;
+    void reset(DocumentDraft* owner) noexcept {
+        document = owner;
+        hrefSeen = entitiesSeen = isBlock = namesBeforeEntities = false;
+        href.clear();
+        purpose.clear();
+        entities.clear();
+        packageName.clear();
+        introduced.clear();
+        description.clear();
+        thumbnailFileRef.clear();
+        thumbnailAltText.clear();
+        deprecationStatus = DeprecationStatus::getDefaultValue();
+        syntaxGroups.clear();
+        inputGroups.clear();
+        outputs.clear();
+        classPropertyGroups.clear();
+        seeAlso.clear();
+        examples.clear();
+        parameters.clear();
+    }
+
+    DocumentDraft* document = nullptr;
     bool hrefSeen = false;
     bool entitiesSeen = false;
     bool isBlock = false;             // an entity has type Block: member names are UTF-8
@@ -152,20 +193,34 @@ struct ItemDraft {
 };
 
 struct EntityDraft {
-    explicit EntityDraft(ItemDraft*) noexcept {}
+    explicit EntityDraft(ItemDraft* item) noexcept { reset(item); }
+    void reset(ItemDraft*) noexcept {
+        type = RefEntityType::getDefaultValue();
+        functionType = FunctionType::getDefaultValue();
+        name.clear();
+    }
     RefEntityType::Value type = RefEntityType::getDefaultValue();
     FunctionType::Value functionType = FunctionType::getDefaultValue();
     std::u16string name;
 };
 
 struct ThumbnailDraft {
-    explicit ThumbnailDraft(ItemDraft*) noexcept {}
+    explicit ThumbnailDraft(ItemDraft* item) noexcept { reset(item); }
+    void reset(ItemDraft*) noexcept {
+        fileRef.clear();
+        altText.clear();
+    }
     std::u16string fileRef;
     std::u16string altText;
 };
 
 struct SyntaxGroupDraft {
-    explicit SyntaxGroupDraft(ItemDraft*) noexcept {}
+    explicit SyntaxGroupDraft(ItemDraft* item) noexcept { reset(item); }
+    void reset(ItemDraft*) noexcept {
+        type = SyntaxType::getDefaultValue();
+        title.clear();
+        lines.clear();
+    }
     SyntaxType::Value type = SyntaxType::getDefaultValue();
     std::u16string title;
     std::vector<std::u16string> lines;
@@ -173,9 +228,18 @@ struct SyntaxGroupDraft {
 
 // An element of "inputgroup", or one of the groups in its "namevaluepairs".
 struct InputGroupDraft {
-    explicit InputGroupDraft(ItemDraft* item) noexcept : item(*item) {}
-    explicit InputGroupDraft(InputGroupDraft* holder) noexcept : item(holder->item), isNameValuePair(true) {}
-    ItemDraft& item;
+    explicit InputGroupDraft(ItemDraft* owner) noexcept { reset(owner); }
+    explicit InputGroupDraft(InputGroupDraft* holder) noexcept { reset(holder); }
+    void reset(ItemDraft* owner) noexcept { clear(owner, false); }
+    void reset(InputGroupDraft* holder) noexcept { clear(holder->item, true); }
+    void clear(ItemDraft* owner, bool pairs) noexcept {
+        item = owner;
+        isNameValuePair = pairs;
+        title.clear();
+        inputs.clear();
+        pairGroups.clear();
+    }
+    ItemDraft* item = nullptr;
     bool isNameValuePair = false;
     std::u16string title;
     std::vector<Input> inputs;
@@ -184,18 +248,28 @@ struct InputGroupDraft {
 
 // An input, output or parameter.
 struct ArgumentDraft {
-    explicit ArgumentDraft(InputGroupDraft* group) noexcept : item(group->item) {}
-    explicit ArgumentDraft(ItemDraft* item) noexcept : item(*item) {}
+    explicit ArgumentDraft(InputGroupDraft* group) noexcept { reset(group); }
+    explicit ArgumentDraft(ItemDraft* owner) noexcept { reset(owner); }
+    void reset(InputGroupDraft* group) noexcept { reset(group->item); }
+    void reset(ItemDraft* owner) noexcept {
+        item = owner;
+        name.clear();
+        purpose.clear();
+        values.clear();
+        htmlId.clear();
+        defaultValue.clear();
+        syntaxType = SyntaxType::getDefaultValue();
+    }
 
     // Every argument's anchor starts with the page's href.
     ObjectInfo take(ev::Reader& reader) {
-        if (!item.hrefSeen) {
+        if (!item->hrefSeen) {
             reader.unsure();
         }
-        return ObjectInfo(std::move(name), std::move(purpose), std::move(values), argumentAnchor(item.href, htmlId));
+        return ObjectInfo(std::move(name), std::move(purpose), ev::takeList(values), argumentAnchor(item->href, htmlId));
     }
 
-    ItemDraft& item;
+    ItemDraft* item = nullptr;
     std::u16string name;
     std::u16string purpose;
     std::vector<std::u16string> values;
@@ -205,15 +279,27 @@ struct ArgumentDraft {
 };
 
 struct PropertyGroupDraft {
-    explicit PropertyGroupDraft(ItemDraft* item) noexcept : item(*item) {}
-    ItemDraft& item;
+    explicit PropertyGroupDraft(ItemDraft* owner) noexcept { reset(owner); }
+    void reset(ItemDraft* owner) noexcept {
+        item = owner;
+        title.clear();
+        properties.clear();
+    }
+    ItemDraft* item = nullptr;
     std::u16string title;
     std::vector<ClassProperty> properties;
 };
 
 struct PropertyDraft {
-    explicit PropertyDraft(PropertyGroupDraft* group) noexcept : item(group->item) {}
-    ItemDraft& item;
+    explicit PropertyDraft(PropertyGroupDraft* group) noexcept { reset(group); }
+    void reset(PropertyGroupDraft* group) noexcept {
+        item = group->item;
+        name.clear();
+        purpose.clear();
+        values.clear();
+        defaultValue.clear();
+    }
+    ItemDraft* item = nullptr;
     std::u16string name;
     std::u16string purpose;
     std::vector<std::u16string> values;
@@ -221,13 +307,22 @@ struct PropertyDraft {
 };
 
 struct SeeAlsoDraft {
-    explicit SeeAlsoDraft(ItemDraft*) noexcept {}
+    explicit SeeAlsoDraft(ItemDraft* item) noexcept { reset(item); }
+    void reset(ItemDraft*) noexcept {
+        url.clear();
+        name.clear();
+    }
     std::u16string url;
     std::u16string name;
 };
 
 struct ExampleDraft {
-    explicit ExampleDraft(ItemDraft*) noexcept {}
+    explicit ExampleDraft(ItemDraft* item) noexcept { reset(item); }
+    void reset(ItemDraft*) noexcept {
+        url.clear();
+        openCommand.clear();
+        title.clear();
+    }
     std::u16string url;
     std::u16string openCommand;
     std::u16string title;
@@ -249,17 +344,17 @@ void storeBaseCode(DocumentDraft& document, std::string_view bytes, ev::Reader&)
 void storeHref(ItemDraft& item, std::string_view bytes, ev::Reader& reader) {
     item.href = asciiField(bytes);
     item.hrefSeen = true;
-    if (const PageMap* replaced = item.document.replacedPages(); replaced != nullptr && replaced->contains(item.href)) {
+    if (const PageMap* replaced = item.document->replacedPages(); replaced != nullptr && replaced->contains(item.href)) {
         reader.discardCurrent();
     }
 }
 
 void storeInputName(ArgumentDraft& argument, std::string_view bytes, ev::Reader&) {
-    argument.name = argument.item.memberName(bytes);
+    argument.name = argument.item->memberName(bytes);
 }
 
 void storePropertyName(PropertyDraft& property, std::string_view bytes, ev::Reader&) {
-    property.name = property.item.memberName(bytes);
+    property.name = property.item->memberName(bytes);
 }
 
 void storeHtmlId(ArgumentDraft& argument, std::string_view bytes, ev::Reader&) {
@@ -284,7 +379,7 @@ void closeThumbnail(ThumbnailDraft& thumbnail, ItemDraft& item, std::uint32_t, e
 }
 
 void closeSyntaxGroup(SyntaxGroupDraft& group, ItemDraft& item, std::uint32_t, ev::Reader&) {
-    item.syntaxGroups.emplace_back(std::move(group.title), group.type, std::move(group.lines));
+    item.syntaxGroups.emplace_back(std::move(group.title), group.type, ev::takeList(group.lines));
 }
 
 void closeInput(ArgumentDraft& input, InputGroupDraft& group, std::uint32_t, ev::Reader& reader) {
@@ -293,7 +388,7 @@ void closeInput(ArgumentDraft& input, InputGroupDraft& group, std::uint32_t, ev:
 }
 
 void closePairGroup(InputGroupDraft& group, InputGroupDraft& holder, std::uint32_t, ev::Reader&) {
-    holder.pairGroups.emplace_back(std::move(group.title), std::move(group.inputs));
+    holder.pairGroups.emplace_back(std::move(group.title), ev::takeList(group.inputs));
 }
 
 void closeOutput(ArgumentDraft& output, ItemDraft& item, std::uint32_t, ev::Reader& reader) {
@@ -306,17 +401,17 @@ void closeParameter(ArgumentDraft& parameter, ItemDraft& item, std::uint32_t, ev
 }
 
 void closeProperty(PropertyDraft& property, PropertyGroupDraft& group, std::uint32_t, ev::Reader& reader) {
-    if (!property.item.hrefSeen) {
+    if (!property.item->hrefSeen) {
         reader.unsure();
     }
-    auto anchor = propertyAnchor(property.item.href, property.name);
+    auto anchor = propertyAnchor(property.item->href, property.name);
     group.properties.emplace_back(
-        ObjectInfo(std::move(property.name), std::move(property.purpose), std::move(property.values), std::move(anchor)),
+        ObjectInfo(std::move(property.name), std::move(property.purpose), ev::takeList(property.values), std::move(anchor)),
         std::move(property.defaultValue));
 }
 
 void closePropertyGroup(PropertyGroupDraft& group, ItemDraft& item, std::uint32_t, ev::Reader&) {
-    item.classPropertyGroups.emplace_back(std::move(group.title), std::move(group.properties));
+    item.classPropertyGroups.emplace_back(std::move(group.title), ev::takeList(group.properties));
 }
 
 void closeSeeAlso(SeeAlsoDraft& link, ItemDraft& item, std::uint32_t, ev::Reader&) {
@@ -332,14 +427,15 @@ void closeItem(ItemDraft& item, DocumentDraft& document, std::uint32_t, ev::Read
         reader.unsure(); // those names were read as ASCII
         return;
     }
-    document.mayHoldReplaced = document.mayHoldReplaced || (document.file.replacement != nullptr && !document.replacementKnown);
+    document.mayHoldReplaced =
+        document.mayHoldReplaced || (document.file->replacement != nullptr && !document.replacementKnown);
     document.last = pageEntry(document.items, document.last, item.href);
     document.last->second.emplace_back(
-        std::move(item.href), std::move(item.entities), std::move(item.packageName), std::move(item.purpose),
+        std::move(item.href), ev::takeList(item.entities), std::move(item.packageName), std::move(item.purpose),
         std::move(item.introduced), std::move(item.description), std::move(item.thumbnailFileRef),
-        std::move(item.thumbnailAltText), item.deprecationStatus, std::move(item.syntaxGroups),
-        std::move(item.inputGroups), std::move(item.outputs), std::move(item.classPropertyGroups),
-        std::move(item.seeAlso), std::move(item.examples), std::move(item.parameters));
+        std::move(item.thumbnailAltText), item.deprecationStatus, ev::takeList(item.syntaxGroups),
+        ev::takeList(item.inputGroups), ev::takeList(item.outputs), ev::takeList(item.classPropertyGroups),
+        ev::takeList(item.seeAlso), ev::takeList(item.examples), ev::takeList(item.parameters));
 }
 
 void closePackage(DocumentDraft& package, DocumentDraft& main, std::uint32_t, ev::Reader&) {
@@ -408,7 +504,7 @@ constexpr std::uint32_t bit(InputGroupRow row) {
 
 void closeInputGroup(InputGroupDraft& group, ItemDraft& item, std::uint32_t seen, ev::Reader&) {
     if ((seen & bit(kGroupPairs)) == 0) {
-        item.inputGroups.emplace_back(std::move(group.title), std::move(group.inputs));
+        item.inputGroups.emplace_back(std::move(group.title), ev::takeList(group.inputs));
         return;
     }
     for (auto& pairGroup : group.pairGroups) {
