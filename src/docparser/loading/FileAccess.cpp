@@ -15,16 +15,17 @@
 namespace reference::docparser {
 
 void readFileContents(const std::u16string& path, std::string& content) {
-    content.clear();
     const std::filesystem::path nativePath = toNativePath(path);
     // An ifstream opens a folder on Linux and seeking to its end reports a meaningless size, so
     // only regular files (symbolic links followed) are read at all.
     std::error_code error;
     if (!std::filesystem::is_regular_file(nativePath, error)) {
+        content.clear();
         return;
     }
     std::ifstream in(nativePath, std::ios::in | std::ios::binary);
     if (!in.is_open()) {
+        content.clear();
         return;
     }
     try {
@@ -34,6 +35,8 @@ void readFileContents(const std::u16string& path, std::string& content) {
         if (size < 0 || static_cast<std::uint64_t>(size) > kMaxDataFileSize) {
             throw std::length_error("data file size out of range");
         }
+        // Resizing the reused buffer in place writes only what it grows by; the read overwrites
+        // the rest.
         content.resize(static_cast<std::size_t>(size));
         in.seekg(0, std::ios::beg);
         in.read(content.data(), size);

@@ -134,7 +134,6 @@ std::string ZipPackage::readEntry(const ZipEntry& entry) const {
 }
 
 void ZipPackage::readEntry(const ZipEntry& entry, std::string& content) const {
-    content.clear();
     if (entry.archive_ != archive_) {
         failEntry(entry, "belongs to another package");
     }
@@ -164,7 +163,9 @@ void ZipPackage::readEntry(const ZipEntry& entry, std::string& content) const {
     // declared size (which is within the bound). The buffer grows with the data that actually
     // arrives, so a small entry that declares a large size cannot claim that memory.
     const auto declared = static_cast<std::size_t>(stat.size);
-    content.resize(std::min(declared, kFirstReadSize));
+    // A reused buffer starts at the size it has (resizing within it writes nothing); a new one
+    // at the first read size.
+    content.resize(std::min(declared, std::max(kFirstReadSize, content.size())));
     std::size_t total = 0;
     while (total < declared) {
         if (total == content.size()) {

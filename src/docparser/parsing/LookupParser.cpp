@@ -122,9 +122,13 @@ struct EntryDraft {
 };
 
 // The main document (whose parent is the file) or a support package (whose parent is the main
-// document, which keeps it until every document's key is known). A document's entries collect in
-// the scratch memory, after those of the documents around it, and are filed by name when it
-// closes.
+// document, which keeps it until every document's key is known).
+//
+// Entries are filed by name so that every list is allocated once, at its final size. While names
+// come sorted, the entries of one name wait in the scratch memory and are filed at the map's end
+// when the next name starts. Once a name comes out of order, the rest of the document's entries
+// wait there and are sorted (stably) and filed when it closes. A package's entries wait after
+// those of the main document.
 struct LookupDocumentDraft {
     explicit LookupDocumentDraft(LookupFile* file) noexcept : scratch(file->scratch) { reset(file); }
     explicit LookupDocumentDraft(LookupDocumentDraft* main) noexcept : scratch(main->scratch) { reset(main); }
@@ -137,68 +141,103 @@ struct LookupDocumentDraft {
 
     void clear(std::size_t first) noexcept {
         firstEntry = first;
+        sorted = true;
         productName.clear();
         baseCode.clear();
         helpFolder.clear();
         helpLocation.clear();
+        items.clear();
         packages.clear();
     }
 
-    DocResource<RefItemLookup> take() {
-        return DocResource<RefItemLookup>(property::HeaderInfo(std::move(productName), std::move(baseCode),
-                                                               std::move(helpFolder), std::move(helpLocation)),
-                                          fileEntries());
+    void add(RefItemLookup&& entry) {
+        auto& waiting = scratch.lookupEntries;
+        if (sorted) {
+            const std::u16string* previous = waiting.size() > firstEntry ? &waiting.back().getName()
+                                             : items.empty()              ? nullptr
+                                                                          : &items.rbegin()->first;
+            const int order = previous == nullptr ? -1 : text::compareText(*previous, entry.getName());
+            if (order != 0) {
+                fileRun();
+            }
+            sorted = order <= 0;
+        }
+        waiting.push_back(std::move(entry));
     }
 
-    // The document's entries grouped by name, each group in file order. Names mostly come
-    // sorted; other orders are sorted first (stably), so that every name is filed once, at the
-    // end of the map, and every list is allocated once at its final size.
-    DocResource<RefItemLookup>::ItemMap fileEntries() {
-        DocResource<RefItemLookup>::ItemMap items;
-        auto& entries = scratch.lookupEntries;
-        RefItemLookup* const entry = entries.data() + firstEntry;
-        const auto count = static_cast<std::uint32_t>(entries.size() - firstEntry);
+    DocResource<RefItemLookup> take() {
+        if (sorted) {
+            fileRun();
+        } else {
+            fileRest();
+        }
+        return DocResource<RefItemLookup>(property::HeaderInfo(std::move(productName), std::move(baseCode),
+                                                               std::move(helpFolder), std::move(helpLocation)),
+                                          std::move(items));
+    }
+
+    // The waiting entries, all of one name that sorts after every name filed: a new list at the end.
+    void fileRun() {
+        auto& waiting = scratch.lookupEntries;
+        if (waiting.size() == firstEntry) {
+            return;
+        }
+        auto& list = items.try_emplace(items.end(), waiting[firstEntry].getName())->second;
+        list.reserve(waiting.size() - firstEntry);
+        for (auto it = waiting.begin() + static_cast<std::ptrdiff_t>(firstEntry); it != waiting.end(); ++it) {
+            list.push_back(std::move(*it));
+        }
+        waiting.erase(waiting.begin() + static_cast<std::ptrdiff_t>(firstEntry), waiting.end());
+    }
+
+    // The waiting entries in any order: grouped by name in file order, each group appended to its
+    // name's list (after the entries filed while the names were sorted, which came first).
+    void fileRest() {
+        auto& waiting = scratch.lookupEntries;
+        RefItemLookup* const entry = waiting.data() + firstEntry;
+        const auto count = static_cast<std::uint32_t>(waiting.size() - firstEntry);
         auto& order = scratch.order;
         order.resize(count);
-        bool sorted = true;
         for (std::uint32_t i = 0; i < count; ++i) {
             order[i] = i;
-            sorted = sorted && (i == 0 || text::compareText(entry[i - 1].getName(), entry[i].getName()) <= 0);
         }
-        if (!sorted) {
-            std::stable_sort(order.begin(), order.end(), [entry](std::uint32_t a, std::uint32_t b) {
-                return text::compareText(entry[a].getName(), entry[b].getName()) < 0;
-            });
-        }
+        std::stable_sort(order.begin(), order.end(), [entry](std::uint32_t a, std::uint32_t b) {
+            return text::compareText(entry[a].getName(), entry[b].getName()) < 0;
+        });
         for (std::uint32_t begin = 0; begin < count;) {
             const std::u16string& name = entry[order[begin]].getName();
             std::uint32_t end = begin + 1;
             while (end < count && text::sameText(entry[order[end]].getName(), name)) {
                 ++end;
             }
-            auto& list = items.try_emplace(items.end(), name)->second;
-            list.reserve(end - begin);
+            auto hint = items.lower_bound(name);
+            if (hint == items.end() || !text::sameText(hint->first, name)) {
+                hint = items.emplace_hint(hint, name, std::vector<RefItemLookup>());
+            }
+            auto& list = hint->second;
+            list.reserve(list.size() + (end - begin));
             for (std::uint32_t i = begin; i < end; ++i) {
                 list.push_back(std::move(entry[order[i]]));
             }
             begin = end;
         }
-        entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(firstEntry), entries.end());
-        return items;
+        waiting.erase(waiting.begin() + static_cast<std::ptrdiff_t>(firstEntry), waiting.end());
     }
 
     ScratchMemory& scratch;
-    std::size_t firstEntry = 0;
+    std::size_t firstEntry = 0; // this document's waiting entries start here
+    bool sorted = true;         // every name so far came in order
     std::u16string productName;
     std::u16string baseCode;
     std::u16string helpFolder;
     std::u16string helpLocation;
+    DocResource<RefItemLookup>::ItemMap items;
     std::vector<DocResource<RefItemLookup>> packages;
 };
 
 void closeEntry(EntryDraft& entry, LookupDocumentDraft& document, std::uint32_t, ev::Reader&) {
-    document.scratch.lookupEntries.emplace_back(std::move(entry.name), entry.type, std::move(entry.purpose),
-                                                entry.deprecated, std::move(entry.href), entry.functionType);
+    document.add(RefItemLookup(std::move(entry.name), entry.type, std::move(entry.purpose), entry.deprecated,
+                               std::move(entry.href), entry.functionType));
 }
 
 void closePackage(LookupDocumentDraft& package, LookupDocumentDraft& main, std::uint32_t, ev::Reader&) {
