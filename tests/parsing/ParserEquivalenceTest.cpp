@@ -184,7 +184,8 @@ class LookupEquivalence : public ::testing::TestWithParam<Case> {};
 TEST_P(LookupEquivalence, ReadingsAgree) {
     const auto& c = GetParam();
     expectOutcome(refdoc::fuzz::readLookupFile(c.text, Reading::Tree), c.expect);
-    EXPECT_EQ(refdoc::fuzz::lookupReadingsDiffer(c.text), "");
+    const std::string difference = refdoc::fuzz::lookupReadingsDiffer(c.text);
+    EXPECT_TRUE(difference.empty()) << difference;
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, LookupEquivalence, ::testing::ValuesIn(kLookupCases), caseName);
@@ -281,11 +282,14 @@ TEST_P(PageEquivalence, ReadingsAgreeWithAndWithoutReplacement) {
     const auto& c = GetParam();
     const PageOutcome tree = refdoc::fuzz::readPageFile(c.text, Reading::Tree);
     expectOutcome(tree, c.expect);
-    EXPECT_EQ(refdoc::fuzz::pageReadingsDiffer(c.text), "");
+    std::string difference = refdoc::fuzz::pageReadingsDiffer(c.text);
+    EXPECT_TRUE(difference.empty()) << "without a replacement: " << difference;
     if (tree.failure == PageOutcome::Failure::None) {
-        EXPECT_EQ(refdoc::fuzz::pageReadingsDiffer(c.text, &tree.result), "");
+        difference = refdoc::fuzz::pageReadingsDiffer(c.text, &tree.result);
+        EXPECT_TRUE(difference.empty()) << "replacing every page: " << difference;
         const PageMap partial = refdoc::fuzz::thinnedReplacement(tree.result);
-        EXPECT_EQ(refdoc::fuzz::pageReadingsDiffer(c.text, &partial), "");
+        difference = refdoc::fuzz::pageReadingsDiffer(c.text, &partial);
+        EXPECT_TRUE(difference.empty()) << "replacing some pages: " << difference;
     }
 }
 
