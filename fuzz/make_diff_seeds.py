@@ -102,6 +102,18 @@ def escaped(text, every=2):
     return Raw('"' + "".join(out) + '"')
 
 
+def long_escaped(length):
+    """JSON string text longer than the JSON parser's buffer for unescaped text, full of escapes."""
+    return Raw('"' + "".join("\\u00e9" if i % 7 == 0 else "\\n" if i % 11 == 0 else "x" for i in range(length)) + '"')
+
+
+def long_texts(doc, text_key, enum_key):
+    item = first_item(doc)
+    item.set(text_key, long_escaped(4500))
+    item.set(enum_key, long_escaped(4500))
+    return dump(doc)
+
+
 def nested(depth):
     value = []
     for _ in range(depth - 1):
@@ -287,6 +299,7 @@ def lookup_mutations():
         ("depth_33_in_entry", lambda d: deep_in_item(d, 33)),
         ("unknown_enum_texts", unknown_enums),
         ("unknown_enum_then_missing_key", unknown_enum_then_missing_key),
+        ("long_escaped_texts", lambda d: long_texts(d, "refpurpose", "type")),
         ("deprecated_any_kind", deprecated_kinds),
         ("taken_package_keys", lambda d: taken_package_keys(d, None)),
         ("taken_package_missing_href", lambda d: taken_package_keys(d, "href")),
@@ -392,6 +405,7 @@ def page_mutations():
         ("depth_33_in_page", lambda d: deep_in_item(d, 33)),
         ("unknown_enum_texts", unknown_enums),
         ("unknown_enum_then_missing_key", unknown_enum_then_missing_key),
+        ("long_escaped_texts", lambda d: long_texts(d, "description", "deprecationstatus")),
         ("taken_package_keys", lambda d: taken_package_keys(d, None)),
         ("taken_package_missing_refpurpose", lambda d: taken_package_keys(d, "refpurpose")),
         ("same_keys_elsewhere", lambda d: same_keys_elsewhere(d, ["href", "refpurpose", "inputgroup"])),

@@ -38,20 +38,35 @@ std::string caseName(const ::testing::TestParamInfo<Case>& info) {
     return info.param.name;
 }
 
+template <class Outcome>
+const char* failureOf(const Outcome& outcome) {
+    using Failure = typename Outcome::Failure;
+    switch (outcome.failure) {
+    case Failure::None:
+        return "accepted";
+    case Failure::SyntaxError:
+        return "syntax error";
+    case Failure::FormatError:
+        return "format error";
+    case Failure::Other:
+        break;
+    }
+    return "other failure";
+}
+
 // What the tree reading did, in the terms of Expect.
 template <class Outcome>
 void expectOutcome(const Outcome& outcome, Expect expect) {
-    using Failure = typename Outcome::Failure;
     switch (expect) {
     case Expect::Accepted:
-        EXPECT_EQ(outcome.failure, Failure::None);
+        EXPECT_STREQ(failureOf(outcome), "accepted");
         break;
     case Expect::SyntaxError:
-        EXPECT_EQ(outcome.failure, Failure::SyntaxError);
+        EXPECT_STREQ(failureOf(outcome), "syntax error");
         break;
     case Expect::MissingKey:
     case Expect::WrongKind:
-        EXPECT_EQ(outcome.failure, Failure::FormatError);
+        EXPECT_STREQ(failureOf(outcome), "format error");
         ASSERT_EQ(outcome.diagnostics.size(), 1u);
         EXPECT_EQ(outcome.diagnostics[0].dropReason,
                   expect == Expect::MissingKey ? DropReason::MissingKey : DropReason::WrongKind);
@@ -70,6 +85,16 @@ std::string lookup(const std::string& items, const std::string& rest = "") {
 std::string entry(const std::string& name, const std::string& extra = "") {
     return R"({"name": ")" + name + R"(", "refpurpose": "Purpose of )" + name + R"(", "href": "ref/)" + name +
            R"(.html")" + extra + "}";
+}
+
+// Longer than the JSON parser's buffer for unescaped text, so that a string with escapes reaches
+// an event reader in several parts.
+std::string longEscaped(std::size_t characters) {
+    std::string text;
+    for (std::size_t i = 0; i < characters; ++i) {
+        text += i % 7 == 0 ? "\\u00e9" : i % 11 == 0 ? "\\n" : "x";
+    }
+    return text;
 }
 
 std::string nested(int depth) {
@@ -116,6 +141,10 @@ const std::vector<Case> kLookupCases = {
      Expect::Accepted},
     {"NonAsciiInAsciiFields", R"({"productName": "Sig", "baseCode": "caf\u00e9", "helpFolder": "dossier\u00e9",
         "helpLocation": "\u65e5", "refItems": [{"name": "a", "refpurpose": "p", "href": "\u00e9"}]})",
+     Expect::Accepted},
+    {"LongEscapedTexts",
+     lookup(R"({"name": "a", "refpurpose": ")" + longEscaped(9000) + R"(", "href": "h", "type": ")" + longEscaped(5000) +
+            R"(", ")" + longEscaped(6000) + R"(": 1})"),
      Expect::Accepted},
     {"UnknownEnumTexts",
      lookup(entry("a", R"(, "type": "widget", "fcntype": "Builtin")") + "," + entry("b", R"(, "type": "")")),
@@ -257,6 +286,10 @@ const std::vector<Case> kPageCases = {
     {"UnknownEnumThenMissingKeyInSameItem",
      pages(R"({"deprecationstatus": "gone", "refentity": [{"type": "gizmo", "name": "g"}], "href": "h"})"),
      Expect::MissingKey},
+    {"LongEscapedTexts", pages(page("ref/a.html", R"(, "description": ")" + longEscaped(9000) + R"(",
+        "syntaxgroup": [{"title": "T", "syntax": [")" + longEscaped(5000) + R"("]}], "deprecationstatus": ")" +
+                                                    longEscaped(4500) + R"(")")),
+     Expect::Accepted},
     {"HrefLastAndEscaped", pages(R"({"refpurpose": "p", "description": "a\u0000b", "h\u0072ef": "ref\/x.html"})"),
      Expect::Accepted},
     {"PackageKeyTakenWithBrokenPage",
