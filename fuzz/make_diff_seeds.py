@@ -257,6 +257,29 @@ def set_in_first_item(doc, key, value):
     return dump(doc)
 
 
+def shared_mutations(first, second, text, enum, escaped_keys, same_keys):
+    """The mutations of both formats: `first` and `second` are required string members of an
+    entry, `text` an optional text member and `enum` an enumeration member."""
+    return [
+        (f"dup_{first}_first_invalid", lambda d: dup_first_invalid(d, first)),
+        (f"dup_{second}_second_invalid", lambda d: dup_second_invalid(d, second)),
+        ("dup_refitems_first_empty", dup_refitems_first_empty),
+        ("dup_refitems_first_wrong_kind", dup_refitems_first_wrong),
+        ("header_after_refitems", header_last),
+        ("href_last_keys_reversed", lambda d: keys_reversed(d, "href")),
+        ("escaped_keys_nul_texts", lambda d: escaped_keys_and_texts(d, escaped_keys)),
+        (f"missing_{first}_then_trailing_comma", lambda d: missing_then_syntax_error(d, first, "trailing comma")),
+        (f"missing_{second}_then_cut_short", lambda d: missing_then_syntax_error(d, second, "cut")),
+        ("depth_32", lambda d: deep_member(d, 32)),
+        ("long_escaped_texts", lambda d: long_texts(d, text, enum)),
+        ("taken_package_keys", lambda d: taken_package_keys(d, None)),
+        (f"taken_package_missing_{first}", lambda d: taken_package_keys(d, first)),
+        ("same_keys_elsewhere", lambda d: same_keys_elsewhere(d, same_keys)),
+        ("wrong_kind_root", lambda d: wrong_kind(d, "root")),
+        ("wrong_kind_package", lambda d: wrong_kind(d, "package")),
+    ]
+
+
 # ---- Lookup files
 
 def lookup_mutations():
@@ -283,32 +306,17 @@ def lookup_mutations():
         entries[0].append(("name", "renamed by a later member"))
         return dump(doc)
 
-    return [
-        ("dup_href_first_invalid", lambda d: dup_first_invalid(d, "href")),
-        ("dup_name_second_invalid", lambda d: dup_second_invalid(d, "name")),
-        ("dup_refitems_first_empty", dup_refitems_first_empty),
-        ("dup_refitems_first_wrong_kind", dup_refitems_first_wrong),
+    return shared_mutations(first="href", second="name", text="refpurpose", enum="type", escaped_keys={"name", "href", "type"},
+                            same_keys=["name", "href", "type"]) + [
         ("dup_names_and_name_key", duplicate_names),
-        ("header_after_refitems", header_last),
-        ("href_last_keys_reversed", lambda d: keys_reversed(d, "href")),
-        ("escaped_keys_nul_texts", lambda d: escaped_keys_and_texts(d, {"name", "href", "type"})),
-        ("missing_name_then_trailing_comma", lambda d: missing_then_syntax_error(d, "name", "trailing comma")),
-        ("missing_href_then_cut_short", lambda d: missing_then_syntax_error(d, "href", "cut")),
-        ("depth_32", lambda d: deep_member(d, 32)),
         ("depth_33", lambda d: deep_member(d, 33)),
         ("depth_33_in_entry", lambda d: deep_in_item(d, 33)),
         ("unknown_enum_texts", unknown_enums),
         ("unknown_enum_then_missing_key", unknown_enum_then_missing_key),
-        ("long_escaped_texts", lambda d: long_texts(d, "refpurpose", "type")),
         ("deprecated_any_kind", deprecated_kinds),
-        ("taken_package_keys", lambda d: taken_package_keys(d, None)),
-        ("taken_package_missing_href", lambda d: taken_package_keys(d, "href")),
-        ("same_keys_elsewhere", lambda d: same_keys_elsewhere(d, ["name", "href", "type"])),
-        ("wrong_kind_root", lambda d: wrong_kind(d, "root")),
         ("wrong_kind_refitems", lambda d: wrong_kind(d, "refItems")),
         ("wrong_kind_entry", lambda d: wrong_kind(d, "item")),
         ("wrong_kind_support_packages", lambda d: wrong_kind(d, "supportPackages")),
-        ("wrong_kind_package", lambda d: wrong_kind(d, "package")),
         ("wrong_kind_header", lambda d: wrong_kind(d, "header")),
         ("wrong_kind_purpose", lambda d: set_in_first_item(d, "refpurpose", Obj([("text", "p")]))),
         ("wrong_kind_type", lambda d: set_in_first_item(d, "type", 12)),
@@ -387,31 +395,16 @@ def page_mutations():
         sibling.set("supportPackages", [package("PK", [])])
         return dump(doc) + SEPARATOR + dump(sibling)
 
-    return [
-        ("dup_refpurpose_first_invalid", lambda d: dup_first_invalid(d, "refpurpose")),
-        ("dup_href_second_invalid", lambda d: dup_second_invalid(d, "href")),
-        ("dup_refitems_first_empty", dup_refitems_first_empty),
-        ("dup_refitems_first_wrong_kind", dup_refitems_first_wrong),
-        ("header_after_refitems", header_last),
-        ("href_last_keys_reversed", lambda d: keys_reversed(d, "href")),
+    return shared_mutations(first="refpurpose", second="href", text="description", enum="deprecationstatus",
+                            escaped_keys={"href", "refpurpose", "refentity", "inputgroup"},
+                            same_keys=["href", "refpurpose", "inputgroup"]) + [
         ("inputgroup_before_block_entity", inputgroup_before_block),
         ("refentity_duplicate_keys", refentity_duplicate),
         ("namevaluepairs_variants", name_value_pairs),
-        ("escaped_keys_nul_texts", lambda d: escaped_keys_and_texts(d, {"href", "refpurpose", "refentity", "inputgroup"})),
-        ("missing_refpurpose_then_trailing_comma",
-         lambda d: missing_then_syntax_error(d, "refpurpose", "trailing comma")),
-        ("missing_href_then_cut_short", lambda d: missing_then_syntax_error(d, "href", "cut")),
-        ("depth_32", lambda d: deep_member(d, 32)),
         ("depth_33_in_page", lambda d: deep_in_item(d, 33)),
         ("unknown_enum_texts", unknown_enums),
         ("unknown_enum_then_missing_key", unknown_enum_then_missing_key),
-        ("long_escaped_texts", lambda d: long_texts(d, "description", "deprecationstatus")),
-        ("taken_package_keys", lambda d: taken_package_keys(d, None)),
-        ("taken_package_missing_refpurpose", lambda d: taken_package_keys(d, "refpurpose")),
-        ("same_keys_elsewhere", lambda d: same_keys_elsewhere(d, ["href", "refpurpose", "inputgroup"])),
-        ("wrong_kind_root", lambda d: wrong_kind(d, "root")),
         ("wrong_kind_page", lambda d: wrong_kind(d, "item")),
-        ("wrong_kind_package", lambda d: wrong_kind(d, "package")),
         ("wrong_kind_thumbnail", lambda d: set_in_first_item(d, "appthumbnail", "thumb.png")),
         ("empty_thumbnail", lambda d: set_in_first_item(d, "appthumbnail", Obj())),
         ("wrong_kind_syntax_line", lambda d: set_in_first_item(
