@@ -1,5 +1,6 @@
-// The fuzz targets' committed seeds and every input that once made a target fail (kept in
+// The fuzz targets' seeds and every input that once made a target fail (kept in
 // regressions/<target>/) go through the fuzz target bodies again, in every build of the suite.
+// The targets and their seed folders are those of fuzz/targets.txt.
 
 #include "FuzzTargets.hpp"
 
@@ -11,6 +12,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace refdoc::test {
@@ -18,9 +21,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<fs::path> inputsOf(const std::string& target) {
+// `seedFolders` is a ';'-separated list.
+std::vector<fs::path> inputsOf(std::string_view target, std::string_view seedFolders) {
+    std::vector<fs::path> folders{fs::path(REFDOC_FAULT_INPUTS) / target};
+    for (std::size_t start = 0; start <= seedFolders.size();) {
+        const std::size_t end = std::min(seedFolders.find(';', start), seedFolders.size());
+        folders.emplace_back(seedFolders.substr(start, end - start));
+        start = end + 1;
+    }
     std::vector<fs::path> inputs;
-    for (const fs::path& folder : {fs::path(REFDOC_FUZZ_SEEDS) / target, fs::path(REFDOC_FAULT_INPUTS) / target}) {
+    for (const auto& folder : folders) {
         if (fs::is_directory(folder)) {
             for (const auto& entry : fs::directory_iterator(folder)) {
                 inputs.push_back(entry.path());
@@ -32,8 +42,8 @@ std::vector<fs::path> inputsOf(const std::string& target) {
 }
 
 template <class Target>
-void replay(const std::string& targetName) {
-    const auto inputs = inputsOf(targetName);
+void replay(std::string_view targetName, std::string_view seedFolders) {
+    const auto inputs = inputsOf(targetName, seedFolders);
     ASSERT_FALSE(inputs.empty()) << "no seeds for " << targetName;
     const Target target;
     for (const auto& input : inputs) {
@@ -47,19 +57,26 @@ void replay(const std::string& targetName) {
     }
 }
 
-class FuzzInputReplay : public HostSettingsFixture {};
+struct FuzzTarget {
+    const char* name;
+    const char* seedFolders;
+    void (*replay)(std::string_view, std::string_view);
+};
 
-TEST_F(FuzzInputReplay, LookupParser) {
-    replay<fuzz::LookupParserTarget>("lookup_parser");
+#define REFDOC_FUZZ_TARGET(name, Class, seeds) FuzzTarget{#name, seeds, &replay<fuzz::Class>},
+const FuzzTarget kTargets[] = {
+#include "FuzzTargetList.inc"
+};
+#undef REFDOC_FUZZ_TARGET
+
+class FuzzInputReplay : public HostSettingsFixture, public ::testing::WithParamInterface<FuzzTarget> {};
+
+TEST_P(FuzzInputReplay, SeedsAndPastFaultsPass) {
+    GetParam().replay(GetParam().name, GetParam().seedFolders);
 }
 
-TEST_F(FuzzInputReplay, PageFile) {
-    replay<fuzz::PageFileTarget>("page_file");
-}
-
-TEST_F(FuzzInputReplay, ZipPackage) {
-    replay<fuzz::ZipPackageTarget>("zip_package");
-}
+INSTANTIATE_TEST_SUITE_P(Targets, FuzzInputReplay, ::testing::ValuesIn(kTargets),
+                         [](const ::testing::TestParamInfo<FuzzTarget>& info) { return std::string(info.param.name); });
 
 } // namespace
 } // namespace refdoc::test
