@@ -425,10 +425,8 @@ std::string difference(const ReadingOutcome<Map>& streaming, const ReadingOutcom
 }
 
 template <class Map, class Parse>
-ReadingOutcome<Map> capture(Parse&& parse) {
+void runReading(ReadingOutcome<Map>& outcome, Parse&& parse) {
     using Failure = typename ReadingOutcome<Map>::Failure;
-    ReadingOutcome<Map> outcome;
-    ParseDiagnosticsScope scope;
     try {
         outcome.result = parse();
     } catch (const boost::system::system_error& e) {
@@ -440,6 +438,18 @@ ReadingOutcome<Map> capture(Parse&& parse) {
         outcome.failure = Failure::Other;
         outcome.otherFailure = std::string(typeid(e).name()) + ": " + e.what();
     }
+}
+
+// The records and the failure come from a read without a diagnostics scope: with one active the
+// loaders read through the tree, so only a read without one exercises the streaming reader. The
+// diagnostics come from a second read under a scope, which must report what the tree reading does.
+template <class Map, class Parse>
+ReadingOutcome<Map> capture(Parse&& parse) {
+    ReadingOutcome<Map> outcome;
+    runReading(outcome, parse);
+    ReadingOutcome<Map> recorded;
+    ParseDiagnosticsScope scope;
+    runReading(recorded, parse);
     outcome.diagnostics = scope.takeFiles();
     return outcome;
 }
