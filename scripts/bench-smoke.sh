@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # A smoke run of the benchmark for CI: builds the corpus generator, the harness and the profiling
-# driver, and runs each once on a small corpus. Asserts nothing about speed; fails only when a
-# tool fails (a corpus the library cannot load makes the floor or a load throw).
+# driver, and runs each once on a tiny corpus of each profile, the straightforward reader
+# included. Asserts nothing about speed; fails only when a tool fails (a corpus the library or the
+# reader cannot load makes the floor, a load or the reader throw).
 #
 #   scripts/bench-smoke.sh [preset]     (default: debug, the build CI has already made)
 set -euo pipefail
@@ -16,12 +17,17 @@ bin="build/$preset/bench"
 out="build/$preset/bench-smoke"
 rm -rf "$out"
 mkdir -p "$out"
-"$bin/refdoc_corpus" "$out/corpus" --products 8 --mean-items 60
-"$bin/refdoc_bench" --corpus "$out/corpus" --summary "$out" --label smoke \
+"$bin/refdoc_corpus" "$out/corpus-default" --products 6 --mean-items 30
+"$bin/refdoc_corpus" "$out/corpus-varied" --products 6 --mean-items 30 --profile varied
+"$bin/refdoc_bench" --corpus "$out/corpus-default" --corpus "$out/corpus-varied" --summary "$out" --label smoke \
   --benchmark_min_time=0.01 --benchmark_repetitions=1
-for load in lookup lookup-floor pages pages-floor; do
-  "$bin/refdoc_bench_profile" "$out/corpus" "$load" ja 1
+for profile in default varied; do
+  for load in lookup lookup-floor lookup-peer pages pages-floor pages-peer; do
+    "$bin/refdoc_bench_profile" "$out/corpus-$profile" "$load" ja 1 --profile "$profile" --free
+  done
 done
 test -s "$out/summary.md" && test -s "$out/summary.json"
-rm -rf "$out/corpus"
+grep -q '^### Profile default' "$out/summary.md" && grep -q '^### Profile varied' "$out/summary.md"
+grep -q 'straightforward reader, pages ja' "$out/summary.md"
+rm -rf "$out/corpus-default" "$out/corpus-varied"
 echo "bench-smoke: corpus, harness and profiling driver all ran"

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # The benchmark, from a clean clone: installs what is missing, builds the corpus generator and the
-# harness in release mode, generates the default corpus into build/bench/corpus, runs every
-# benchmark (medians over repetitions, repetitions of different benchmarks interleaved) and writes
-# build/bench/summary.md, build/bench/summary.json and the raw Google Benchmark output
-# build/bench/raw.json. Prints the summary table.
+# harness in release mode, generates a corpus of each profile (build/bench/corpus-default and
+# build/bench/corpus-varied), runs every benchmark on both (medians over repetitions, repetitions
+# of different benchmarks interleaved) and writes build/bench/summary.md, build/bench/summary.json
+# and the raw Google Benchmark output build/bench/raw.json. Prints the summary tables.
 #
 #   scripts/bench.sh [harness or Google Benchmark flags, e.g. --benchmark_filter=lookup]
 #
@@ -22,15 +22,20 @@ cmake --preset release -DREFDOC_WERROR=ON >/dev/null
 cmake --build --preset release --target refdoc_corpus refdoc_bench refdoc_bench_profile
 
 out=build/bench
-corpus="$out/corpus"
 mkdir -p "$out"
-rm -rf "$corpus"
-build/release/bench/refdoc_corpus "$corpus" "${corpus_args[@]}"
+rm -rf "$out/corpus" # the single corpus of earlier versions
+harness_corpora=()
+for profile in default varied; do
+  corpus="$out/corpus-$profile"
+  rm -rf "$corpus"
+  build/release/bench/refdoc_corpus "$corpus" --profile "$profile" "${corpus_args[@]}"
+  harness_corpora+=(--corpus "$corpus")
+done
 
 label="$(git rev-parse --short HEAD 2>/dev/null || echo unknown)"
 if ! git diff --quiet HEAD 2>/dev/null; then label+="+changes"; fi
 
-build/release/bench/refdoc_bench --corpus "$corpus" --summary "$out" --label "$label" \
+build/release/bench/refdoc_bench "${harness_corpora[@]}" --summary "$out" --label "$label" \
   --benchmark_repetitions="$repetitions" --benchmark_min_time="$min_time" \
   --benchmark_enable_random_interleaving=true --benchmark_report_aggregates_only=true \
   --benchmark_out="$out/raw.json" --benchmark_out_format=json "$@"

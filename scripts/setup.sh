@@ -9,7 +9,7 @@ PACKAGES=(
   clang libclang-rt-14-dev
   libboost1.81-dev libboost-json1.81-dev libboost-log1.81-dev libboost-exception1.81-dev
   libzip-dev zipcmp zipmerge ziptool
-  libgtest-dev libgmock-dev libbenchmark-dev
+  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev
 )
 
 missing=()

@@ -29,6 +29,34 @@ constexpr std::array kLocalized{Language::Japanese, Language::Korean};
 constexpr double kTranslatedProducts[] = {0.9, 0.75};
 constexpr double kUntranslatedItems = 0.03;
 
+// What a profile changes. The default's values keep its bytes as they always were.
+struct Shape {
+    bool pretty = false;               // indentation and newlines
+    bool sortedNames = true;           // entries sorted by name, as the documentation build writes them
+    double unusualSpellings = 0.0;     // share of entries whose enumeration texts the library does not know
+    double untranslatedItems = kUntranslatedItems;
+    double localizedOnlyItems = 0.0;   // share of entries that only the translations have
+    double supportPackageChance = 0.2; // share of products with support packages
+    int minSupportPackages = 1;
+    int maxSupportPackages = 3;
+    std::size_t descriptionScale = 1;  // page descriptions this many times the usual length
+};
+
+constexpr Shape kDefaultShape{};
+constexpr Shape kVariedShape{true, false, 0.5, 0.12, 0.08, 1.0, 2, 5, 3};
+
+const Shape& shapeOf(Profile profile) {
+    return profile == Profile::Varied ? kVariedShape : kDefaultShape;
+}
+
+// Spellings other data sets use for the same enumerations, and kinds newer than the library's
+// lists: all must load as the enumeration's default.
+constexpr std::string_view kUnusualTypes[] = {"Function", "classdef", "livetask", "enum",     "Method",
+                                              "sysobject", "Property", "mlapp",   "callback", "BLOCK"};
+constexpr std::string_view kUnusualFunctionTypes[] = {"Ordinary", "mex", "pcode", "local", "nested", "Builtin"};
+constexpr std::string_view kUnusualSyntaxTypes[] = {"Function", "positional", "nameValue", "Optional", "input"};
+constexpr std::string_view kUnusualDeprecationStates[] = {"Current", "active", "phased-out", "Deprecated", "warning"};
+
 enum class Kind { Function, Class, Method, Property, Block, Object, App, Constant, Event };
 
 struct KindRow {
@@ -58,8 +86,11 @@ struct ItemModel {
     std::string name;
     std::string href;
     const KindRow* kind = nullptr;
+    std::string_view type;         // "type" text: the kind's, or an unusual spelling
     std::string_view functionType; // empty: the key is left out
     bool deprecated = false;
+    bool unusualSpellings = false; // its page's enumeration texts are unusual too
+    bool inEnglish = true;         // false: only the translations have it
     std::uint64_t key = 0;                 // stream of its texts and page structure
     std::array<bool, kLocalized.size()> translated{};
 };
@@ -69,7 +100,7 @@ struct DocumentModel {
     std::string baseCode;
     std::string helpFolder;
     std::string helpLocation;
-    std::vector<ItemModel> items; // sorted by name, then href
+    std::vector<ItemModel> items; // sorted by name, then href, in the default profile
     bool installed = false;       // support packages only
 };
 
@@ -125,7 +156,7 @@ std::uint64_t itemKey(std::size_t product, std::size_t document, std::size_t ite
 }
 
 std::vector<ItemModel> makeItems(Random& random, std::size_t count, const std::string& helpFolder,
-                                 std::size_t product, std::size_t document) {
+                                 std::size_t product, std::size_t document, const Shape& shape) {
     std::vector<ItemModel> items;
     items.reserve(count);
     std::set<std::string> hrefs;
@@ -181,13 +212,32 @@ std::vector<ItemModel> makeItems(Random& random, std::size_t count, const std::s
         item.deprecated = random.chance(0.03);
         item.key = itemKey(product, document, i);
         for (auto& translated : item.translated) {
-            translated = !random.chance(kUntranslatedItems);
+            translated = !random.chance(shape.untranslatedItems);
+        }
+        item.type = item.kind->type;
+        // The default profile draws nothing more, so that its bytes stay as they were.
+        if (shape.unusualSpellings > 0.0 && random.chance(shape.unusualSpellings)) {
+            item.unusualSpellings = true;
+            item.type = kUnusualTypes[random.below(std::size(kUnusualTypes))];
+            if (!item.functionType.empty()) {
+                item.functionType = kUnusualFunctionTypes[random.below(std::size(kUnusualFunctionTypes))];
+            }
+        }
+        if (shape.localizedOnlyItems > 0.0 && random.chance(shape.localizedOnlyItems)) {
+            item.inEnglish = false;
+            item.translated.fill(true);
         }
         items.push_back(std::move(item));
     }
-    std::sort(items.begin(), items.end(), [](const ItemModel& a, const ItemModel& b) {
-        return a.name != b.name ? a.name < b.name : a.href < b.href;
-    });
+    if (shape.sortedNames) {
+        std::sort(items.begin(), items.end(), [](const ItemModel& a, const ItemModel& b) {
+            return a.name != b.name ? a.name < b.name : a.href < b.href;
+        });
+    } else {
+        for (std::size_t i = items.size(); i > 1; --i) {
+            std::swap(items[i - 1], items[random.below(i)]);
+        }
+    }
     return items;
 }
 
@@ -210,7 +260,13 @@ std::vector<std::size_t> itemCounts(const CorpusOptions& options) {
     return counts;
 }
 
+std::size_t englishItems(const DocumentModel& document) {
+    return static_cast<std::size_t>(std::count_if(document.items.begin(), document.items.end(),
+                                                  [](const ItemModel& item) { return item.inEnglish; }));
+}
+
 std::vector<ProductModel> makeProducts(const CorpusOptions& options) {
+    const Shape& shape = shapeOf(options.profile);
     Random random = Random::forStream(options.seed, 0);
 
     // Distinct short names: a shuffled walk over prefix x suffix, numbered once exhausted.
@@ -243,8 +299,8 @@ std::vector<ProductModel> makeProducts(const CorpusOptions& options) {
             code = upper(name.substr(0, 3)) + std::to_string(n);
         }
         main.baseCode = code;
-        main.items = makeItems(own, counts[p], name, p, 0);
-        if (main.items.size() > products[largest].main.items.size()) {
+        main.items = makeItems(own, counts[p], name, p, 0, shape);
+        if (englishItems(main) > englishItems(products[largest].main)) {
             largest = p;
         }
 
@@ -257,8 +313,8 @@ std::vector<ProductModel> makeProducts(const CorpusOptions& options) {
             product.translated[l] = own.chance(kTranslatedProducts[l]);
         }
 
-        if (own.chance(0.2)) {
-            const int count = own.between(1, 3);
+        if (own.chance(shape.supportPackageChance)) {
+            const int count = own.between(shape.minSupportPackages, shape.maxSupportPackages);
             for (int s = 0; s < count; ++s) {
                 DocumentModel package;
                 const std::string hardware = std::string(kHardware[own.below(std::size(kHardware))]);
@@ -268,7 +324,7 @@ std::vector<ProductModel> makeProducts(const CorpusOptions& options) {
                 package.helpFolder = name + "_" + lower(hardware) + std::to_string(s);
                 package.helpLocation = "help/supportpkg/" + package.helpFolder;
                 package.items = makeItems(own, static_cast<std::size_t>(own.between(20, 150)), package.helpFolder,
-                                          p, static_cast<std::size_t>(s) + 1);
+                                          p, static_cast<std::size_t>(s) + 1, shape);
                 package.installed = own.chance(0.5);
                 product.supportPackages.push_back(std::move(package));
             }
@@ -291,7 +347,7 @@ bool inLanguage(const ItemModel& item, Language language) {
             return item.translated[l];
         }
     }
-    return true; // English has everything
+    return item.inEnglish;
 }
 
 std::string itemPurpose(std::uint64_t seed, const ItemModel& item, Language language) {
@@ -316,7 +372,7 @@ void writeLookupDocument(JsonWriter& json, const DocumentModel& document, Langua
         }
         json.beginObject();
         json.member("name", item.name);
-        json.member("type", item.kind->type);
+        json.member("type", item.type);
         if (!item.functionType.empty()) {
             json.member("fcntype", item.functionType);
         }
@@ -331,8 +387,8 @@ void writeLookupDocument(JsonWriter& json, const DocumentModel& document, Langua
     json.endArray();
 }
 
-std::string lookupFile(const ProductModel& product, Language language, std::uint64_t seed) {
-    JsonWriter json;
+std::string lookupFile(const ProductModel& product, Language language, std::uint64_t seed, const Shape& shape) {
+    JsonWriter json(shape.pretty);
     json.beginObject();
     writeLookupDocument(json, product.main, language, seed);
     if (!product.supportPackages.empty()) {
@@ -355,8 +411,10 @@ std::string lookupFile(const ProductModel& product, Language language, std::uint
 // languages, texts from the language's own stream, so a translated page mirrors the English one.
 class PageWriter {
 public:
-    PageWriter(JsonWriter& json, const ItemModel& item, Language language, std::uint64_t seed)
-        : json_(json), item_(item), text_(language), heading_(headings(language)),
+    PageWriter(JsonWriter& json, const ItemModel& item, Language language, std::uint64_t seed,
+               std::size_t descriptionScale)
+        : json_(json), item_(item), descriptionScale_(descriptionScale), text_(language),
+          heading_(headings(language)),
           shape_(Random::forStream(seed, item.key * 16 + 15)), words_(textStream(seed, item, language, 1)),
           purpose_(itemPurpose(seed, item, language)) {}
 
@@ -370,7 +428,8 @@ public:
             json_.member("packagename", lower(item_.href.substr(0, item_.href.find('/'))) + ".internal");
         }
         json_.member("introduced", "v" + std::to_string(shape_.between(1, 12)) + "." + std::to_string(shape_.between(0, 9)));
-        json_.member("description", text_.description(words_, codeName(), descriptionLength(kind)));
+        json_.member("description",
+                     text_.description(words_, codeName(), descriptionLength(kind) * descriptionScale_));
         if (kind == Kind::App || kind == Kind::Block) {
             json_.key("appthumbnail");
             json_.beginObject();
@@ -378,8 +437,10 @@ public:
             json_.member("alt", text_.title(words_));
             json_.endObject();
         }
-        json_.member("deprecationstatus", item_.deprecated ? (shape_.chance(0.5) ? "deprecated" : "notrecommended")
-                                                           : "current");
+        json_.member("deprecationstatus",
+                     item_.unusualSpellings ? unusual(kUnusualDeprecationStates)
+                     : item_.deprecated     ? (shape_.chance(0.5) ? "deprecated" : "notrecommended")
+                                            : "current");
         switch (kind) {
         case Kind::Function: writeFunction(); break;
         case Kind::Class:
@@ -397,6 +458,14 @@ public:
     }
 
 private:
+    template <std::size_t N>
+    std::string_view unusual(const std::string_view (&spellings)[N]) {
+        return spellings[shape_.below(N)];
+    }
+    std::string_view syntaxType(std::string_view usual) {
+        return item_.unusualSpellings ? unusual(kUnusualSyntaxTypes) : usual;
+    }
+
     std::string codeName() const {
         const auto dot = item_.name.rfind('.');
         return dot == std::string::npos ? item_.name : item_.name.substr(dot + 1);
@@ -415,9 +484,10 @@ private:
     void writeEntities() {
         json_.key("refentity");
         json_.beginArray();
-        writeEntity(item_.kind->type, item_.functionType, item_.name);
+        writeEntity(item_.type, item_.functionType, item_.name);
         if (item_.kind->kind == Kind::Class) { // the constructor is documented on the class page
-            writeEntity("function", "constructor", codeName());
+            writeEntity(item_.unusualSpellings ? unusual(kUnusualTypes) : "function",
+                        item_.unusualSpellings ? unusual(kUnusualFunctionTypes) : "constructor", codeName());
         }
         json_.endArray();
     }
@@ -434,7 +504,7 @@ private:
 
     void writeSyntax(std::string_view title, int lines, std::string_view syntaxType) {
         json_.beginObject();
-        json_.member("syntaxtype", syntaxType);
+        json_.member("syntaxtype", this->syntaxType(syntaxType));
         json_.member("title", title);
         json_.key("syntax");
         json_.beginArray();
@@ -461,7 +531,7 @@ private:
             json_.stringArray("value", values);
         }
         if (input || shape_.chance(0.5)) {
-            json_.member("syntaxtype", kSyntaxTypes[shape_.below(std::size(kSyntaxTypes))]);
+            json_.member("syntaxtype", syntaxType(kSyntaxTypes[shape_.below(std::size(kSyntaxTypes))]));
         }
         if (input && shape_.chance(0.4)) {
             json_.member("defaultvalue", kDefaults[shape_.below(std::size(kDefaults))]);
@@ -633,6 +703,7 @@ private:
 
     JsonWriter& json_;
     const ItemModel& item_;
+    std::size_t descriptionScale_;
     TextSource text_;
     const Headings& heading_;
     Random shape_;
@@ -641,28 +712,29 @@ private:
     std::string argumentIdentity_;
 };
 
-void writePageDocument(JsonWriter& json, const DocumentModel& document, Language language, std::uint64_t seed) {
+void writePageDocument(JsonWriter& json, const DocumentModel& document, Language language, std::uint64_t seed,
+                       const Shape& shape) {
     writeHeader(json, document);
     json.key("refItems");
     json.beginArray();
     for (const auto& item : document.items) {
         if (inLanguage(item, language)) {
-            PageWriter(json, item, language, seed).write();
+            PageWriter(json, item, language, seed, shape.descriptionScale).write();
         }
     }
     json.endArray();
 }
 
-std::string pageFile(const ProductModel& product, Language language, std::uint64_t seed) {
-    JsonWriter json;
+std::string pageFile(const ProductModel& product, Language language, std::uint64_t seed, const Shape& shape) {
+    JsonWriter json(shape.pretty);
     json.beginObject();
-    writePageDocument(json, product.main, language, seed);
+    writePageDocument(json, product.main, language, seed, shape);
     if (!product.supportPackages.empty()) {
         json.key("supportPackages");
         json.beginArray();
         for (const auto& package : product.supportPackages) {
             json.beginObject();
-            writePageDocument(json, package, language, seed);
+            writePageDocument(json, package, language, seed, shape);
             json.endObject();
         }
         json.endArray();
@@ -733,6 +805,7 @@ Packaging packagingFromName(std::string_view name) {
 void writeManifest(const fs::path& root, const Manifest& manifest) {
     JsonWriter json;
     json.beginObject();
+    json.member("profile", manifest.profile);
     json.member("seed", std::to_string(manifest.seed));
     json.member("largestProduct", manifest.largestProduct);
     json.member("supportPackageRoot", manifest.supportPackageRoot);
@@ -747,6 +820,7 @@ void writeManifest(const fs::path& root, const Manifest& manifest) {
         json.boolean(product.installed);
         json.member("packaging", packagingName(product.packaging));
         json.member("items", std::to_string(product.items));
+        json.member("localizedOnlyItems", std::to_string(product.localizedOnlyItems));
         json.stringArray("languages", product.languages);
         json.key("supportPackages");
         json.beginArray();
@@ -771,9 +845,16 @@ void writeManifest(const fs::path& root, const Manifest& manifest) {
             json.beginArray();
             json.string(read.file);
             json.string(read.entry);
+            json.string(std::to_string(read.bytes));
             json.endArray();
         }
         json.endArray();
+    }
+    json.endObject();
+    json.key("pageFileBytes");
+    json.beginObject();
+    for (const auto& [file, bytes] : manifest.pageFileBytes) {
+        json.member(file, std::to_string(bytes));
     }
     json.endObject();
     json.endObject();
@@ -812,10 +893,42 @@ std::vector<std::string> Manifest::pageReads(const std::string& product, const s
     return files;
 }
 
+std::size_t Manifest::largestLookupRead(const std::string& language) const {
+    std::size_t largest = 0;
+    for (const auto& read : lookupReads.at(language)) {
+        largest = std::max(largest, read.bytes);
+    }
+    return largest;
+}
+
+std::size_t Manifest::largestPageRead(const std::string& product, const std::string& language) const {
+    std::size_t largest = 0;
+    for (const auto& file : pageReads(product, language)) {
+        const auto found = pageFileBytes.find(file);
+        largest = std::max(largest, found == pageFileBytes.end() ? 0 : found->second);
+    }
+    return largest;
+}
+
+std::string_view profileName(Profile profile) noexcept {
+    return profile == Profile::Varied ? "varied" : "default";
+}
+
+Profile profileFromName(std::string_view name) {
+    if (name == "default") {
+        return Profile::Default;
+    }
+    if (name == "varied") {
+        return Profile::Varied;
+    }
+    throw std::invalid_argument("unknown corpus profile " + std::string(name));
+}
+
 Manifest generateCorpus(const fs::path& root, const CorpusOptions& options) {
     if (options.products < 1 || options.meanItems < 1.0) {
         throw std::invalid_argument("a corpus needs at least one product and one item");
     }
+    const Shape& shape = shapeOf(options.profile);
     const std::vector<ProductModel> products = makeProducts(options);
     const fs::path lookupFolder = root / kLookupFolder;
     const fs::path pageFolder = root / kPageFolder;
@@ -823,6 +936,7 @@ Manifest generateCorpus(const fs::path& root, const CorpusOptions& options) {
     fs::create_directories(pageFolder);
 
     Manifest manifest;
+    manifest.profile = profileName(options.profile);
     manifest.seed = options.seed;
     manifest.supportPackageRoot = "supportpackages";
     for (const auto language : kLocalized) {
@@ -840,10 +954,11 @@ Manifest generateCorpus(const fs::path& root, const CorpusOptions& options) {
         info.productName = product.main.productName;
         info.installed = product.installed;
         info.packaging = product.packaging;
-        info.items = product.main.items.size();
+        info.items = englishItems(product.main);
+        info.localizedOnlyItems = product.main.items.size() - info.items;
         info.languages.emplace_back("en");
         for (const auto& package : product.supportPackages) {
-            info.supportPackages.push_back({package.baseCode, package.installed, package.items.size()});
+            info.supportPackages.push_back({package.baseCode, package.installed, englishItems(package)});
             if (package.installed) {
                 fs::create_directories(root / manifest.supportPackageRoot / package.baseCode);
             }
@@ -866,20 +981,20 @@ Manifest generateCorpus(const fs::path& root, const CorpusOptions& options) {
         std::vector<std::pair<std::string, std::string>> leaves;
         for (const auto language : written) {
             const std::string stem = variantStem(name, language);
-            const std::string text = lookupFile(product, language, options.seed);
+            const std::string text = lookupFile(product, language, options.seed, shape);
             FileRead read;
             switch (product.packaging) {
             case Packaging::Loose:
                 writeFile(lookupFolder / (stem + ".json"), text);
-                read = {lookupPrefix + stem + ".json", ""};
+                read = {lookupPrefix + stem + ".json", "", text.size()};
                 break;
             case Packaging::MultiLeafZip:
                 leaves.emplace_back(stem + ".json", text);
-                read = {lookupPrefix + name + ".zip", stem + ".json"};
+                read = {lookupPrefix + name + ".zip", stem + ".json", text.size()};
                 break;
             case Packaging::SingleLeafZips:
                 writeZip(lookupFolder / (stem + ".zip"), {{stem + ".json", text}});
-                read = {lookupPrefix + stem + ".zip", stem + ".json"};
+                read = {lookupPrefix + stem + ".zip", stem + ".json", text.size()};
                 break;
             }
             for (const auto& current : languages) {
@@ -894,8 +1009,10 @@ Manifest generateCorpus(const fs::path& root, const CorpusOptions& options) {
 
         if (options.pages) {
             for (const auto language : written) {
-                writeFile(pageFolder / (variantStem(name, language) + ".json"),
-                          pageFile(product, language, options.seed));
+                const std::string file = variantStem(name, language) + ".json";
+                const std::string text = pageFile(product, language, options.seed, shape);
+                writeFile(pageFolder / file, text);
+                manifest.pageFileBytes[std::string(kPageFolder) + "/" + file] = text.size();
             }
         }
         manifest.products.push_back(std::move(info));
@@ -919,6 +1036,7 @@ Manifest readManifest(const fs::path& root) {
     const auto string = [](const boost::json::value& v) { return std::string(v.as_string()); };
 
     Manifest manifest;
+    manifest.profile = string(object.at("profile"));
     manifest.seed = std::stoull(string(object.at("seed")));
     manifest.largestProduct = string(object.at("largestProduct"));
     manifest.supportPackageRoot = string(object.at("supportPackageRoot"));
@@ -933,6 +1051,7 @@ Manifest readManifest(const fs::path& root) {
         info.installed = product.at("installed").as_bool();
         info.packaging = packagingFromName(string(product.at("packaging")));
         info.items = std::stoull(string(product.at("items")));
+        info.localizedOnlyItems = std::stoull(string(product.at("localizedOnlyItems")));
         for (const auto& language : product.at("languages").as_array()) {
             info.languages.push_back(string(language));
         }
@@ -947,8 +1066,11 @@ Manifest readManifest(const fs::path& root) {
         auto& list = manifest.lookupReads[std::string(language)];
         for (const auto& read : reads.as_array()) {
             const auto& pair = read.as_array();
-            list.push_back({string(pair.at(0)), string(pair.at(1))});
+            list.push_back({string(pair.at(0)), string(pair.at(1)), std::stoull(string(pair.at(2)))});
         }
+    }
+    for (const auto& [file, bytes] : object.at("pageFileBytes").as_object()) {
+        manifest.pageFileBytes[std::string(file)] = std::stoull(string(bytes));
     }
     return manifest;
 }

@@ -16,11 +16,22 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace refdoc::bench {
 
+// How the data is shaped. Default: compact files with sorted names and known enumeration texts,
+// the way the documentation build emits them. Varied: the opposite on every axis the loaders
+// might depend on (see bench/README.md).
+enum class Profile { Default, Varied };
+
+std::string_view profileName(Profile profile) noexcept;
+// Throws std::invalid_argument for a name that is no profile.
+Profile profileFromName(std::string_view name);
+
 struct CorpusOptions {
+    Profile profile = Profile::Default;
     std::uint64_t seed = 20240611;
     int products = 60;
     double meanItems = 900.0;  // mean lookup entries per product
@@ -38,7 +49,8 @@ enum class Packaging {
 // the documentation root, '/' separated.
 struct FileRead {
     std::string file;
-    std::string entry; // empty for a loose file
+    std::string entry;      // empty for a loose file
+    std::size_t bytes = 0;  // the JSON text's size (uncompressed for a zip entry)
 
     bool operator<(const FileRead& other) const {
         return file != other.file ? file < other.file : entry < other.entry;
@@ -58,22 +70,28 @@ struct ProductInfo {
     bool installed = false;
     Packaging packaging = Packaging::Loose;
     std::size_t items = 0;                 // English lookup entries of the main document
+    std::size_t localizedOnlyItems = 0;    // main-document entries that only the translations have
     std::vector<std::string> languages;    // "en" plus the translations that exist
     std::vector<SupportPackageInfo> supportPackages;
 };
 
 struct Manifest {
+    std::string profile = "default";
     std::uint64_t seed = 0;
     std::vector<ProductInfo> products;
     std::vector<std::string> localeCodes;                  // the supported non-English languages
     std::map<std::string, std::vector<FileRead>> lookupReads; // per current language, sorted
     std::string largestProduct;
     std::string supportPackageRoot; // relative: one sub-folder per installed support package
+    std::map<std::string, std::size_t> pageFileBytes; // page file path (relative) -> size
 
     std::vector<std::string> installedProducts() const;
     std::vector<std::string> installedSupportPackages() const;
     // Page files of a product for a language: English alone, or English and the translation.
     std::vector<std::string> pageReads(const std::string& product, const std::string& language) const;
+    // The largest single JSON text a load reads, which bounds the buffers a loader needs at once.
+    std::size_t largestLookupRead(const std::string& language) const;
+    std::size_t largestPageRead(const std::string& product, const std::string& language) const;
 };
 
 inline constexpr const char* kLookupFolder = "docCatalog/referenceapi_lookup";

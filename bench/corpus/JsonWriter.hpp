@@ -1,7 +1,8 @@
 #pragma once
 
-// A compact streaming JSON writer: the corpus files are written the way documentation build
-// tools emit them, without whitespace, so that the parse floor is as lean as the data allows.
+// A streaming JSON writer. Compact by default, the way documentation build tools emit their
+// files; pretty-printed (two-space indentation, one member or element per line) for the corpus
+// profile that stands for hand-edited or differently built data.
 
 #include <string>
 #include <string_view>
@@ -11,6 +12,8 @@ namespace refdoc::bench {
 
 class JsonWriter {
 public:
+    explicit JsonWriter(bool pretty = false) : pretty_(pretty) {}
+
     void beginObject() { open('{'); }
     void endObject() { close('}'); }
     void beginArray() { open('['); }
@@ -20,7 +23,7 @@ public:
     void key(std::string_view name) {
         separate();
         appendString(name);
-        out_.push_back(':');
+        out_.append(pretty_ ? ": " : ":");
         afterKey_ = true;
     }
 
@@ -56,8 +59,16 @@ private:
         first_.push_back(true);
     }
     void close(char bracket) {
-        out_.push_back(bracket);
+        const bool empty = first_.back();
         first_.pop_back();
+        if (pretty_ && !empty) {
+            newline();
+        }
+        out_.push_back(bracket);
+    }
+    void newline() {
+        out_.push_back('\n');
+        out_.append(2 * first_.size(), ' ');
     }
     // A comma before every element but the first of its container; none right after a key.
     void separate() {
@@ -70,6 +81,9 @@ private:
                 out_.push_back(',');
             }
             first_.back() = false;
+            if (pretty_) {
+                newline();
+            }
         }
     }
     void appendString(std::string_view value) {
@@ -98,6 +112,7 @@ private:
     std::string out_;
     std::vector<bool> first_;
     bool afterKey_ = false;
+    bool pretty_ = false;
 };
 
 } // namespace refdoc::bench

@@ -1,5 +1,6 @@
 // refdoc_corpus: writes the benchmark's documentation root.
 //   refdoc_corpus <folder> [--seed N] [--products N] [--mean-items N] [--no-pages]
+//                [--profile default|varied]
 
 #include "Corpus.hpp"
 
@@ -12,7 +13,8 @@
 namespace {
 
 int usage() {
-    std::cerr << "usage: refdoc_corpus <folder> [--seed N] [--products N] [--mean-items N] [--no-pages]\n";
+    std::cerr << "usage: refdoc_corpus <folder> [--seed N] [--products N] [--mean-items N] [--no-pages] "
+                 "[--profile default|varied]\n";
     return 2;
 }
 
@@ -36,6 +38,8 @@ int main(int argc, char** argv) {
                 options.products = std::stoi(value());
             } else if (arg == "--mean-items") {
                 options.meanItems = std::stod(value());
+            } else if (arg == "--profile") {
+                options.profile = refdoc::bench::profileFromName(value());
             } else if (arg == "--no-pages") {
                 options.pages = false;
             } else if (!arg.starts_with("--") && folder.empty()) {
@@ -52,7 +56,7 @@ int main(int argc, char** argv) {
         for (const auto& product : manifest.products) {
             items += product.items;
         }
-        std::cout << "corpus: " << manifest.products.size() << " products, " << items
+        std::cout << "corpus (" << manifest.profile << "): " << manifest.products.size() << " products, " << items
                   << " English lookup entries, largest product " << manifest.largestProduct << ", in " << folder
                   << "\n";
         return 0;

@@ -1,16 +1,18 @@
-// refdoc_bench: the loading entries and the text converters measured on a generated corpus, each
-// loading benchmark beside its floor (reading and parsing the same JSON bytes), plus the heap a
-// lookup load holds and peaks at. See bench/README.md.
+// refdoc_bench: the loading entries and the text converters measured on generated corpora, each
+// loading benchmark beside its floor (reading, parsing and freeing the same JSON bytes) and beside
+// a straightforward reader, plus the heap each load holds and peaks at. See bench/README.md.
 //
-//   refdoc_bench [google benchmark flags] [--corpus DIR] [--products N] [--mean-items N]
-//                [--seed N] [--summary DIR] [--label TEXT]
+//   refdoc_bench [google benchmark flags] [--corpus DIR]... [--profile default|varied]...
+//                [--products N] [--mean-items N] [--seed N] [--summary DIR] [--label TEXT]
 //
-// Without --corpus a corpus is generated into a temporary folder and removed at exit.
+// Each --corpus is measured under the profile its manifest names. Without --corpus a corpus of
+// each --profile (both by default) is generated into a temporary folder and removed at exit.
 
 #include "Corpus.hpp"
 #include "Floor.hpp"
 #include "HeapCounter.hpp"
 #include "Host.hpp"
+#include "Peer.hpp"
 #include "Summary.hpp"
 
 #include "docparser/parsing/FieldAccess.hpp"
@@ -20,7 +22,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
+#include <deque>
+#include <functional>
+#include <memory>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -37,26 +43,55 @@ using reference::docparser::DocResourceParser;
 using namespace refdoc::bench;
 
 struct Options {
-    fs::path corpus;
+    std::vector<fs::path> corpora;        // --corpus, in order
+    std::vector<Profile> generateProfiles; // without --corpus: temporary corpora of these profiles
     fs::path summaryDir;
     std::string label;
     CorpusOptions generate;
 };
 
 struct Context {
+    std::string profile;
     fs::path root;
     Manifest manifest;
 };
 
 // ---- loading benchmarks -----------------------------------------------------------------------
 
-void lookupLibrary(benchmark::State& state, const Context& /*the host is set up for it*/, const std::string& language) {
-    setCurrentLanguage(language);
-    DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> results;
+// The library's settings are process-wide: each benchmark points them at its own corpus and, as
+// corpora alternate under random interleaving, loads once untimed so that caches are warm.
+void useCorpus(const Context& context, const std::string& language) {
+    static const Context* current = nullptr;
+    if (current != &context) {
+        configureHost(context.root, context.manifest, language);
+        current = &context;
+    } else {
+        setCurrentLanguage(language);
+    }
+}
+
+std::u16string largestProduct(const Context& context) {
+    return std::u16string(context.manifest.largestProduct.begin(), context.manifest.largestProduct.end());
+}
+
+// What a caller pays: the load and, when its result goes out of scope, freeing it.
+void lookupLibrary(benchmark::State& state, const Context& context, const std::string& language) {
+    useCorpus(context, language);
+    static_cast<void>(DocResourceParser::getResourceLookupFiles());
+    for (auto _ : state) {
+        auto results = DocResourceParser::getResourceLookupFiles();
+        benchmark::DoNotOptimize(results);
+    }
+}
+
+void lookupLoadAlone(benchmark::State& state, const Context& context, const std::string& language) {
+    useCorpus(context, language);
+    DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> results =
+        DocResourceParser::getResourceLookupFiles();
+    results = {};
     for (auto _ : state) {
         results = DocResourceParser::getResourceLookupFiles();
         benchmark::DoNotOptimize(results);
-        // Freeing the result is the caller's business, later; it is not part of the load.
         state.PauseTiming();
         results = {};
         state.ResumeTiming();
@@ -70,10 +105,29 @@ void lookupFloor(benchmark::State& state, const Context& context, const std::str
     }
 }
 
+void lookupPeer(benchmark::State& state, const Context& context, const std::string& language) {
+    const auto& reads = context.manifest.lookupReads.at(language);
+    for (auto _ : state) {
+        auto results = peer::loadLookup(context.root, reads);
+        benchmark::DoNotOptimize(results);
+    }
+}
+
 void pagesLibrary(benchmark::State& state, const Context& context, const std::string& language) {
-    setCurrentLanguage(language);
-    const std::u16string product(context.manifest.largestProduct.begin(), context.manifest.largestProduct.end());
-    DocResourceParser::RefItemFileMap pages;
+    useCorpus(context, language);
+    const std::u16string product = largestProduct(context);
+    static_cast<void>(DocResourceParser::getResourceFile(product));
+    for (auto _ : state) {
+        auto pages = DocResourceParser::getResourceFile(product);
+        benchmark::DoNotOptimize(pages);
+    }
+}
+
+void pagesLoadAlone(benchmark::State& state, const Context& context, const std::string& language) {
+    useCorpus(context, language);
+    const std::u16string product = largestProduct(context);
+    DocResourceParser::RefItemFileMap pages = DocResourceParser::getResourceFile(product);
+    pages = {};
     for (auto _ : state) {
         pages = DocResourceParser::getResourceFile(product);
         benchmark::DoNotOptimize(pages);
@@ -87,6 +141,30 @@ void pagesFloor(benchmark::State& state, const Context& context, const std::stri
     const auto files = context.manifest.pageReads(context.manifest.largestProduct, language);
     for (auto _ : state) {
         benchmark::DoNotOptimize(readAndParse(context.root, files));
+    }
+}
+
+void pagesPeer(benchmark::State& state, const Context& context, const std::string& language) {
+    const auto files = context.manifest.pageReads(context.manifest.largestProduct, language);
+    for (auto _ : state) {
+        auto pages = peer::loadPages(context.root, files);
+        benchmark::DoNotOptimize(pages);
+    }
+}
+
+void registerLoadBenchmarks(const Context& context) {
+    using Load = void (*)(benchmark::State&, const Context&, const std::string&);
+    const std::pair<const char*, Load> loads[] = {
+        {"lookup/%/library", lookupLibrary}, {"lookup/%/load", lookupLoadAlone}, {"lookup/%/floor", lookupFloor},
+        {"lookup/%/peer", lookupPeer},       {"pages/%/library", pagesLibrary},  {"pages/%/load", pagesLoadAlone},
+        {"pages/%/floor", pagesFloor},       {"pages/%/peer", pagesPeer},
+    };
+    for (const std::string language : {"en", "ja"}) {
+        for (const auto& [pattern, load] : loads) {
+            std::string name = context.profile + "/" + pattern;
+            name.replace(name.find('%'), 1, language);
+            benchmark::RegisterBenchmark(name.c_str(), load, std::cref(context), language)->Unit(benchmark::kMillisecond);
+        }
     }
 }
 
@@ -206,9 +284,12 @@ void registerTextBenchmarks(const TextSamples& samples) {
 // ---- memory -------------------------------------------------------------------------------------
 
 template <class Load>
-MemoryFigure measureMemory(const std::string& name, Load load, const std::function<FloorResult()>& floor) {
+MemoryFigure measureMemory(const Context& context, const std::string& name, std::size_t largestRead, Load load,
+                           const std::function<FloorResult()>& floor) {
     MemoryFigure figure;
+    figure.profile = context.profile;
     figure.name = name;
+    figure.largestReadBytes = largestRead;
     static_cast<void>(load()); // settings, caches and the logger exist before counting starts
 
     heap::start();
@@ -229,23 +310,23 @@ MemoryFigure measureMemory(const std::string& name, Load load, const std::functi
     return figure;
 }
 
-std::vector<MemoryFigure> measureMemoryFigures(const Context& context) {
-    std::vector<MemoryFigure> figures;
-    const std::u16string largest(context.manifest.largestProduct.begin(), context.manifest.largestProduct.end());
+void measureMemoryFigures(const Context& context, std::vector<MemoryFigure>& figures) {
+    const auto& manifest = context.manifest;
+    const std::u16string largest = largestProduct(context);
     for (const std::string language : {"en", "ja"}) {
-        setCurrentLanguage(language);
+        useCorpus(context, language);
         figures.push_back(measureMemory(
-            "lookup/" + language, [] { return DocResourceParser::getResourceLookupFiles(); },
-            [&] { return readAndParse(context.root, context.manifest.lookupReads.at(language)); }));
+            context, "lookup/" + language, manifest.largestLookupRead(language),
+            [] { return DocResourceParser::getResourceLookupFiles(); },
+            [&] { return readAndParse(context.root, manifest.lookupReads.at(language)); }));
     }
     for (const std::string language : {"en", "ja"}) {
-        setCurrentLanguage(language);
+        useCorpus(context, language);
         figures.push_back(measureMemory(
-            "pages/" + language, [&largest] { return DocResourceParser::getResourceFile(largest); },
-            [&] { return readAndParse(context.root, context.manifest.pageReads(context.manifest.largestProduct, language)); }));
+            context, "pages/" + language, manifest.largestPageRead(manifest.largestProduct, language),
+            [&largest] { return DocResourceParser::getResourceFile(largest); },
+            [&] { return readAndParse(context.root, manifest.pageReads(manifest.largestProduct, language)); }));
     }
-    setCurrentLanguage("en");
-    return figures;
 }
 
 // ---- summary ----------------------------------------------------------------------------------
@@ -280,6 +361,7 @@ public:
 CorpusFigures corpusFigures(const Context& context) {
     CorpusFigures corpus;
     const auto& manifest = context.manifest;
+    corpus.profile = context.profile;
     corpus.seed = std::to_string(manifest.seed);
     corpus.products = manifest.products.size();
     for (const auto& product : manifest.products) {
@@ -290,8 +372,12 @@ CorpusFigures corpusFigures(const Context& context) {
     }
     corpus.largestProduct = manifest.largestProduct;
     for (const std::string language : {"en", "ja"}) {
-        corpus.lookupBytes[language] = readAndParse(context.root, manifest.lookupReads.at(language)).bytes;
-        corpus.pageBytes[language] = readAndParse(context.root, manifest.pageReads(manifest.largestProduct, language)).bytes;
+        for (const auto& read : manifest.lookupReads.at(language)) {
+            corpus.lookupBytes[language] += read.bytes;
+        }
+        for (const auto& file : manifest.pageReads(manifest.largestProduct, language)) {
+            corpus.pageBytes[language] += manifest.pageFileBytes.at(file);
+        }
     }
     return corpus;
 }
@@ -315,7 +401,9 @@ Options parseOptions(int argc, char** argv) {
             return argv[++i];
         };
         if (arg == "--corpus") {
-            options.corpus = value();
+            options.corpora.emplace_back(value());
+        } else if (arg == "--profile") {
+            options.generateProfiles.push_back(profileFromName(value()));
         } else if (arg == "--summary") {
             options.summaryDir = value();
         } else if (arg == "--label") {
@@ -329,6 +417,9 @@ Options parseOptions(int argc, char** argv) {
         } else {
             throw std::invalid_argument("unknown argument " + std::string(arg));
         }
+    }
+    if (options.generateProfiles.empty()) {
+        options.generateProfiles = {Profile::Default, Profile::Varied};
     }
     return options;
 }
@@ -360,35 +451,39 @@ private:
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     try {
-        const Options options = parseOptions(argc, argv);
-        std::unique_ptr<TemporaryCorpus> temporary;
-        Context context;
-        if (options.corpus.empty()) {
-            temporary = std::make_unique<TemporaryCorpus>(options.generate);
-            context.root = temporary->path();
-        } else {
-            context.root = options.corpus;
+        Options options = parseOptions(argc, argv);
+        std::vector<std::unique_ptr<TemporaryCorpus>> temporaries;
+        if (options.corpora.empty()) {
+            for (const Profile profile : options.generateProfiles) {
+                options.generate.profile = profile;
+                temporaries.push_back(std::make_unique<TemporaryCorpus>(options.generate));
+                options.corpora.push_back(temporaries.back()->path());
+            }
         }
-        context.manifest = readManifest(context.root);
-        configureHost(context.root, context.manifest, "en");
-
-        for (const std::string language : {"en", "ja"}) {
-            benchmark::RegisterBenchmark(("lookup/" + language + "/library").c_str(), lookupLibrary, context, language)
-                ->Unit(benchmark::kMillisecond);
-            benchmark::RegisterBenchmark(("lookup/" + language + "/floor").c_str(), lookupFloor, context, language)
-                ->Unit(benchmark::kMillisecond);
-            benchmark::RegisterBenchmark(("pages/" + language + "/library").c_str(), pagesLibrary, context, language)
-                ->Unit(benchmark::kMillisecond);
-            benchmark::RegisterBenchmark(("pages/" + language + "/floor").c_str(), pagesFloor, context, language)
-                ->Unit(benchmark::kMillisecond);
+        // Contexts stay where they are: the registered benchmarks refer to them.
+        std::deque<Context> contexts;
+        for (const auto& root : options.corpora) {
+            Context& context = contexts.emplace_back();
+            context.root = root;
+            context.manifest = readManifest(root);
+            context.profile = context.manifest.profile;
+            for (int n = 2; std::count_if(contexts.begin(), contexts.end(), [&](const Context& other) {
+                                return other.profile == context.profile;
+                            }) > 1;
+                 ++n) {
+                context.profile = context.manifest.profile + std::to_string(n);
+            }
+            registerLoadBenchmarks(context);
         }
         const TextSamples samples = makeTextSamples();
         registerTextBenchmarks(samples);
 
         Summary summary;
         summary.label = options.label;
-        summary.corpus = corpusFigures(context);
-        summary.memory = measureMemoryFigures(context);
+        for (const auto& context : contexts) {
+            summary.corpora.push_back(corpusFigures(context));
+            measureMemoryFigures(context, summary.memory);
+        }
 
         CollectingReporter reporter;
         benchmark::RunSpecifiedBenchmarks(&reporter);

@@ -78,15 +78,15 @@ std::string readEntry(zip_t* archive, const std::string& name, const fs::path& p
 
 } // namespace
 
-FloorResult readAndParse(const fs::path& root, const std::vector<FileRead>& reads) {
-    FloorResult result;
+void readEach(const fs::path& root, const std::vector<FileRead>& reads,
+              const std::function<void(const FileRead&, std::string&&)>& use) {
     // The reads are sorted, so the entries of one package follow each other.
     std::unique_ptr<zip_t, ArchiveCloser> archive;
     std::string openPackage;
     for (const auto& read : reads) {
         const fs::path path = root / read.file;
         if (read.entry.empty()) {
-            parseInto(result, readFile(path));
+            use(read, readFile(path));
             continue;
         }
         if (!archive || openPackage != read.file) {
@@ -97,8 +97,13 @@ FloorResult readAndParse(const fs::path& root, const std::vector<FileRead>& read
             }
             openPackage = read.file;
         }
-        parseInto(result, readEntry(archive.get(), read.entry, path));
+        use(read, readEntry(archive.get(), read.entry, path));
     }
+}
+
+FloorResult readAndParse(const fs::path& root, const std::vector<FileRead>& reads) {
+    FloorResult result;
+    readEach(root, reads, [&result](const FileRead&, std::string&& bytes) { parseInto(result, bytes); });
     return result;
 }
 

@@ -1,11 +1,18 @@
 // refdoc_bench_profile: runs one load a fixed number of times and nothing else, for profilers
 // (callgrind counts instructions, which a shared machine does not disturb).
 //
-//   refdoc_bench_profile <corpus> lookup|pages|lookup-floor|pages-floor <language> [iterations]
+//   refdoc_bench_profile <corpus> <load> <language> [iterations] [--profile default|varied] [--free]
+//
+// <load>: lookup, pages (the library), lookup-floor, pages-floor (read, parse and free the JSON)
+// or lookup-peer, pages-peer (the straightforward reader, load and free). --free makes the
+// library's loads free their result inside the timed and profiled span, as the harness's headline
+// figure does; without it the result is freed before the next load starts, outside the span.
+// --profile names the profile the corpus must have, so that a profile of the wrong corpus fails.
 
 #include "Corpus.hpp"
 #include "Floor.hpp"
 #include "Host.hpp"
+#include "Peer.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
@@ -13,26 +20,43 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
 
 int main(int argc, char** argv) {
     using reference::docparser::DocResourceParser;
     using namespace refdoc::bench;
-    if (argc < 4) {
-        std::cerr << "usage: refdoc_bench_profile <corpus> lookup|pages|lookup-floor|pages-floor <language> "
-                     "[iterations]\n";
+    std::vector<std::string> positional;
+    std::string profile;
+    bool free = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg == "--free") {
+            free = true;
+        } else if (arg == "--profile" && i + 1 < argc) {
+            profile = argv[++i];
+        } else {
+            positional.push_back(arg);
+        }
+    }
+    if (positional.size() < 3 || positional.size() > 4) {
+        std::cerr << "usage: refdoc_bench_profile <corpus> lookup|pages|lookup-floor|pages-floor|lookup-peer|"
+                     "pages-peer <language> [iterations] [--profile default|varied] [--free]\n";
         return 2;
     }
     try {
-        const std::filesystem::path root = argv[1];
-        const std::string what = argv[2];
-        const std::string language = argv[3];
-        const int iterations = argc > 4 ? std::stoi(argv[4]) : 1;
+        const std::filesystem::path root = positional[0];
+        const std::string what = positional[1];
+        const std::string language = positional[2];
+        const int iterations = positional.size() > 3 ? std::stoi(positional[3]) : 1;
         const Manifest manifest = readManifest(root);
+        if (!profile.empty() && profileName(profileFromName(profile)) != manifest.profile) {
+            std::cerr << "refdoc_bench_profile: " << root << " holds a " << manifest.profile << " corpus, not "
+                      << profile << "\n";
+            return 2;
+        }
         configureHost(root, manifest, language);
         const std::u16string largest(manifest.largestProduct.begin(), manifest.largestProduct.end());
 
-        // Results live until the next load's timing has stopped: as in the harness, freeing a
-        // result is not part of a load.
         DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> lookups;
         DocResourceParser::RefItemFileMap pages;
         std::size_t total = 0;
@@ -52,17 +76,26 @@ int main(int argc, char** argv) {
                 total += readAndParse(root, manifest.lookupReads.at(language)).values;
             } else if (what == "pages-floor") {
                 total += readAndParse(root, manifest.pageReads(manifest.largestProduct, language)).values;
+            } else if (what == "lookup-peer") {
+                total += peer::recordCount(peer::loadLookup(root, manifest.lookupReads.at(language)));
+            } else if (what == "pages-peer") {
+                total += peer::recordCount(peer::loadPages(root, manifest.pageReads(manifest.largestProduct, language)));
             } else {
                 std::cerr << "unknown load " << what << "\n";
                 return 2;
+            }
+            if (free) {
+                lookups = {};
+                pages = {};
             }
             const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
             firstSeconds = i == 0 ? elapsed.count() : firstSeconds;
             allSeconds += elapsed.count();
         }
         // Wall times, for a rough look only: the harness measures properly.
-        std::cout << what << " " << language << ": " << total << " results, first " << firstSeconds * 1e3
-                  << " ms, mean " << allSeconds * 1e3 / iterations << " ms, later ones "
+        std::cout << what << (free ? "+free " : " ") << language << " (" << manifest.profile << "): " << total
+                  << " results, first " << firstSeconds * 1e3 << " ms, mean " << allSeconds * 1e3 / iterations
+                  << " ms, later ones "
                   << (iterations > 1 ? (allSeconds - firstSeconds) * 1e3 / (iterations - 1) : 0.0) << " ms\n";
         return 0;
     } catch (const std::exception& error) {

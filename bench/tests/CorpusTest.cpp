@@ -4,6 +4,7 @@
 #include "Corpus.hpp"
 #include "Floor.hpp"
 #include "Host.hpp"
+#include "Peer.hpp"
 
 #include <reference/docparser/DiagnosticLogger.hpp>
 #include <reference/docparser/DocResourceParser.hpp>
@@ -29,8 +30,9 @@ using namespace refdoc::bench;
 using refdoc::test::LogCapture;
 using refdoc::test::TempDir;
 
-CorpusOptions smallCorpus(std::uint64_t seed = 7) {
+CorpusOptions smallCorpus(std::uint64_t seed = 7, Profile profile = Profile::Default) {
     CorpusOptions options;
+    options.profile = profile;
     options.seed = seed;
     options.products = 16; // enough for every packaging, support packages and both translations
     options.meanItems = 40;
@@ -58,17 +60,23 @@ bool hasNonAscii(const std::u16string& text) {
     return std::any_of(text.begin(), text.end(), [](char16_t c) { return c >= 0x80; });
 }
 
-TEST(Corpus, SameSeedGivesTheSameBytesAndAnotherSeedOtherBytes) {
-    const TempDir first;
-    const TempDir second;
-    const TempDir other;
-    generateCorpus(first.path(), smallCorpus(11));
-    generateCorpus(second.path(), smallCorpus(11));
-    generateCorpus(other.path(), smallCorpus(12));
+TEST(Corpus, SameOptionsGiveTheSameBytesAndAnotherSeedOrProfileOtherBytes) {
+    std::map<Profile, std::map<std::string, std::string>> byProfile;
+    for (const Profile profile : {Profile::Default, Profile::Varied}) {
+        const TempDir first;
+        const TempDir second;
+        const TempDir other;
+        generateCorpus(first.path(), smallCorpus(11, profile));
+        generateCorpus(second.path(), smallCorpus(11, profile));
+        generateCorpus(other.path(), smallCorpus(12, profile));
 
-    const auto firstFiles = filesBelow(first.path());
-    EXPECT_EQ(firstFiles, filesBelow(second.path())); // zip packages included: no time stamps leak in
-    EXPECT_NE(firstFiles, filesBelow(other.path()));
+        const auto firstFiles = filesBelow(first.path());
+        // zip packages included: no time stamps leak in
+        EXPECT_EQ(firstFiles, filesBelow(second.path())) << profileName(profile);
+        EXPECT_NE(firstFiles, filesBelow(other.path())) << profileName(profile);
+        byProfile[profile] = firstFiles;
+    }
+    EXPECT_NE(byProfile[Profile::Default], byProfile[Profile::Varied]);
 }
 
 TEST(Corpus, ManifestReadBackEqualsTheGeneratedOne) {
@@ -76,6 +84,8 @@ TEST(Corpus, ManifestReadBackEqualsTheGeneratedOne) {
     const Manifest written = generateCorpus(root.path(), smallCorpus());
     const Manifest read = readManifest(root.path());
 
+    EXPECT_EQ(read.profile, written.profile);
+    EXPECT_EQ(read.pageFileBytes, written.pageFileBytes);
     EXPECT_EQ(read.seed, written.seed);
     EXPECT_EQ(read.largestProduct, written.largestProduct);
     EXPECT_EQ(read.localeCodes, written.localeCodes);
@@ -84,6 +94,7 @@ TEST(Corpus, ManifestReadBackEqualsTheGeneratedOne) {
     for (std::size_t i = 0; i < read.products.size(); ++i) {
         EXPECT_EQ(read.products[i].name, written.products[i].name);
         EXPECT_EQ(read.products[i].items, written.products[i].items);
+        EXPECT_EQ(read.products[i].localizedOnlyItems, written.products[i].localizedOnlyItems);
         EXPECT_EQ(read.products[i].packaging, written.products[i].packaging);
         EXPECT_EQ(read.products[i].languages, written.products[i].languages);
         EXPECT_EQ(read.products[i].supportPackages.size(), written.products[i].supportPackages.size());
@@ -132,12 +143,12 @@ protected:
 
     // What the library announces it reads, in the manifest's terms: loose files by their path
     // below the root, zip entries by their stem (the product name the library logs).
-    std::set<std::string> announcedReads(const std::string& language) {
-        configureHost(root_.path(), manifest_, language);
+    std::set<std::string> announcedReads(const fs::path& root, const Manifest& manifest, const std::string& language) {
+        configureHost(root, manifest, language);
         const LogCapture capture(reference::docparser::kFileAccessSeverity);
         static_cast<void>(DocResourceParser::getResourceLookupFiles());
         std::set<std::string> reads;
-        const std::string prefix = "Reading file: " + root_.path().string() + "/";
+        const std::string prefix = "Reading file: " + root.string() + "/";
         for (const auto& message : capture.messages()) {
             if (message.starts_with(prefix)) {
                 reads.insert(message.substr(prefix.size()));
@@ -148,9 +159,9 @@ protected:
         return reads;
     }
 
-    std::set<std::string> manifestReads(const std::string& language) const {
+    static std::set<std::string> manifestReads(const Manifest& manifest, const std::string& language) {
         std::set<std::string> reads;
-        for (const auto& read : manifest_.lookupReads.at(language)) {
+        for (const auto& read : manifest.lookupReads.at(language)) {
             reads.insert(read.entry.empty() ? read.file : "entry " + fs::path(read.entry).stem().string());
         }
         return reads;
@@ -160,11 +171,23 @@ protected:
     Manifest manifest_;
 };
 
-TEST_F(CorpusLoading, FloorReadsExactlyTheFilesTheLibraryReads) {
-    for (const std::string language : {"en", "ja", "ko"}) {
-        EXPECT_EQ(announcedReads(language), manifestReads(language)) << language;
-        const FloorResult floor = readAndParse(root_.path(), manifest_.lookupReads.at(language));
-        EXPECT_EQ(floor.files, manifest_.lookupReads.at(language).size()) << language;
+TEST_F(CorpusLoading, FloorReadsExactlyTheFilesTheLibraryReadsInEveryProfile) {
+    const TempDir variedRoot;
+    const Manifest varied = generateCorpus(variedRoot.path(), smallCorpus(7, Profile::Varied));
+    const std::pair<const fs::path*, const Manifest*> corpora[] = {{&root_.path(), &manifest_},
+                                                                   {&variedRoot.path(), &varied}};
+    for (const auto& [root, manifest] : corpora) {
+        for (const std::string language : {"en", "ja", "ko"}) {
+            EXPECT_EQ(announcedReads(*root, *manifest, language), manifestReads(*manifest, language))
+                << manifest->profile << " " << language;
+            const FloorResult floor = readAndParse(*root, manifest->lookupReads.at(language));
+            EXPECT_EQ(floor.files, manifest->lookupReads.at(language).size()) << language;
+            std::size_t bytes = 0;
+            for (const auto& read : manifest->lookupReads.at(language)) {
+                bytes += read.bytes;
+            }
+            EXPECT_EQ(floor.bytes, bytes) << manifest->profile << " " << language;
+        }
     }
 }
 
@@ -183,6 +206,18 @@ TEST_F(CorpusLoading, EveryEntryLoadsInEveryLanguageWithItsTranslation) {
     for (const std::string language : {"en", "ja", "ko"}) {
         configureHost(root_.path(), manifest_, language);
         const auto results = DocResourceParser::getResourceLookupFiles();
+        if (language == "en") { // the straightforward reader must do the library's whole work
+            std::size_t libraryEntries = 0;
+            for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
+                for (const auto& [key, resource] : *map) {
+                    for (const auto& [name, list] : resource.getItems()) {
+                        libraryEntries += list.size();
+                    }
+                }
+            }
+            EXPECT_EQ(peer::recordCount(peer::loadLookup(root_.path(), manifest_.lookupReads.at("en"))),
+                      libraryEntries);
+        }
         for (const auto& product : manifest_.products) {
             const auto& map = product.installed ? results.installedResources : results.uninstalledResources;
             const auto found = map.find(widen(product.name));
