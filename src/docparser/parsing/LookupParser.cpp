@@ -94,6 +94,16 @@ namespace {
 
 namespace ev = events;
 
+// The first four code units of a name as a number that orders as the names do: a smaller number
+// means a smaller name (a shorter name is padded with zeros, so equal numbers settle nothing).
+std::uint64_t namePrefix(const std::u16string& name) noexcept {
+    std::uint64_t prefix = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        prefix = (prefix << 16) | (i < name.size() ? name[i] : 0u);
+    }
+    return prefix;
+}
+
 // The file being read: where its documents go, and the memory its entries pass through.
 struct LookupFile {
     DocResourceParser::LookupResourceMap& result;
@@ -196,18 +206,23 @@ struct LookupDocumentDraft {
         auto& waiting = scratch.lookupEntries;
         RefItemLookup* const entry = waiting.data() + firstEntry;
         const auto count = static_cast<std::uint32_t>(waiting.size() - firstEntry);
+        // Most comparisons are settled by the names' first four code units, compared as one
+        // number; only names that share them compare in full.
         auto& order = scratch.order;
         order.resize(count);
         for (std::uint32_t i = 0; i < count; ++i) {
-            order[i] = i;
+            order[i] = {namePrefix(entry[i].getName()), i};
         }
-        std::stable_sort(order.begin(), order.end(), [entry](std::uint32_t a, std::uint32_t b) {
-            return text::compareText(entry[a].getName(), entry[b].getName()) < 0;
+        std::stable_sort(order.begin(), order.end(), [entry](const auto& a, const auto& b) {
+            if (a.prefix != b.prefix) {
+                return a.prefix < b.prefix;
+            }
+            return text::compareText(entry[a.index].getName(), entry[b.index].getName()) < 0;
         });
         for (std::uint32_t begin = 0; begin < count;) {
-            const std::u16string& name = entry[order[begin]].getName();
+            const std::u16string& name = entry[order[begin].index].getName();
             std::uint32_t end = begin + 1;
-            while (end < count && text::sameText(entry[order[end]].getName(), name)) {
+            while (end < count && text::sameText(entry[order[end].index].getName(), name)) {
                 ++end;
             }
             auto hint = items.lower_bound(name);
@@ -217,7 +232,7 @@ struct LookupDocumentDraft {
             auto& list = hint->second;
             list.reserve(list.size() + (end - begin));
             for (std::uint32_t i = begin; i < end; ++i) {
-                list.push_back(std::move(entry[order[i]]));
+                list.push_back(std::move(entry[order[i].index]));
             }
             begin = end;
         }

@@ -18,9 +18,16 @@
 namespace reference::docparser {
 
 struct ScratchMemory {
+    // Sorting waiting lookup entries: the first four code units of the name, as a number that
+    // orders as they do, and the entry's index.
+    struct SortKey {
+        std::uint64_t prefix;
+        std::uint32_t index;
+    };
+
     std::string text;
     std::vector<property::RefItemLookup> lookupEntries;
-    std::vector<std::uint32_t> order;
+    std::vector<SortKey> order;
 };
 
 // Installs a fresh ScratchMemory on this thread while it lives (scopes nest).
