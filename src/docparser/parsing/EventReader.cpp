@@ -220,7 +220,8 @@ public:
     }
 
     bool on_string_part(boost::json::string_view part, std::size_t, boost::json::error_code&) {
-        if (skipDepth_ == 0 && levels_[top_].member != nullptr) {
+        // A string at the top (no level open) is refused when it ends; nothing to keep.
+        if (skipDepth_ == 0 && top_ >= 0 && levels_[top_].member != nullptr) {
             pieces_.append(part.data(), part.size());
         }
         return true;
