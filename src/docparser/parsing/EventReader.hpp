@@ -227,9 +227,10 @@ std::uint32_t nextFormatSlot();
 
 // The table of an object whose record `Close` builds:
 //   void close(Draft&, Parent&, std::uint32_t seen, Reader&)
-// Draft has a constructor from a pointer to its parent's draft (or to the result, for the root)
-// and `void reset(Parent*)`, which readies it for the next object while keeping its lists'
-// memory. Close moves the lists' elements out (takeList) rather than the lists themselves.
+// Draft has a constructor from a pointer to its parent's draft (or to the result, for the root).
+// A draft with lists also has `void reset(Parent*)`, which readies it for the next object while
+// keeping its lists' memory (others are simply made anew); its close moves the lists' elements
+// out (takeList) rather than the lists themselves.
 template <auto Close>
 ObjectFormat objectFormat(std::span<const MemberRule> members) {
     using Traits = detail::CloseOf<decltype(Close)>;
@@ -240,7 +241,13 @@ ObjectFormat objectFormat(std::span<const MemberRule> members) {
             KeyIndex(members),
             detail::requiredBits(members),
             [](void* storage, void* parent) { new (storage) Draft(static_cast<Parent*>(parent)); },
-            [](void* draft, void* parent) { static_cast<Draft*>(draft)->reset(static_cast<Parent*>(parent)); },
+            [](void* draft, void* parent) {
+                if constexpr (requires(Draft& d, Parent* p) { d.reset(p); }) {
+                    static_cast<Draft*>(draft)->reset(static_cast<Parent*>(parent));
+                } else {
+                    *static_cast<Draft*>(draft) = Draft(static_cast<Parent*>(parent));
+                }
+            },
             [](void* draft, void* parent, std::uint32_t seen, Reader& reader) {
                 Close(*static_cast<Draft*>(draft), *static_cast<Parent*>(parent), seen, reader);
             },

@@ -114,14 +114,6 @@ struct LookupDocumentDraft;
 
 struct EntryDraft {
     explicit EntryDraft(LookupDocumentDraft*) noexcept {}
-    void reset(LookupDocumentDraft*) noexcept {
-        name.clear();
-        purpose.clear();
-        href.clear();
-        type = RefEntityType::getDefaultValue();
-        functionType = FunctionType::getDefaultValue();
-        deprecated = false;
-    }
 
     std::u16string name;
     std::u16string purpose;

@@ -193,23 +193,14 @@ struct ItemDraft {
 };
 
 struct EntityDraft {
-    explicit EntityDraft(ItemDraft* item) noexcept { reset(item); }
-    void reset(ItemDraft*) noexcept {
-        type = RefEntityType::getDefaultValue();
-        functionType = FunctionType::getDefaultValue();
-        name.clear();
-    }
+    explicit EntityDraft(ItemDraft*) noexcept {}
     RefEntityType::Value type = RefEntityType::getDefaultValue();
     FunctionType::Value functionType = FunctionType::getDefaultValue();
     std::u16string name;
 };
 
 struct ThumbnailDraft {
-    explicit ThumbnailDraft(ItemDraft* item) noexcept { reset(item); }
-    void reset(ItemDraft*) noexcept {
-        fileRef.clear();
-        altText.clear();
-    }
+    explicit ThumbnailDraft(ItemDraft*) noexcept {}
     std::u16string fileRef;
     std::u16string altText;
 };
@@ -307,22 +298,13 @@ struct PropertyDraft {
 };
 
 struct SeeAlsoDraft {
-    explicit SeeAlsoDraft(ItemDraft* item) noexcept { reset(item); }
-    void reset(ItemDraft*) noexcept {
-        url.clear();
-        name.clear();
-    }
+    explicit SeeAlsoDraft(ItemDraft*) noexcept {}
     std::u16string url;
     std::u16string name;
 };
 
 struct ExampleDraft {
-    explicit ExampleDraft(ItemDraft* item) noexcept { reset(item); }
-    void reset(ItemDraft*) noexcept {
-        url.clear();
-        openCommand.clear();
-        title.clear();
-    }
+    explicit ExampleDraft(ItemDraft*) noexcept {}
     std::u16string url;
     std::u16string openCommand;
     std::u16string title;
