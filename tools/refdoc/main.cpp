@@ -74,18 +74,6 @@ void showLibraryLog() {
                                                                   reference::docparser::kFileReadErrorSeverity);
 }
 
-bool wantsHelp(const std::vector<std::string>& args) {
-    for (const auto& arg : args) {
-        if (arg == "--") {
-            return false;
-        }
-        if (arg == "--help" || arg == "-h") {
-            return true;
-        }
-    }
-    return false;
-}
-
 int run(const std::vector<std::string>& argv) {
     const std::vector<Command> commands = allCommands();
     if (argv.empty() || argv.front() == "--help" || argv.front() == "-h" || argv.front() == "help") {
@@ -118,10 +106,6 @@ int run(const std::vector<std::string>& argv) {
         return kExitUsage;
     }
     const std::vector<std::string> args(argv.begin() + 1, argv.end());
-    if (wantsHelp(args)) {
-        std::cout << command->help;
-        return kExitOk;
-    }
     try {
         const ParsedArgs parsed = parseArgs(command->syntax, args);
         // The library logs nothing a user needs; its file-access records only on request.
@@ -130,6 +114,9 @@ int run(const std::vector<std::string>& argv) {
             showLibraryLog();
         }
         return command->run(parsed, std::cout, std::cerr);
+    } catch (const HelpRequested&) {
+        std::cout << command->help;
+        return kExitOk;
     } catch (const UsageError& e) {
         std::cerr << "refdoc: " << e.what() << "\nTry 'refdoc " << command->syntax.name << " --help'.\n";
         return kExitUsage;
