@@ -1,5 +1,5 @@
 // refdoc: a command-line view of a documentation root through the refdoc library.
-//   refdoc lookup | page NAME | find TEXT... | check   [options]   (refdoc --help for more)
+//   refdoc lookup | page NAME | find TEXT... | check | serve   [options]   (refdoc --help for more)
 
 #include "Commands.hpp"
 #include "Host.hpp"
@@ -41,7 +41,7 @@ std::string hostOptionsHelp() {
 namespace {
 
 std::vector<Command> allCommands() {
-    std::vector<Command> commands{lookupCommand(), pageCommand(), findCommand(), checkCommand()};
+    std::vector<Command> commands{lookupCommand(), pageCommand(), findCommand(), checkCommand(), serveCommand()};
     for (auto& command : commands) {
         command.syntax.flags.insert("--log");
     }
