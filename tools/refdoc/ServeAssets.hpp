@@ -51,6 +51,9 @@ inline constexpr const char* kSearchScript = R"js('use strict';
   const box = document.getElementById('q');
   const results = document.getElementById('results');
   if (!box || !results) return;
+  // On the results page the box keeps the focus, the caret after the text.
+  box.focus();
+  box.setSelectionRange(box.value.length, box.value.length);
   let timer = 0;
   let latest = 0;
   box.addEventListener('input', function () {

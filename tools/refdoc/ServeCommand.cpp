@@ -477,7 +477,7 @@ void renderPage(std::string& out, PageContext& context, const RefItem& page) {
         out += "</section>\n";
     }
     if (!page.getInputGroups().empty()) {
-        out += "<section id=\"inputs\"><h2>Input arguments</h2>\n";
+        out += "<section id=\"inputs\"><h2>Inputs</h2>\n";
         for (const auto& group : page.getInputGroups()) {
             out += "<h3>" + escape(toUtf8(group.getTitle())) + "</h3><dl class=\"args\">\n";
             for (const auto& input : group.getInputs()) {
@@ -499,7 +499,7 @@ void renderPage(std::string& out, PageContext& context, const RefItem& page) {
         out += "</section>\n";
     }
     if (!page.getOutputs().empty()) {
-        out += "<section id=\"outputs\"><h2>Output arguments</h2><dl class=\"args\">\n";
+        out += "<section id=\"outputs\"><h2>Outputs</h2><dl class=\"args\">\n";
         for (const auto& output : page.getOutputs()) {
             renderArgument(out, output.getInfo(), {});
         }
@@ -623,7 +623,8 @@ void problemsView(Site& site, const std::string& language, View& view) {
     out += "<h1>Problems</h1>\n<p class=\"meta\">Every lookup and page file under <code>" +
            escape(site.settings.root.string()) + "</code>, read with each supported language current (" +
            escape(joinList(report.languages, ", ")) + "), as <code>refdoc check</code> reads them.</p>\n";
-    out += "<p id=\"summary\">" + plural(report.files.size() - report.dropped, "file read", "files read") + ", " +
+    out += "<p id=\"summary\">" + plural(report.files.size(), "file", "files") + ": " +
+           std::to_string(report.files.size() - report.dropped) + " read, " +
            "<span class=\"dropped\">" + plural(report.dropped, "dropped", "dropped") + "</span>, " +
            "<span class=\"warning\">" + plural(report.warnings, "warning", "warnings") + "</span>.</p>\n";
     for (const DataKind kind : {DataKind::Lookup, DataKind::Page}) {
@@ -700,6 +701,10 @@ void respond(Site& site, const httplib::Request& request, httplib::Response& res
     const std::string& path = request.path;
     if (path == "/assets/style.css") {
         response.set_content(assets::kStyle, "text/css; charset=utf-8");
+        return;
+    }
+    if (path == "/favicon.ico") {
+        response.status = 204; // no icon, and no 404 in the browser's console
         return;
     }
     if (path == "/assets/search.js") {
