@@ -225,10 +225,13 @@ TEST_F(ServeTest, EveryRequestReadsTheFilesAfresh) {
 TEST_F(ServeTest, ParallelRequestsInTwoLanguagesDuringEdits) {
     const TempDir root;
     root.write("refdoc-host.json", R"({"supportedLanguages": ["en", "ja"]})");
-    root.write("docCatalog/referenceapi_lookup/p.json",
-               lookupFile("English Name", "p", R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})"));
-    root.write("docCatalog/referenceapi_lookup/p_ja.json",
-               lookupFile("Japanese Name", "p", R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})"));
+    // Enough entries that a load takes a while, so requests of the two languages overlap.
+    std::string items = R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})";
+    for (int i = 0; i < 3000; ++i) {
+        items += R"(, {"name": "g)" + std::to_string(i) + R"(", "type": "function", "refpurpose": "b", "href": "p/g.html"})";
+    }
+    root.write("docCatalog/referenceapi_lookup/p.json", lookupFile("English Name", "p", items));
+    root.write("docCatalog/referenceapi_lookup/p_ja.json", lookupFile("Japanese Name", "p", items));
     root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "version 0")));
     ServerProcess server({"--root", root.path().string()});
 
@@ -238,9 +241,9 @@ TEST_F(ServeTest, ParallelRequestsInTwoLanguagesDuringEdits) {
     for (int t = 0; t < 4; ++t) {
         readers.emplace_back([&, t] {
             auto client = server.client();
-            for (int i = 0; i < 15; ++i) {
+            for (int i = 0; i < 30; ++i) {
                 const bool japanese = (t + i) % 2 == 0;
-                const auto index = client.Get(japanese ? "/?lang=ja" : "/?lang=en");
+                const auto index = client.Get(japanese ? "/search?q=f&lang=ja" : "/search?q=f&lang=en");
                 // Each answer is the merged result of the language it asked for.
                 if (!index || index->status != 200 ||
                     !contains(index->body, japanese ? "Japanese Name" : "English Name") ||
@@ -261,17 +264,23 @@ TEST_F(ServeTest, ParallelRequestsInTwoLanguagesDuringEdits) {
             }
         });
     }
-    for (int version = 1; version < 30; ++version) {
-        root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "version " + std::to_string(version))));
-    }
-    editing = false;
+    // The page file is rewritten for as long as the readers run.
+    int version = 0;
+    std::thread editor([&] {
+        while (editing) {
+            ++version;
+            root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "version " + std::to_string(version))));
+        }
+    });
     for (auto& reader : readers) {
         reader.join();
     }
+    editing = false;
+    editor.join();
     EXPECT_EQ(failures.load(), 0);
     const auto last = server.client().Get("/ref/p/f.html");
     ASSERT_TRUE(last);
-    EXPECT_TRUE(contains(last->body, "version 29"));
+    EXPECT_TRUE(contains(last->body, "version " + std::to_string(version) + "<"));
     EXPECT_EQ(server.stop(), 0);
 }
 
