@@ -1,7 +1,7 @@
 // refdoc serve over HTTP: the views of the sample root, the answers to hostile requests and
 // hostile data, files edited between and during requests, and a clean stop.
 
-#include "ServerProcess.hpp"
+#include "serve/ServerProcess.hpp"
 #include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>
@@ -84,7 +84,8 @@ TEST_F(ServeTest, ShowsIndexSearchPageAndProblemsOfTheSampleRoot) {
     ASSERT_TRUE(problems);
     EXPECT_EQ(problems->status, 200);
     EXPECT_TRUE(contains(problems->body, "docCatalog/referenceapi_lookup/instrument.json"));
-    EXPECT_TRUE(contains(problems->body, "missing required member &quot;href&quot; at /supportPackages/0/refItems/1/href"))
+    EXPECT_TRUE(
+        contains(problems->body, "missing required member &quot;href&quot; at /supportPackages/0/refItems/1/href"))
         << problems->body;
 
     EXPECT_EQ(server.stop(), 0);
@@ -156,8 +157,8 @@ TEST_F(ServeTest, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
                                      R"({"url": "evil/good.html#purpose", "name": "self"})")));
     ServerProcess server({"--root", root.path().string()});
     auto client = server.client();
-    for (const std::string path : {"/", "/product/evil", "/search?q=evil", "/search?q=%3Cscript%3E",
-                                   "/ref/evil/good.html", "/problems"}) {
+    for (const std::string path :
+         {"/", "/product/evil", "/search?q=evil", "/search?q=%3Cscript%3E", "/ref/evil/good.html", "/problems"}) {
         SCOPED_TRACE(path);
         const auto response = client.Get(path);
         ASSERT_TRUE(response);
@@ -187,8 +188,9 @@ TEST_F(ServeTest, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
 
 TEST_F(ServeTest, EveryRequestReadsTheFilesAfresh) {
     const TempDir root;
-    root.write("docCatalog/referenceapi_lookup/p.json",
-               lookupFile("Product", "p", R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})"));
+    root.write(
+        "docCatalog/referenceapi_lookup/p.json",
+        lookupFile("Product", "p", R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})"));
     root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "first text")));
     ServerProcess server({"--root", root.path().string()});
     auto client = server.client();
@@ -228,7 +230,8 @@ TEST_F(ServeTest, ParallelRequestsInTwoLanguagesDuringEdits) {
     // Enough entries that a load takes a while, so requests of the two languages overlap.
     std::string items = R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})";
     for (int i = 0; i < 3000; ++i) {
-        items += R"(, {"name": "g)" + std::to_string(i) + R"(", "type": "function", "refpurpose": "b", "href": "p/g.html"})";
+        items +=
+            R"(, {"name": "g)" + std::to_string(i) + R"(", "type": "function", "refpurpose": "b", "href": "p/g.html"})";
     }
     root.write("docCatalog/referenceapi_lookup/p.json", lookupFile("English Name", "p", items));
     root.write("docCatalog/referenceapi_lookup/p_ja.json", lookupFile("Japanese Name", "p", items));
@@ -269,7 +272,8 @@ TEST_F(ServeTest, ParallelRequestsInTwoLanguagesDuringEdits) {
     std::thread editor([&] {
         while (editing) {
             ++version;
-            root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "version " + std::to_string(version))));
+            root.write("docCatalog/referenceapi/p.json",
+                       pageFile("p", page("p/f.html", "version " + std::to_string(version))));
         }
     });
     for (auto& reader : readers) {

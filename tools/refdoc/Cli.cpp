@@ -9,18 +9,13 @@
 namespace refdoc::tool {
 namespace {
 
-// CLI11 names an option in its messages without the dashes of a flag ("json was given ...")
-// and with them for an option ("--root: 1 required TEXT missing").
-std::string optionIn(const std::string& message, const CommandSyntax& syntax) {
-    const std::string name = message.substr(0, message.find_first_of(": "));
-    if (syntax.valueOptions.count(name) != 0 || syntax.flags.count(name) != 0) {
-        return name;
-    }
-    return syntax.flags.count("--" + name) != 0 ? "--" + name : name;
+// CLI11 starts its messages about an option with the option's name ("--root: 1 required TEXT missing").
+std::string optionIn(const std::string& message) {
+    return message.substr(0, message.find(':'));
 }
 
-// The tool's own wording for what CLI11 rejects, so that messages stay those of the commands'
-// help texts whatever CLI11 version builds the tool.
+// What CLI11 rejects, in the words the tool has always used (its tests and users' scripts
+// match them). The message texts are those of CLI11 2.1, Debian 12's.
 UsageError usageError(const CLI::ParseError& error, const CLI::App& app, const CommandSyntax& syntax) {
     const std::string message = error.what();
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
@@ -31,10 +26,7 @@ UsageError usageError(const CLI::ParseError& error, const CLI::App& app, const C
         }
         return UsageError("unexpected argument '" + first + "' for '" + syntax.name + "'");
     }
-    const std::string option = optionIn(message, syntax);
-    if (message.find("flag override") != std::string::npos) {
-        return UsageError("option " + option + " takes no value");
-    }
+    const std::string option = optionIn(message);
     if (message.find("At Most") != std::string::npos) {
         return UsageError("option " + option + " given more than once");
     }
@@ -68,12 +60,26 @@ ParsedArgs parseArgs(const CommandSyntax& syntax, const std::vector<std::string>
                                    ->multi_option_policy(CLI::MultiOptionPolicy::Throw));
     }
     for (const auto& name : syntax.flags) {
-        // A flag takes no value: "--json=yes" is an error, as is "--json=true".
         app.add_flag(name, flags[name])->disable_flag_override();
     }
     // Every positional is collected; how many a command takes is checked below, with its own words.
     app.add_option("positionals", parsed.positionals)->expected(0, -1);
 
+    // CLI11 reads "--json=true" as the flag set; the tool has always refused a value on a flag.
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        if (arg == "--") {
+            break;
+        }
+        if (syntax.valueOptions.count(arg) != 0) {
+            ++i; // its value, whatever it looks like
+            continue;
+        }
+        const std::string name = arg.substr(0, arg.find('='));
+        if (name.size() < arg.size() && syntax.flags.count(name) != 0) {
+            throw UsageError("option " + name + " takes no value");
+        }
+    }
     std::vector<std::string> reversed(args.rbegin(), args.rend());
     try {
         app.parse(reversed);

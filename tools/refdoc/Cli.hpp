@@ -46,7 +46,8 @@ struct ParsedArgs {
 };
 
 // Throws HelpRequested for -h/--help, UsageError for an unknown option, an option without its
-// value, a repeated option and too few or too many positional arguments. "--" ends the options; a lone "-" is positional.
+// value, a repeated option and too few or too many positional arguments. "--" ends the
+// options; a lone "-" is positional.
 ParsedArgs parseArgs(const CommandSyntax& syntax, const std::vector<std::string>& args);
 
 } // namespace refdoc::tool

@@ -35,8 +35,8 @@ std::string encodeUrl(std::string_view text, bool keepSlash) {
     out.reserve(text.size());
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
-        if ((byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
-            c == '-' || c == '_' || c == '.' || c == '~' || (keepSlash && c == '/')) {
+        if ((byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') || c == '-' ||
+            c == '_' || c == '.' || c == '~' || (keepSlash && c == '/')) {
             out += c;
         } else {
             out += '%';
@@ -87,7 +87,8 @@ std::optional<PageRef> pageHref(std::string_view href) {
     std::size_t start = 0;
     while (start <= path.size()) {
         const std::size_t slash = path.find('/', start);
-        const std::string_view segment = path.substr(start, slash == std::string_view::npos ? path.npos : slash - start);
+        const std::string_view segment =
+            path.substr(start, slash == std::string_view::npos ? path.npos : slash - start);
         if (segment.empty() || segment == "." || segment == "..") {
             return std::nullopt;
         }

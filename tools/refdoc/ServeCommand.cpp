@@ -19,10 +19,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <map>
 #include <condition_variable>
 #include <csignal>
 #include <iostream>
+#include <map>
 #include <mutex>
 #include <thread>
 
@@ -157,8 +157,8 @@ std::string document(const Site& site, const std::string& language, const View& 
         if (code == language) {
             out += "<strong>" + escape(code) + "</strong>";
         } else {
-            out += "<a href=\"" + escape(path) + "?" + langQuery(code) + "\" hreflang=\"" + escape(code) + "\">" +
-                   escape(code) + "</a>";
+            out += "<a href=\"" + escape(html::encodeUrl(path, true)) + "?" + langQuery(code) + "\" hreflang=\"" +
+                   escape(code) + "\">" + escape(code) + "</a>";
         }
     }
     out += "</nav><a id=\"problems-link\" href=\"/problems?" + langQuery(language) + "\">Problems</a></header>\n";
@@ -222,8 +222,8 @@ void indexView(Site& site, const std::string& language, View& view) {
     view.title = "Products";
     std::string& out = view.body;
     out += "<h1>Products</h1>\n<p class=\"meta\">Documentation root <code>" + escape(site.settings.root.string()) +
-           "</code> · language <strong>" + escape(language) + "</strong> · " + plural(rows.size(), "product key", "product keys") +
-           "</p>\n";
+           "</code> · language <strong>" + escape(language) + "</strong> · " +
+           plural(rows.size(), "product key", "product keys") + "</p>\n";
     if (rows.empty()) {
         out += "<p>No lookup data found.</p>\n";
         return;
@@ -400,7 +400,11 @@ std::string enumText(std::string_view text) {
     return escape(std::string(text));
 }
 
-void renderArgument(std::string& out, const ObjectInfo& info, const std::vector<std::string>& details) {
+void renderArgument(std::string& out, const ObjectInfo& info, std::vector<std::string> details = {},
+                    const std::u16string& defaultValue = {}) {
+    if (!defaultValue.empty()) {
+        details.push_back("Default: <code>" + escape(toUtf8(defaultValue)) + "</code>");
+    }
     // Anchors come as "page.html#id"; the id is the element's.
     const std::string full = toUtf8(info.getAnchor());
     const std::string anchor = full.substr(full.find('#') == std::string::npos ? 0 : full.rfind('#') + 1);
@@ -489,10 +493,7 @@ void renderPage(std::string& out, PageContext& context, const RefItem& page) {
                 if (!kind.empty()) {
                     details.push_back("Kind: " + escape(kind));
                 }
-                if (!input.getDefaultValue().empty()) {
-                    details.push_back("Default: <code>" + escape(toUtf8(input.getDefaultValue())) + "</code>");
-                }
-                renderArgument(out, input.getInfo(), details);
+                renderArgument(out, input.getInfo(), std::move(details), input.getDefaultValue());
             }
             out += "</dl>\n";
         }
@@ -501,7 +502,7 @@ void renderPage(std::string& out, PageContext& context, const RefItem& page) {
     if (!page.getOutputs().empty()) {
         out += "<section id=\"outputs\"><h2>Outputs</h2><dl class=\"args\">\n";
         for (const auto& output : page.getOutputs()) {
-            renderArgument(out, output.getInfo(), {});
+            renderArgument(out, output.getInfo());
         }
         out += "</dl></section>\n";
     }
@@ -513,11 +514,7 @@ void renderPage(std::string& out, PageContext& context, const RefItem& page) {
             }
             out += "<dl class=\"args\">\n";
             for (const auto& property : group.getProperties()) {
-                std::vector<std::string> details;
-                if (!property.getDefaultValue().empty()) {
-                    details.push_back("Default: <code>" + escape(toUtf8(property.getDefaultValue())) + "</code>");
-                }
-                renderArgument(out, property.getInfo(), details);
+                renderArgument(out, property.getInfo(), {}, property.getDefaultValue());
             }
             out += "</dl>\n";
         }
@@ -526,11 +523,7 @@ void renderPage(std::string& out, PageContext& context, const RefItem& page) {
     if (!page.getParameters().empty()) {
         out += "<section id=\"parameters\"><h2>Parameters</h2><dl class=\"args\">\n";
         for (const auto& parameter : page.getParameters()) {
-            std::vector<std::string> details;
-            if (!parameter.getDefaultValue().empty()) {
-                details.push_back("Default: <code>" + escape(toUtf8(parameter.getDefaultValue())) + "</code>");
-            }
-            renderArgument(out, parameter.getInfo(), details);
+            renderArgument(out, parameter.getInfo(), {}, parameter.getDefaultValue());
         }
         out += "</dl></section>\n";
     }
@@ -552,8 +545,8 @@ void renderPage(std::string& out, PageContext& context, const RefItem& page) {
         out += "<section id=\"seealso\" class=\"seealso\"><h2>See also</h2><ul class=\"plain\">\n";
         for (const auto& link : page.getSeeAlso()) {
             const std::string url = toUtf8(link.getUrl());
-            out += "<li>" + dataLink(context, url, toUtf8(link.getName())) + " <code class=\"muted\">" +
-                   escape(url) + "</code></li>\n";
+            out += "<li>" + dataLink(context, url, toUtf8(link.getName())) + " <code class=\"muted\">" + escape(url) +
+                   "</code></li>\n";
         }
         out += "</ul></section>\n";
     }
@@ -562,8 +555,7 @@ void renderPage(std::string& out, PageContext& context, const RefItem& page) {
 
 void pageView(Site& site, const std::string& language, const std::string& href, View& view) {
     const auto roots = DocResourceParser::getReferenceRoots();
-    const std::set<std::string> names =
-        pageNames(std::filesystem::path(toUtf8(roots->referenceFolder)), site.settings);
+    const std::set<std::string> names = pageNames(std::filesystem::path(toUtf8(roots->referenceFolder)), site.settings);
     // The page file is most often named for the first folder of the link; the others are read
     // only when it is not there (support packages' pages live in their product's file).
     std::vector<std::string> order;
@@ -605,7 +597,7 @@ void pageView(Site& site, const std::string& language, const std::string& href, 
 
 // ---- problems ---------------------------------------------------------------------------------
 
-void problemsView(Site& site, const std::string& language, View& view) {
+void problemsView(Site& site, View& view) {
     site.gate.enterAlone();
     Report report;
     try {
@@ -624,9 +616,9 @@ void problemsView(Site& site, const std::string& language, View& view) {
            escape(site.settings.root.string()) + "</code>, read with each supported language current (" +
            escape(joinList(report.languages, ", ")) + "), as <code>refdoc check</code> reads them.</p>\n";
     out += "<p id=\"summary\">" + plural(report.files.size(), "file", "files") + ": " +
-           std::to_string(report.files.size() - report.dropped) + " read, " +
-           "<span class=\"dropped\">" + plural(report.dropped, "dropped", "dropped") + "</span>, " +
-           "<span class=\"warning\">" + plural(report.warnings, "warning", "warnings") + "</span>.</p>\n";
+           std::to_string(report.files.size() - report.dropped) + " read, " + "<span class=\"dropped\">" +
+           plural(report.dropped, "dropped", "dropped") + "</span>, " + "<span class=\"warning\">" +
+           plural(report.warnings, "warning", "warnings") + "</span>.</p>\n";
     for (const DataKind kind : {DataKind::Lookup, DataKind::Page}) {
         out += std::string("<h2>") + (kind == DataKind::Lookup ? "Lookup files" : "Page files") +
                "</h2>\n<table class=\"problems\"><tbody>\n";
@@ -668,7 +660,6 @@ void problemsView(Site& site, const std::string& language, View& view) {
         }
         out += "</ul>\n";
     }
-    (void)language;
 }
 
 // ---- requests ---------------------------------------------------------------------------------
@@ -725,7 +716,8 @@ void respond(Site& site, const httplib::Request& request, httplib::Response& res
         reject(400, "Bad request", "The path holds control characters or is too long.");
         language = site.settings.language;
     } else if (std::find(supported.begin(), supported.end(), language) == supported.end()) {
-        reject(400, "Bad request", "\"" + language + "\" is not a supported language (" + joinList(supported, ", ") + ").");
+        reject(400, "Bad request",
+               "\"" + language + "\" is not a supported language (" + joinList(supported, ", ") + ").");
         language = site.settings.language;
     } else if (const std::string problem = rootError(site); !problem.empty()) {
         reject(503, "Documentation root unavailable", problem);
@@ -739,7 +731,7 @@ void respond(Site& site, const httplib::Request& request, httplib::Response& res
             searchView(site, language, text, view);
         }
     } else if (path == "/problems") {
-        problemsView(site, language, view);
+        problemsView(site, view);
     } else if (path.starts_with("/product/")) {
         const std::string key = path.substr(9);
         if (key.empty() || key.size() > 512 || key.find('/') != std::string::npos) {
@@ -847,22 +839,21 @@ Command serveCommand() {
     addHostOptions(command.syntax);
     command.syntax.valueOptions.insert({"--port", "--bind"});
     command.summary = "show the documentation root in a web browser, read afresh on every request";
-    command.help =
-        "Usage: refdoc serve [options]\n"
-        "\n"
-        "Serves a local web view of the documentation root until interrupted (Ctrl-C): the\n"
-        "products of the lookup load with a language switch, a name search, every reference\n"
-        "page with its links and anchors, and the problems view, which lists what 'refdoc check'\n"
-        "reports. Every request reads the files afresh, so an edited file shows on reload.\n"
-        "It only answers GET and HEAD requests and writes nothing.\n"
-        "\n"
-        "Options:\n"
-        "  --port N                 port to listen on (default: 8737; 0 picks a free one)\n"
-        "  --bind ADDRESS           address to listen on (default: 127.0.0.1, this machine only).\n"
-        "                           Another address, such as 0.0.0.0, lets every machine that can\n"
-        "                           reach it read the documentation root's data and its file\n"
-        "                           paths, without any password\n" +
-        hostOptionsHelp();
+    command.help = "Usage: refdoc serve [options]\n"
+                   "\n"
+                   "Serves a local web view of the documentation root until interrupted (Ctrl-C): the\n"
+                   "products of the lookup load with a language switch, a name search, every reference\n"
+                   "page with its links and anchors, and the problems view, which lists what 'refdoc check'\n"
+                   "reports. Every request reads the files afresh, so an edited file shows on reload.\n"
+                   "It only answers GET and HEAD requests and writes nothing.\n"
+                   "\n"
+                   "Options:\n"
+                   "  --port N                 port to listen on (default: 8737; 0 picks a free one)\n"
+                   "  --bind ADDRESS           address to listen on (default: 127.0.0.1, this machine only).\n"
+                   "                           Another address, such as 0.0.0.0, lets every machine that can\n"
+                   "                           reach it read the documentation root's data and its file\n"
+                   "                           paths, without any password\n" +
+                   hostOptionsHelp();
     command.run = run;
     return command;
 }
