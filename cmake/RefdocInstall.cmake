@@ -30,3 +30,11 @@ install(FILES
   ${PROJECT_BINARY_DIR}/refdocConfig.cmake
   ${PROJECT_BINARY_DIR}/refdocConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/refdoc)
+
+# pkg-config file for consumers without CMake. The prefix is found relative to the .pc file,
+# so an installed tree can be moved.
+file(RELATIVE_PATH REFDOC_PC_PREFIX_FROM_PCDIR
+  ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" REFDOC_PC_PREFIX_FROM_PCDIR "${REFDOC_PC_PREFIX_FROM_PCDIR}")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/refdoc.pc.in ${PROJECT_BINARY_DIR}/refdoc.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/refdoc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

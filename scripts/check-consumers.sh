@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the example consumer twice: against an installed package (find_package) and with the
-# sources pulled in by add_subdirectory. Everything goes below build/consumers.
+# Builds the example consumer three ways: against an installed package (find_package), with the
+# sources pulled in by add_subdirectory, and with a plain compiler command through pkg-config. Everything goes below build/consumers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root="$PWD"
@@ -23,4 +23,12 @@ cmake --build "$work/installed"
 cmake -S "$root/tests/consumer" -B "$work/subdir" -G Ninja -DREFDOC_SOURCE_DIR="$root" >/dev/null
 cmake --build "$work/subdir"
 "$work/subdir/refdoc_consumer"
-echo "consumers: find_package and add_subdirectory builds both work"
+# 3. The same consumer without CMake: the compiler and linker flags from the installed refdoc.pc.
+pcdir=$(dirname "$(find "$work/prefix" -name refdoc.pc | head -n 1)")
+flags=$(PKG_CONFIG_PATH="$pcdir" pkg-config --cflags --libs refdoc)
+mkdir -p "$work/pkgconfig"
+# shellcheck disable=SC2086 # the flags are words
+c++ -Wall -Wextra -Wpedantic -Werror "$root/tests/consumer/main.cpp" $flags \
+  -Wl,-rpath,"$(PKG_CONFIG_PATH="$pcdir" pkg-config --variable=libdir refdoc)" -o "$work/pkgconfig/refdoc_consumer"
+"$work/pkgconfig/refdoc_consumer"
+echo "consumers: find_package, add_subdirectory and pkg-config builds all work"

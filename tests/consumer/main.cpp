@@ -1,5 +1,6 @@
 // Uses the public API through the one header a host includes.
 #include <reference/docparser/DocResourceParser.hpp>
+#include <reference/docparser/TextConversion.hpp>
 
 #include <cstdio>
 
@@ -25,5 +26,11 @@ int main() {
     docparser::DocResourceParser::restoreDefaultSettings();
     std::printf("lookups %zu/%zu, pages %zu, installed %d\n", lookups.installedResources.size(),
                 lookups.uninstalledResources.size(), pages.size(), installed ? 1 : 0);
-    return resource.getItems().size() == 1 && lookups.installedResources.empty() && pages.empty() && installed ? 0 : 1;
+    // The exported converters: an ill-formed byte comes back as U+FFFD.
+    const std::string roundTrip = docparser::utf16ToUtf8(docparser::utf8ToUtf16("\xC3\xA9-\xFF"));
+    std::printf("converted %s\n", roundTrip.c_str());
+    return resource.getItems().size() == 1 && lookups.installedResources.empty() && pages.empty() && installed &&
+                   roundTrip == "\xC3\xA9-\xEF\xBF\xBD"
+               ? 0
+               : 1;
 }

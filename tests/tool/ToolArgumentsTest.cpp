@@ -36,6 +36,7 @@ TEST(ToolArguments, UsageErrorsExitWithStatusTwoAndAMessage) {
         {{"lookup", "--lang", "../ja"}, "refdoc: invalid language code '../ja' in --lang\n"},
         {{"check", "--languages", "en,j a"}, "refdoc: invalid language code 'j a' in --languages\n"},
         {{"lookup", "--json=yes"}, "refdoc: option --json takes no value\n"},
+        {{"lookup", "--json=true"}, "refdoc: option --json takes no value\n"},
         {{"lookup", "extra"}, "refdoc: unexpected argument 'extra' for 'lookup'\n"},
         {{"page"}, "refdoc: 'page' needs a product NAME\nTry 'refdoc page --help'.\n"},
         {{"page", "a", "b"}, "refdoc: unexpected argument 'b' for 'page'\n"},
@@ -43,6 +44,10 @@ TEST(ToolArguments, UsageErrorsExitWithStatusTwoAndAMessage) {
         {{"find"}, "refdoc: 'find' needs the TEXT to search for\n"},
         {{"find", "x", "--limit", "0"}, "refdoc: --limit needs a positive number, not '0'\n"},
         {{"find", "x", "--limit", "3x"}, "refdoc: --limit needs a positive number, not '3x'\n"},
+        {{"serve", "--port", "80x"}, "refdoc: --port needs a number from 0 to 65535, not '80x'\n"},
+        {{"serve", "--port", "65536"}, "refdoc: --port needs a number from 0 to 65535, not '65536'\n"},
+        {{"serve", "--bind="}, "refdoc: option --bind needs a value\n"},
+        {{"serve", "page"}, "refdoc: unexpected argument 'page' for 'serve'\n"},
         {{"frob"}, "refdoc: unknown command 'frob'\nTry 'refdoc --help' for the list of commands.\n"},
         {{"help", "frob"}, "refdoc: unknown command 'frob'\n"},
         {{}, "Usage: refdoc COMMAND [options]\n"},
@@ -62,7 +67,7 @@ TEST(ToolArguments, UsageErrorsExitWithStatusTwoAndAMessage) {
 TEST(ToolArguments, EveryCommandHasHelp) {
     const ToolRun overview = runTool({"--help"});
     EXPECT_EQ(overview.status, 0);
-    for (const char* command : {"lookup", "page", "find", "check"}) {
+    for (const char* command : {"lookup", "page", "find", "check", "serve"}) {
         SCOPED_TRACE(command);
         EXPECT_TRUE(contains(overview.out, std::string("\n  ") + command + " ")) << overview.out;
         for (const std::vector<std::string>& args : {std::vector<std::string>{command, "--help"},
@@ -76,6 +81,8 @@ TEST(ToolArguments, EveryCommandHasHelp) {
             EXPECT_TRUE(help.err.empty());
         }
     }
+    // What another address exposes is said where the option is.
+    EXPECT_TRUE(contains(runTool({"serve", "--help"}).out, "--bind ADDRESS")) << runTool({"serve", "--help"}).out;
     const ToolRun version = runTool({"--version"});
     EXPECT_EQ(version.status, 0);
     EXPECT_TRUE(version.out.starts_with("refdoc ")) << version.out;

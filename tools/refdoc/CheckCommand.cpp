@@ -3,6 +3,7 @@
 // file, and reports every file the library drops with its exact reason, plus what it reads
 // only leniently. Exit status 1 when a file is dropped.
 
+#include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
@@ -31,25 +32,6 @@ using reference::docparser::DropReason;
 using reference::docparser::FileDiagnostic;
 using reference::docparser::ParseDiagnosticsScope;
 using reference::docparser::WarningKind;
-
-enum class DataKind { Lookup, Page };
-
-// A warning of the tool's own, about how the library reads a file's name.
-struct NameWarning {
-    std::string kind;
-    std::string text;
-};
-
-struct CheckedFile {
-    DataKind kind;
-    FileDiagnostic diagnostic;
-    std::vector<NameWarning> nameWarnings;
-};
-
-struct Report {
-    std::vector<CheckedFile> files;
-    std::vector<std::string> ignored; // files in the data folders that the library never reads
-};
 
 using Identity = std::tuple<DiagnosticSource, std::u16string, std::u16string>;
 
@@ -81,6 +63,8 @@ std::string relative(const std::u16string& path, const std::filesystem::path& ro
     return full.rfind(prefix, 0) == 0 ? full.substr(prefix.size()) : full;
 }
 
+} // namespace
+
 std::string fileLabel(const FileDiagnostic& file, const std::filesystem::path& root) {
     std::string label = relative(file.path, root);
     if (file.source == DiagnosticSource::PackageEntry) {
@@ -88,6 +72,8 @@ std::string fileLabel(const FileDiagnostic& file, const std::filesystem::path& r
     }
     return label;
 }
+
+namespace {
 
 bool isLowerAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
     if (text.size() < minimum || text.size() > maximum) {
@@ -210,7 +196,8 @@ bool hasExtension(const std::string& name, std::string_view extension) {
     return dot != std::string::npos && std::string_view(name).substr(dot + 1) == extension;
 }
 
-// The product names of the page files: each .json file's stem without a supported language's suffix.
+} // namespace
+
 std::set<std::string> pageNames(const std::filesystem::path& folder, const HostSettings& settings) {
     std::set<std::string> names;
     std::error_code error;
@@ -269,6 +256,8 @@ std::size_t warningCount(const CheckedFile& file) {
     return file.diagnostic.warnings.size() + file.nameWarnings.size();
 }
 
+namespace {
+
 void writeText(std::ostream& out, const Report& report, const HostSettings& settings, bool quiet) {
     out << "Checking " << settings.root.string() << (settings.sampleRoot ? " (bundled sample)" : "")
         << "\nLanguages read: " << joinList(settings.supportedLanguages, ", ") << '\n';
@@ -321,9 +310,9 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
     }
 }
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
-    HostSettings settings = resolveHostSettings(args);
-    applyHostSettings(settings);
+} // namespace
+
+Report buildReport(const HostSettings& settings) {
 
     // Each run reads the English files and the current language's variants, so one run per
     // supported language reads every file there is.
@@ -339,6 +328,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
     auto& languageService = doclanguage::DocLanguage::getInstance();
 
     Report report;
+    report.languages = languages;
     std::set<Identity> seen;
     for (const auto& language : languages) {
         languageService.setDocLanguage(toUtf16(language));
@@ -369,12 +359,22 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
                [](const std::string& name) { return hasExtension(name, "json") || hasExtension(name, "zip"); });
     addIgnored(report, pageFolder, settings.root, [](const std::string& name) { return hasExtension(name, "json"); });
 
-    std::size_t dropped = 0;
-    std::size_t warnings = 0;
     for (const auto& file : report.files) {
-        dropped += file.diagnostic.dropped() ? 1 : 0;
-        warnings += warningCount(file);
+        report.dropped += file.diagnostic.dropped() ? 1 : 0;
+        report.warnings += warningCount(file);
     }
+    return report;
+}
+
+namespace {
+
+int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
+    const HostSettings settings = resolveHostSettings(args);
+    applyHostSettings(settings);
+    const Report report = buildReport(settings);
+    const std::vector<std::string>& languages = report.languages;
+    const std::size_t dropped = report.dropped;
+    const std::size_t warnings = report.warnings;
     const std::size_t read = report.files.size() - dropped;
 
     if (args.has("--json")) {

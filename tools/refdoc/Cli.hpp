@@ -1,7 +1,8 @@
 #pragma once
 
-// Command-line parsing for the refdoc subcommands: options in the forms --name value and
-// --name=value, flags, and positional arguments, each checked against what the command accepts.
+// Command-line parsing for the refdoc subcommands, on CLI11: options in the forms --name value
+// and --name=value, flags, and positional arguments, each checked against what the command
+// accepts. The messages are the tool's own; the help texts are the commands' own.
 
 #include <map>
 #include <optional>
@@ -16,6 +17,13 @@ namespace refdoc::tool {
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
+};
+
+// -h or --help among the arguments (before "--"): the command's help is shown, whatever else
+// is wrong with the command line.
+class HelpRequested : public std::exception {
+public:
+    const char* what() const noexcept override { return "help requested"; }
 };
 
 // What one command accepts.
@@ -37,8 +45,9 @@ struct ParsedArgs {
     std::optional<std::string> value(const std::string& option) const;
 };
 
-// Throws UsageError for an unknown option, an option without its value, a repeated option and
-// too few or too many positional arguments. "--" ends the options; a lone "-" is positional.
+// Throws HelpRequested for -h/--help, UsageError for an unknown option, an option without its
+// value, a repeated option and too few or too many positional arguments. "--" ends the
+// options; a lone "-" is positional.
 ParsedArgs parseArgs(const CommandSyntax& syntax, const std::vector<std::string>& args);
 
 } // namespace refdoc::tool

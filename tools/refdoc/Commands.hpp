@@ -24,6 +24,7 @@ Command lookupCommand();
 Command pageCommand();
 Command findCommand();
 Command checkCommand();
+Command serveCommand();
 
 // The help text of the options that addHostOptions adds.
 std::string hostOptionsHelp();

@@ -3,6 +3,7 @@
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
+#include "Search.hpp"
 #include "Text.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
@@ -20,8 +21,7 @@ namespace {
 
 using reference::docparser::DocResourceParser;
 
-// How well a name matches: lower is better.
-enum class Match { Exact = 0, Prefix = 1, Substring = 2 };
+} // namespace
 
 std::string_view matchName(Match match) {
     switch (match) {
@@ -35,16 +35,7 @@ std::string_view matchName(Match match) {
     return "";
 }
 
-struct Hit {
-    Match match;
-    std::u32string foldedName;
-    std::string name;
-    std::string purpose;
-    std::string href;
-    std::string productKey;
-    std::string productName;
-    bool installed;
-};
+namespace {
 
 std::optional<Match> bestMatch(const std::u32string& name, const std::vector<std::u32string>& queries) {
     std::optional<Match> best;
@@ -81,6 +72,22 @@ void collect(const DocResourceParser::LookupResourceMap& resources, bool install
     }
 }
 
+} // namespace
+
+std::vector<Hit> findHits(const DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap>& results,
+                          const std::vector<std::u32string>& queries) {
+    std::vector<Hit> hits;
+    collect(results.installedResources, true, queries, hits);
+    collect(results.uninstalledResources, false, queries, hits);
+    std::stable_sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) {
+        return std::tie(a.match, a.foldedName, a.name, a.productKey) <
+               std::tie(b.match, b.foldedName, b.name, b.productKey);
+    });
+    return hits;
+}
+
+namespace {
+
 std::size_t parseLimit(const std::optional<std::string>& text) {
     if (!text) {
         return 0;
@@ -107,13 +114,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
     applyHostSettings(settings);
     const auto results = DocResourceParser::getResourceLookupFiles();
 
-    std::vector<Hit> hits;
-    collect(results.installedResources, true, queries, hits);
-    collect(results.uninstalledResources, false, queries, hits);
-    std::stable_sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) {
-        return std::tie(a.match, a.foldedName, a.name, a.productKey) <
-               std::tie(b.match, b.foldedName, b.name, b.productKey);
-    });
+    std::vector<Hit> hits = findHits(results, queries);
     const std::size_t total = hits.size();
     if (limit != 0 && hits.size() > limit) {
         hits.resize(limit);

@@ -1,27 +1,11 @@
 #include "Text.hpp"
 
+#include <reference/docparser/TextConversion.hpp>
+
 #include <cwctype>
 
 namespace refdoc::tool {
 namespace {
-
-void appendUtf8(std::string& out, char32_t c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-}
 
 // Code points of UTF-16 text; a lone surrogate becomes U+FFFD.
 template <class Visit>
@@ -35,43 +19,6 @@ void forEachCodePoint(std::u16string_view text, Visit&& visit) {
             visit(0xFFFD);
         } else {
             visit(unit);
-        }
-    }
-}
-
-// Code points of UTF-8 text; every byte that does not start a well-formed sequence becomes U+FFFD.
-template <class Visit>
-void forEachCodePoint(std::string_view text, Visit&& visit) {
-    std::size_t i = 0;
-    while (i < text.size()) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        std::size_t length = 0;
-        char32_t c = 0;
-        char32_t minimum = 0;
-        if (byte < 0x80) {
-            visit(byte);
-            ++i;
-            continue;
-        }
-        if ((byte & 0xE0) == 0xC0) {
-            length = 2, c = byte & 0x1F, minimum = 0x80;
-        } else if ((byte & 0xF0) == 0xE0) {
-            length = 3, c = byte & 0x0F, minimum = 0x800;
-        } else if ((byte & 0xF8) == 0xF0) {
-            length = 4, c = byte & 0x07, minimum = 0x10000;
-        }
-        bool valid = length != 0 && i + length <= text.size();
-        for (std::size_t k = 1; valid && k < length; ++k) {
-            const auto next = static_cast<unsigned char>(text[i + k]);
-            valid = (next & 0xC0) == 0x80;
-            c = (c << 6) | (next & 0x3F);
-        }
-        if (valid && c >= minimum && c <= 0x10FFFF && !(c >= 0xD800 && c <= 0xDFFF)) {
-            visit(c);
-            i += length;
-        } else {
-            visit(0xFFFD);
-            ++i;
         }
     }
 }
@@ -92,24 +39,11 @@ bool isCombining(char32_t c) {
 } // namespace
 
 std::string toUtf8(std::u16string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    forEachCodePoint(text, [&out](char32_t c) { appendUtf8(out, c); });
-    return out;
+    return reference::docparser::utf16ToUtf8(text);
 }
 
 std::u16string toUtf16(std::string_view text) {
-    std::u16string out;
-    out.reserve(text.size());
-    forEachCodePoint(text, [&out](char32_t c) {
-        if (c >= 0x10000) {
-            out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-            out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-        } else {
-            out += static_cast<char16_t>(c);
-        }
-    });
-    return out;
+    return reference::docparser::utf8ToUtf16(text);
 }
 
 std::u32string foldCase(std::u16string_view text) {
@@ -127,7 +61,7 @@ std::u32string foldCase(std::u16string_view text) {
 
 std::size_t displayWidth(std::string_view utf8) {
     std::size_t width = 0;
-    forEachCodePoint(utf8, [&width](char32_t c) { width += isCombining(c) ? 0 : isWide(c) ? 2 : 1; });
+    forEachCodePoint(toUtf16(utf8), [&width](char32_t c) { width += isCombining(c) ? 0 : isWide(c) ? 2 : 1; });
     return width;
 }
 

@@ -8,9 +8,9 @@
 
 namespace refdoc::tool {
 
-// UTF-16 to UTF-8; a lone surrogate becomes U+FFFD.
+// The library's converters (reference/docparser/TextConversion.hpp): a lone surrogate becomes
+// U+FFFD, and so does each maximal ill-formed subpart of UTF-8.
 std::string toUtf8(std::u16string_view text);
-// UTF-8 to UTF-16; each ill-formed byte becomes U+FFFD.
 std::u16string toUtf16(std::string_view text);
 
 // Lower-cased code points for case-insensitive matching (simple case folding as the C.UTF-8

@@ -1,5 +1,5 @@
 // refdoc: a command-line view of a documentation root through the refdoc library.
-//   refdoc lookup | page NAME | find TEXT... | check   [options]   (refdoc --help for more)
+//   refdoc lookup | page NAME | find TEXT... | check | serve   [options]   (refdoc --help for more)
 
 #include "Commands.hpp"
 #include "Host.hpp"
@@ -41,7 +41,7 @@ std::string hostOptionsHelp() {
 namespace {
 
 std::vector<Command> allCommands() {
-    std::vector<Command> commands{lookupCommand(), pageCommand(), findCommand(), checkCommand()};
+    std::vector<Command> commands{lookupCommand(), pageCommand(), findCommand(), checkCommand(), serveCommand()};
     for (auto& command : commands) {
         command.syntax.flags.insert("--log");
     }
@@ -72,18 +72,6 @@ void showLibraryLog() {
     boost::log::core::get()->add_sink(sink);
     reference::docparser::diagnosticLogger().setEnabledSeverities(reference::docparser::kFileAccessSeverity |
                                                                   reference::docparser::kFileReadErrorSeverity);
-}
-
-bool wantsHelp(const std::vector<std::string>& args) {
-    for (const auto& arg : args) {
-        if (arg == "--") {
-            return false;
-        }
-        if (arg == "--help" || arg == "-h") {
-            return true;
-        }
-    }
-    return false;
 }
 
 int run(const std::vector<std::string>& argv) {
@@ -118,10 +106,6 @@ int run(const std::vector<std::string>& argv) {
         return kExitUsage;
     }
     const std::vector<std::string> args(argv.begin() + 1, argv.end());
-    if (wantsHelp(args)) {
-        std::cout << command->help;
-        return kExitOk;
-    }
     try {
         const ParsedArgs parsed = parseArgs(command->syntax, args);
         // The library logs nothing a user needs; its file-access records only on request.
@@ -130,6 +114,9 @@ int run(const std::vector<std::string>& argv) {
             showLibraryLog();
         }
         return command->run(parsed, std::cout, std::cerr);
+    } catch (const HelpRequested&) {
+        std::cout << command->help;
+        return kExitOk;
     } catch (const UsageError& e) {
         std::cerr << "refdoc: " << e.what() << "\nTry 'refdoc " << command->syntax.name << " --help'.\n";
         return kExitUsage;

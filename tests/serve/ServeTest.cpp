@@ -1,0 +1,291 @@
+// refdoc serve over HTTP: the views of the sample root, the answers to hostile requests and
+// hostile data, files edited between and during requests, and a clean stop.
+
+#include "serve/ServerProcess.hpp"
+#include "support/TempDir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <thread>
+
+namespace {
+
+using namespace refdoc::test;
+
+class ServeTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (std::string_view(REFDOC_TOOL_PATH).empty()) {
+            GTEST_SKIP() << "the refdoc tool is not built (REFDOC_BUILD_TOOLS=OFF)";
+        }
+    }
+};
+
+std::string lookupFile(const std::string& product, const std::string& folder, const std::string& items) {
+    return R"({"productName": ")" + product + R"(", "baseCode": "X", "helpFolder": ")" + folder +
+           R"(", "helpLocation": "help/x", "refItems": [)" + items + "]}";
+}
+
+std::string pageFile(const std::string& folder, const std::string& items) {
+    return R"({"productName": "P", "baseCode": "X", "helpFolder": ")" + folder +
+           R"(", "helpLocation": "help/x", "refItems": [)" + items + "]}";
+}
+
+std::string page(const std::string& href, const std::string& purpose, const std::string& seeAlso = "") {
+    return R"({"href": ")" + href + R"(", "refpurpose": ")" + purpose +
+           R"(", "refentity": [{"type": "function", "name": "f"}], "seealso": [)" + seeAlso + "]}";
+}
+
+TEST_F(ServeTest, ShowsIndexSearchPageAndProblemsOfTheSampleRoot) {
+    ServerProcess server({});
+    auto client = server.client();
+
+    const auto index = client.Get("/");
+    ASSERT_TRUE(index);
+    EXPECT_EQ(index->status, 200);
+    for (const char* key : {"geodesy", "mapping", "optics", "signal", "usbdaq"}) {
+        EXPECT_TRUE(contains(index->body, std::string("href=\"/product/") + key + "?lang=en\"")) << key;
+    }
+    // The lookup load drops instrument.json; every view counts what it read.
+    EXPECT_TRUE(contains(index->body, "1 dropped")) << index->body;
+    EXPECT_EQ(index->get_header_value("Content-Security-Policy").find("default-src 'none'"), 0u);
+
+    const auto japanese = client.Get("/?lang=ja");
+    ASSERT_TRUE(japanese);
+    EXPECT_EQ(japanese->status, 200);
+    EXPECT_TRUE(contains(japanese->body, "<html lang=\"ja\""));
+    EXPECT_NE(japanese->body, index->body);
+
+    const auto search = client.Get("/search?q=USB");
+    ASSERT_TRUE(search);
+    EXPECT_EQ(search->status, 200);
+    EXPECT_TRUE(contains(search->body, "href=\"/ref/usbdaq/ref/usbacquire.html?lang=en\">usbacquire</a>"));
+    EXPECT_TRUE(contains(search->body, "href=\"/ref/usbdaq/ref/usbdevices.html?lang=en\">usbdevices</a>"));
+
+    const auto page = client.Get("/ref/signal/ref/fastfilter.html");
+    ASSERT_TRUE(page);
+    EXPECT_EQ(page->status, 200);
+    for (const char* part : {"id=\"syntax\"", "id=\"inputs\"", "id=\"outputs\"", "id=\"examples\"", "id=\"seealso\"",
+                             "<dt id=\"input_b\">", "href=\"#input_b\"",
+                             "href=\"/ref/signal/ref/ratechange.html?lang=en\">ratechange</a>"}) {
+        EXPECT_TRUE(contains(page->body, part)) << part;
+    }
+    // The example's user-guide page is not a reference page of the root: text, not a link.
+    EXPECT_FALSE(contains(page->body, "/ref/signal/ug/filter-noisy-data.html"));
+
+    // A support package's page lives in its product's page file.
+    const auto supportPage = client.Get("/ref/usbdaq/ref/usbacquire.html?lang=ja");
+    ASSERT_TRUE(supportPage);
+    EXPECT_EQ(supportPage->status, 200);
+
+    const auto problems = client.Get("/problems");
+    ASSERT_TRUE(problems);
+    EXPECT_EQ(problems->status, 200);
+    EXPECT_TRUE(contains(problems->body, "docCatalog/referenceapi_lookup/instrument.json"));
+    EXPECT_TRUE(
+        contains(problems->body, "missing required member &quot;href&quot; at /supportPackages/0/refItems/1/href"))
+        << problems->body;
+
+    EXPECT_EQ(server.stop(), 0);
+}
+
+TEST_F(ServeTest, AnswersHostileRequestsWithClientErrorsAndKeepsServing) {
+    ServerProcess server({});
+    const struct Case {
+        std::string method;
+        std::string path;
+        int status;
+    } cases[] = {
+        {"GET", "/ref/../../etc/passwd", 400},
+        {"GET", "/ref/%2e%2e/%2e%2e/etc/passwd", 400},
+        {"GET", "/ref/signal/..%2F..%2Fetc%2Fpasswd", 400},
+        {"GET", "/ref//etc/passwd", 400},
+        {"GET", "/ref/javascript:alert(1)", 400},
+        {"GET", "/ref/signal/ref/x%00.html", 400},
+        {"GET", "/%00", 400},
+        {"GET", "/ref/signal/ref/none.html", 404},
+        {"GET", "/product/none", 404},
+        {"GET", "/product/..%2Fx", 400},
+        {"GET", "/?lang=../ja", 400},
+        {"GET", "/?lang=xx", 400},
+        {"GET", "/search?q=%00", 400},
+        {"GET", "/search?q=" + std::string(300, 'a'), 400},
+        {"GET", "/assets/../../etc/passwd", 404},
+        {"GET", "/etc/passwd", 404},
+        {"GET", "/" + std::string(9000, 'a'), 414},
+        {"POST", "/", 405},
+        {"PUT", "/problems", 405},
+        {"DELETE", "/", 405},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.method + " " + c.path.substr(0, 80));
+        // A raw request line: the client must not normalise the hostile path.
+        httplib::Request request;
+        request.method = c.method;
+        request.path = c.path;
+        auto client = server.client();
+        const auto response = client.send(request);
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->status, c.status);
+        EXPECT_FALSE(contains(response->body, "root:x:0:0")) << "a file outside the root was served";
+    }
+    const auto head = server.client().Head("/");
+    ASSERT_TRUE(head);
+    EXPECT_EQ(head->status, 200);
+    const auto index = server.client().Get("/");
+    ASSERT_TRUE(index);
+    EXPECT_EQ(index->status, 200);
+    EXPECT_EQ(server.stop(), 0);
+}
+
+TEST_F(ServeTest, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
+    const TempDir root;
+    const std::string hostile = R"(<script>alert(1)</script> \"q\" 'a' & <img src=x onerror=alert(2)>)";
+    root.write("docCatalog/referenceapi_lookup/evil.json",
+               lookupFile(hostile, "evil",
+                          R"({"name": "evil\"><b>x", "type": "function", "refpurpose": ")" + hostile +
+                              R"(", "href": "javascript:alert(3);"},)"
+                              R"({"name": "good", "type": "function", "refpurpose": "ok", "href": "evil/good.html"})"));
+    root.write("docCatalog/referenceapi/evil.json",
+               pageFile("evil", page("evil/good.html", hostile,
+                                     R"({"url": "javascript:alert(4);", "name": "js"},)"
+                                     R"({"url": "//attacker.example/x.html", "name": "remote"},)"
+                                     R"({"url": "../../../etc/passwd", "name": "up"},)"
+                                     R"({"url": "evil/good.html\" onclick=\"alert(5);", "name": "quote"},)"
+                                     R"({"url": "evil/good.html#purpose", "name": "self"})")));
+    ServerProcess server({"--root", root.path().string()});
+    auto client = server.client();
+    for (const std::string path :
+         {"/", "/product/evil", "/search?q=evil", "/search?q=%3Cscript%3E", "/ref/evil/good.html", "/problems"}) {
+        SCOPED_TRACE(path);
+        const auto response = client.Get(path);
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->status, 200);
+        const std::string& body = response->body;
+        EXPECT_FALSE(contains(body, "<script>alert")) << body;
+        EXPECT_FALSE(contains(body, "<img src=x")) << body;
+        EXPECT_FALSE(contains(body, "<b>x")) << body;
+        EXPECT_FALSE(contains(body, "href=\"javascript:")) << body;
+        EXPECT_FALSE(contains(body, "onclick=\"alert")) << body;
+        EXPECT_FALSE(contains(body, "href=\"//")) << body;
+        EXPECT_FALSE(contains(body, "attacker.example/x.html\">")) << body;
+    }
+    const auto page = client.Get("/ref/evil/good.html");
+    ASSERT_TRUE(page);
+    EXPECT_TRUE(contains(page->body, "&lt;script&gt;alert(1)&lt;/script&gt; &quot;q&quot; &#39;a&#39; &amp;"));
+    // Only the reference to a page of the root is a link; the others show as text.
+    EXPECT_TRUE(contains(page->body, "href=\"/ref/evil/good.html?lang=en#purpose\">self</a>"));
+    for (const char* text : {"js", "remote", "up", "quote"}) {
+        EXPECT_TRUE(contains(page->body, std::string("<span class=\"unlinked\">") + text + "</span>")) << text;
+    }
+    const auto product = client.Get("/product/evil");
+    ASSERT_TRUE(product);
+    EXPECT_TRUE(contains(product->body, "<td>evil&quot;&gt;&lt;b&gt;x</td>")) << product->body;
+    EXPECT_TRUE(contains(product->body, "href=\"/ref/evil/good.html?lang=en\">good</a>"));
+}
+
+TEST_F(ServeTest, EveryRequestReadsTheFilesAfresh) {
+    const TempDir root;
+    root.write(
+        "docCatalog/referenceapi_lookup/p.json",
+        lookupFile("Product", "p", R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})"));
+    root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "first text")));
+    ServerProcess server({"--root", root.path().string()});
+    auto client = server.client();
+
+    const auto before = client.Get("/ref/p/f.html");
+    ASSERT_TRUE(before);
+    EXPECT_TRUE(contains(before->body, "first text"));
+
+    root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "second text")));
+    const auto after = client.Get("/ref/p/f.html");
+    ASSERT_TRUE(after);
+    EXPECT_TRUE(contains(after->body, "second text"));
+
+    // A broken file: the page is gone, and the problems view says why.
+    root.write("docCatalog/referenceapi/p.json", R"({"productName": "P", "refItems": [)");
+    const auto broken = client.Get("/ref/p/f.html");
+    ASSERT_TRUE(broken);
+    EXPECT_EQ(broken->status, 404);
+    EXPECT_TRUE(contains(broken->body, "1 dropped")) << broken->body;
+    const auto problems = client.Get("/problems");
+    ASSERT_TRUE(problems);
+    EXPECT_TRUE(contains(problems->body, "docCatalog/referenceapi/p.json"));
+    EXPECT_TRUE(contains(problems->body, "JSON syntax error at line 1")) << problems->body;
+
+    // A root that goes away: a page that says so, not a crash.
+    std::filesystem::rename(root.path() / "docCatalog", root.path() / "moved");
+    const auto gone = client.Get("/");
+    ASSERT_TRUE(gone);
+    EXPECT_EQ(gone->status, 503);
+    EXPECT_TRUE(contains(gone->body, "has no docCatalog folder any more"));
+    EXPECT_EQ(server.stop(), 0);
+}
+
+TEST_F(ServeTest, ParallelRequestsInTwoLanguagesDuringEdits) {
+    const TempDir root;
+    root.write("refdoc-host.json", R"({"supportedLanguages": ["en", "ja"]})");
+    // Enough entries that a load takes a while, so requests of the two languages overlap.
+    std::string items = R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})";
+    for (int i = 0; i < 3000; ++i) {
+        items +=
+            R"(, {"name": "g)" + std::to_string(i) + R"(", "type": "function", "refpurpose": "b", "href": "p/g.html"})";
+    }
+    root.write("docCatalog/referenceapi_lookup/p.json", lookupFile("English Name", "p", items));
+    root.write("docCatalog/referenceapi_lookup/p_ja.json", lookupFile("Japanese Name", "p", items));
+    root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "version 0")));
+    ServerProcess server({"--root", root.path().string()});
+
+    std::atomic<bool> editing{true};
+    std::atomic<int> failures{0};
+    std::vector<std::thread> readers;
+    for (int t = 0; t < 4; ++t) {
+        readers.emplace_back([&, t] {
+            auto client = server.client();
+            for (int i = 0; i < 30; ++i) {
+                const bool japanese = (t + i) % 2 == 0;
+                const auto index = client.Get(japanese ? "/search?q=f&lang=ja" : "/search?q=f&lang=en");
+                // Each answer is the merged result of the language it asked for.
+                if (!index || index->status != 200 ||
+                    !contains(index->body, japanese ? "Japanese Name" : "English Name") ||
+                    contains(index->body, japanese ? "English Name" : "Japanese Name")) {
+                    ++failures;
+                }
+                const auto pageResponse = client.Get("/ref/p/f.html");
+                // Mid-write the file may be cut short and dropped: 404, never anything worse.
+                if (!pageResponse || (pageResponse->status != 200 && pageResponse->status != 404)) {
+                    ++failures;
+                }
+                if (i % 5 == 0) {
+                    const auto problems = client.Get("/problems");
+                    if (!problems || problems->status != 200) {
+                        ++failures;
+                    }
+                }
+            }
+        });
+    }
+    // The page file is rewritten for as long as the readers run.
+    int version = 0;
+    std::thread editor([&] {
+        while (editing) {
+            ++version;
+            root.write("docCatalog/referenceapi/p.json",
+                       pageFile("p", page("p/f.html", "version " + std::to_string(version))));
+        }
+    });
+    for (auto& reader : readers) {
+        reader.join();
+    }
+    editing = false;
+    editor.join();
+    EXPECT_EQ(failures.load(), 0);
+    const auto last = server.client().Get("/ref/p/f.html");
+    ASSERT_TRUE(last);
+    EXPECT_TRUE(contains(last->body, "version " + std::to_string(version) + "<"));
+    EXPECT_EQ(server.stop(), 0);
+}
+
+} // namespace

@@ -1,0 +1,57 @@
+#pragma once
+
+// What `refdoc check` finds under a documentation root: every lookup and page file read with
+// each supported language current, what the library drops and why, and what it reads only
+// leniently. `refdoc check` prints it; `refdoc serve` shows it as its problems view.
+
+#include "Host.hpp"
+
+#include <reference/docparser/ParseDiagnostics.hpp>
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace refdoc::tool {
+
+enum class DataKind { Lookup, Page };
+
+// A warning of the tool's own, about how the library reads a file's name.
+struct NameWarning {
+    std::string kind;
+    std::string text;
+};
+
+struct CheckedFile {
+    DataKind kind;
+    reference::docparser::FileDiagnostic diagnostic;
+    std::vector<NameWarning> nameWarnings;
+};
+
+struct Report {
+    std::vector<std::string> languages; // the languages the files were read with
+    std::vector<CheckedFile> files;
+    std::vector<std::string> ignored; // files in the data folders that the library never reads
+    std::size_t dropped = 0;
+    std::size_t warnings = 0;
+};
+
+// Reads every file under the root of `settings`, which applyHostSettings has made current. It
+// switches the documentation language while it runs and sets it back to settings.language, so
+// no other thread may load data meanwhile.
+Report buildReport(const HostSettings& settings);
+
+// The product names of the page files in `folder`: each .json file's stem without a supported
+// language's suffix.
+std::set<std::string> pageNames(const std::filesystem::path& folder, const HostSettings& settings);
+
+// The file's path relative to the root, with ": ENTRY" for a package entry.
+std::string fileLabel(const reference::docparser::FileDiagnostic& file, const std::filesystem::path& root);
+// Why a dropped file was dropped, in words.
+std::string dropText(const reference::docparser::FileDiagnostic& file);
+// A warning of the library, in words.
+std::string warningText(const reference::docparser::ParseWarning& warning);
+std::size_t warningCount(const CheckedFile& file);
+
+} // namespace refdoc::tool
