@@ -2,6 +2,8 @@
 #include <doc_products_shared/DocProductCollector.hpp>
 #include <doc_products_shared/TopLevelDocProduct.hpp>
 
+#include <stdexcept>
+
 namespace doc_products_shared {
 
 DocProduct::DocProduct(std::string shortName, std::string displayName, std::string helpLocation,
@@ -20,7 +22,15 @@ DocProductCollector::DocProductCollector()
 
 DocProductCollector::ProductList DocProductCollector::getInstalledTopLevelDocProducts() const {
     std::lock_guard lock(mutex_);
+    if (!failure_.empty()) {
+        throw std::runtime_error(failure_);
+    }
     return products_;
+}
+
+void DocProductCollector::setFailure(std::string message) {
+    std::lock_guard lock(mutex_);
+    failure_ = std::move(message);
 }
 
 void DocProductCollector::setInstalledTopLevelDocProducts(

@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <mutex>
+#include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -16,11 +18,24 @@ std::u16string& configuredRoot() {
     return root;
 }
 
+std::string& configuredFailure() {
+    static std::string failure;
+    return failure;
+}
+
 } // namespace
 
 std::u16string SupportPackageRootReader::getSupportPackageRootNoCreate() const {
     std::lock_guard lock(rootMutex());
+    if (!configuredFailure().empty()) {
+        throw std::runtime_error(configuredFailure());
+    }
     return configuredRoot();
+}
+
+void SupportPackageRootReader::setFailure(std::string message) {
+    std::lock_guard lock(rootMutex());
+    configuredFailure() = std::move(message);
 }
 
 void SupportPackageRootReader::setSupportPackageRoot(std::u16string root) {

@@ -1,7 +1,10 @@
 // Eight threads load lookups and pages for a few seconds while five others keep changing every
-// setting a load reads: the reference root, the test products, the current language, the
-// support-package cache, and all of them at once through restoreDefaultSettings. Each result must
-// be exactly the result of one settings combination, computed beforehand one at a time.
+// setting a load reads: the reference root, the test products and packages (always set as a
+// pair), the current language, the support-package cache, and all of them at once through
+// restoreDefaultSettings. Each result must be exactly the result of one settings combination,
+// computed beforehand one at a time; in particular a lookup load must see products and support
+// packages that were in force together, never the products of one pair with the packages of
+// another. Under the thread sanitizer this also checks the locking and the lock order.
 //
 // The supported languages stay fixed: a lookup load reads them and the current language
 // separately, so changing both would let a load see a language pair that never was set. Only the
@@ -56,10 +59,15 @@ constexpr int kLoaders = 8;
 
 struct Combination {
     const TempDir* root;
-    std::u16string product;     // the one installed top-level product
-    bool installedPackages;     // the support packages of the installation, or the test ones
+    std::u16string product; // the one installed top-level product
+    bool installedPackages; // the support packages of the installation, or those paired with the product
     std::u16string language;
 };
+
+// The test support packages set together with each test product: "sp_test" only with "one".
+std::vector<std::u16string> pairedPackages(const std::u16string& product) {
+    return product == u"one" ? std::vector<std::u16string>{u"sp_test"} : std::vector<std::u16string>{};
+}
 
 class Stress : public HostSettingsFixture {
 protected:
@@ -79,7 +87,7 @@ protected:
 
     static void apply(const Combination& c) {
         DocResourceParser::setReferenceRoot(c.root->u16());
-        DocResourceParser::setTestProducts({c.product}, {u"sp_test"});
+        DocResourceParser::setTestProducts({c.product}, pairedPackages(c.product));
         if (c.installedPackages) {
             DocResourceParser::clearSupportPackageCache();
         }
@@ -152,7 +160,10 @@ TEST_F(Stress, EveryLoadUnderConstantChangeMatchesOneCombination) {
 
     const std::vector<std::function<void(std::mt19937&)>> changes{
         [&](std::mt19937& random) { DocResourceParser::setReferenceRoot(random() % 2 ? rootA_.u16() : rootB_.u16()); },
-        [&](std::mt19937& random) { DocResourceParser::setTestProducts({random() % 2 ? u"one" : u"two"}, {u"sp_test"}); },
+        [&](std::mt19937& random) {
+            const std::u16string product = random() % 2 ? u"one" : u"two";
+            DocResourceParser::setTestProducts({product}, pairedPackages(product));
+        },
         [&](std::mt19937& random) { doclanguage::DocLanguage::getInstance().setDocLanguage(random() % 2 ? u"en" : u"ja"); },
         [&](std::mt19937&) { DocResourceParser::clearSupportPackageCache(); },
         [&](std::mt19937&) { DocResourceParser::restoreDefaultSettings(); },
@@ -178,7 +189,8 @@ TEST_F(Stress, EveryLoadUnderConstantChangeMatchesOneCombination) {
             std::mt19937 random(static_cast<unsigned>(t) + 100);
             while (std::chrono::steady_clock::now() < deadline) {
                 try {
-                    if (random() % 2 == 0) {
+                    const auto choice = random() % 5;
+                    if (choice < 2) {
                         const auto found = std::find(expectedLookups.begin(), expectedLookups.end(),
                                                      DocResourceParser::getResourceLookupFiles());
                         if (found == expectedLookups.end()) {
@@ -187,7 +199,7 @@ TEST_F(Stress, EveryLoadUnderConstantChangeMatchesOneCombination) {
                             std::lock_guard lock(seenMutex);
                             seenLookups.insert(static_cast<std::size_t>(found - expectedLookups.begin()));
                         }
-                    } else {
+                    } else if (choice < 4) {
                         const auto found = std::find(expectedPages.begin(), expectedPages.end(),
                                                      DocResourceParser::getResourceFile(u"one"));
                         if (found == expectedPages.end()) {
@@ -196,6 +208,15 @@ TEST_F(Stress, EveryLoadUnderConstantChangeMatchesOneCombination) {
                             std::lock_guard lock(seenMutex);
                             seenPages.insert(static_cast<std::size_t>(found - expectedPages.begin()));
                         }
+                    } else {
+                        // The settings read one at a time: never half-made, and the lock order of
+                        // isProductInstalled cannot deadlock with the writers.
+                        const auto roots = DocResourceParser::getReferenceRoots();
+                        if (roots->lookupFolder != roots->docRoot + u"/docCatalog/referenceapi_lookup" ||
+                            roots->referenceFolder != roots->docRoot + u"/docCatalog/referenceapi") {
+                            ++failures;
+                        }
+                        (void)DocResourceParser::isProductInstalled(u"one");
                     }
                 } catch (...) {
                     ++failures;

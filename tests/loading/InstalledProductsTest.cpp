@@ -1,13 +1,16 @@
+#include "support/DocrootBuilder.hpp"
 #include "support/HostSettingsFixture.hpp"
 #include "support/TempDir.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
+#include <doc_products_shared/DocProductCollector.hpp>
 #include <doc_products_shared/TopLevelDocProduct.hpp>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <unordered_set>
 
 namespace {
@@ -141,6 +144,51 @@ TEST_F(InstalledProductsTest, ListsHandedOutSurviveNewTestProducts) {
     EXPECT_EQ(*packages, (NameSet{u"firstPackage"}));
     EXPECT_EQ(DocResourceParser::getTopLevelProducts()->size(), 2u);
     EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"secondPackage"}));
+}
+
+// A lookup load takes the installed products and support packages when it first tests a key, not
+// before: a load with nothing to file leaves the support-package cache unloaded.
+TEST_F(InstalledProductsTest, LoadThatFilesNothingLeavesTheSupportPackagesUnread) {
+    refdoc::test::TempDir docroot;
+    refdoc::test::TempDir packages;
+    std::filesystem::create_directories(docroot.path() / "docCatalog" / "referenceapi_lookup");
+    DocResourceParser::setReferenceRoot(docroot.u16());
+    useSupportPackageRoot(packages.path());
+
+    const auto nothing = DocResourceParser::getResourceLookupFiles();
+    EXPECT_TRUE(nothing.installedResources.empty() && nothing.uninstalledResources.empty());
+
+    std::filesystem::create_directory(packages.path() / "pkg");
+    EXPECT_TRUE(DocResourceParser::isProductInstalled(u"pkg"));
+}
+
+// An unreadable catalogue or support-package root while a file's keys are filed makes that file
+// absent; the load neither throws nor caches the failure, and the next load reads everything.
+TEST_F(InstalledProductsTest, FailureWhileTakingTheInstalledProductsDropsTheFileOnly) {
+    refdoc::test::TempDir docroot;
+    docroot.write("docCatalog/referenceapi_lookup/alpha.json",
+                  refdoc::test::fileText(refdoc::test::lookupDocument({"Alpha", "AL", "alpha"}, {{"plot", "Plot"}})));
+    DocResourceParser::setReferenceRoot(docroot.u16());
+    const auto catalogue = doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache();
+    catalogue->setInstalledTopLevelDocProducts(
+        {std::make_shared<const doc_products_shared::TopLevelDocProduct>("alpha", "", "", "", "", "")});
+
+    const std::function<void(const std::string&)> failures[] = {
+        [&](const std::string& message) { catalogue->setFailure(message); },
+        [](const std::string& message) { SupportPackageRootReader::setFailure(message); },
+    };
+    for (const auto& fail : failures) {
+        DocResourceParser::clearSupportPackageCache();
+        fail("unreadable");
+        DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> failed;
+        ASSERT_NO_THROW(failed = DocResourceParser::getResourceLookupFiles());
+        EXPECT_TRUE(failed.installedResources.empty() && failed.uninstalledResources.empty());
+
+        fail("");
+        const auto loaded = DocResourceParser::getResourceLookupFiles();
+        EXPECT_EQ(loaded.installedResources.count(u"alpha"), 1u);
+        EXPECT_TRUE(loaded.uninstalledResources.empty());
+    }
 }
 
 } // namespace

@@ -21,8 +21,10 @@ protected:
     static void resetHostAndLibrary() {
         doc_products_shared::Docroot::getInstance().setDocDataRoot(u"");
         SupportPackageRootReader::setSupportPackageRoot(u"");
-        doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache()->setInstalledTopLevelDocProducts(
-            {});
+        SupportPackageRootReader::setFailure("");
+        const auto catalogue = doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache();
+        catalogue->setInstalledTopLevelDocProducts({});
+        catalogue->setFailure("");
         doclanguage::DocLanguage::getInstance().setDocLanguage(u"en");
         doclanguage::DocLanguage::getInstance().setSupportedDocLanguages({u"en"});
         // Last, so that the default roots are read from the reset documentation root.

@@ -1,8 +1,8 @@
 // The two public loading operations: every product's lookup index, and one product's pages.
 
 #include "docparser/diagnostics/DiagnosticHooks.hpp"
-#include "docparser/loading/InstalledProducts.hpp"
 #include "docparser/loading/OrderedMerge.hpp"
+#include "docparser/loading/Settings.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/LookupParser.hpp"
@@ -14,6 +14,7 @@
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/parse.hpp>
 
+#include <optional>
 #include <utility>
 
 namespace reference::docparser {
@@ -58,16 +59,21 @@ std::u16string joinPath(const std::u16string& folder, const std::u16string& file
 } // namespace
 
 DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> DocResourceParser::getResourceLookupFiles() {
-    // Every setting is taken once, here, and held for the whole call: a concurrent change of the
-    // roots, the installed products or the support packages affects only calls that start later,
-    // so a result always reflects one consistent set of settings.
+    // Each setting is taken once and held for the rest of the call, so a result reflects one
+    // consistent set of settings. The roots are taken now; the installed products and support
+    // packages together, as one pair, when the first key is tested. A load that tests no key
+    // leaves the support-package cache as it was, and a failure while the pair is taken counts
+    // against the file being filed, like any other failure there.
     const std::shared_ptr<const ReferenceRoots> roots = getReferenceRoots();
-    const SupportPackageSet supportPackages = getHardwareSupportPackages();
-    const TopLevelProductList products = getTopLevelProducts();
+    std::optional<InstalledProducts> installed;
 
     const ParsingInfo<LookupResourceMap>::JsonParsingFcn parser = lookupFileParser;
-    const ParsingInfo<LookupResourceMap>::IsInstalledFcn isInstalled =
-        [&products, &supportPackages](const std::u16string& key) { return isInstalledIn(key, products, supportPackages); };
+    const ParsingInfo<LookupResourceMap>::IsInstalledFcn isInstalled = [&installed](const std::u16string& key) {
+        if (!installed) {
+            installed = takeInstalledProducts();
+        }
+        return installed->contains(key);
+    };
     return ParsingTools::parseMultipleProductFiles<LookupResourceMap>(roots->lookupFolder, parser, isInstalled);
 }
 

@@ -6,7 +6,7 @@
 // are the provider and support-package mutexes; when all three are needed the support-package
 // mutex comes last, inside the other two.
 
-#include "docparser/loading/InstalledProducts.hpp"
+#include "docparser/loading/Settings.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
@@ -58,6 +58,23 @@ std::shared_ptr<const doc_products_shared::TopLevelDocProduct> makeTestProduct(c
         "testAvailability", doc_products_shared::DocProduct::StringPairList{});
 }
 
+// The cached support packages, read from the installation first if none are cached. The caller
+// holds supportPackageMutex.
+SupportPackageSet loadedSupportPackages() {
+    if (!supportPackageCache) {
+        const std::u16string root = SupportPackageRootReader{}.getSupportPackageRootNoCreate();
+        std::unordered_set<std::u16string> names;
+        try {
+            names = install::product_impl::utils::getInstalledHardwareSupportPackages(root);
+        } catch (...) {
+            // An unreadable installation means no support packages; the empty set is cached like
+            // any other until the cache is cleared.
+        }
+        supportPackageCache = std::make_shared<const std::unordered_set<std::u16string>>(std::move(names));
+    }
+    return supportPackageCache;
+}
+
 } // namespace
 
 DocResourceParser::ReferenceRoots::ReferenceRoots() : ReferenceRoots(doc_products_shared::Docroot::getInstance().getDocDataRoot()) {}
@@ -104,18 +121,7 @@ DocResourceParser::TopLevelProductList DocResourceParser::getTopLevelProducts() 
 
 DocResourceParser::SupportPackageSet DocResourceParser::getHardwareSupportPackages() {
     std::lock_guard lock(supportPackageMutex);
-    if (!supportPackageCache) {
-        const std::u16string root = SupportPackageRootReader{}.getSupportPackageRootNoCreate();
-        std::unordered_set<std::u16string> names;
-        try {
-            names = install::product_impl::utils::getInstalledHardwareSupportPackages(root);
-        } catch (...) {
-            // An unreadable installation means no support packages; the empty set is cached like
-            // any other until the cache is cleared.
-        }
-        supportPackageCache = std::make_shared<const std::unordered_set<std::u16string>>(std::move(names));
-    }
-    return supportPackageCache;
+    return loadedSupportPackages();
 }
 
 void DocResourceParser::clearSupportPackageCache() {
@@ -124,8 +130,7 @@ void DocResourceParser::clearSupportPackageCache() {
     old.swap(supportPackageCache);
 }
 
-bool isInstalledIn(const std::u16string& name, const DocResourceParser::TopLevelProductList& products,
-                   const DocResourceParser::SupportPackageSet& supportPackages) {
+bool InstalledProducts::contains(const std::u16string& name) const {
     if (products) {
         const std::string narrowName = text::utf16ToUtf8(name);
         for (const auto& product : *products) {
@@ -137,11 +142,19 @@ bool isInstalledIn(const std::u16string& name, const DocResourceParser::TopLevel
     return supportPackages && supportPackages->contains(name);
 }
 
+InstalledProducts takeInstalledProducts() {
+    std::lock(providerMutex, supportPackageMutex);
+    std::lock_guard providerLock(providerMutex, std::adopt_lock);
+    std::lock_guard packageLock(supportPackageMutex, std::adopt_lock);
+    SupportPackageSet supportPackages = loadedSupportPackages();
+    return InstalledProducts{topLevelProductsProvider(), std::move(supportPackages)};
+}
+
 bool DocResourceParser::isProductInstalled(const std::u16string& name) {
     // Both are loaded on every call, support packages first, even when a product answers.
-    const SupportPackageSet supportPackages = getHardwareSupportPackages();
-    const TopLevelProductList products = getTopLevelProducts();
-    return isInstalledIn(name, products, supportPackages);
+    SupportPackageSet supportPackages = getHardwareSupportPackages();
+    TopLevelProductList products = getTopLevelProducts();
+    return InstalledProducts{std::move(products), std::move(supportPackages)}.contains(name);
 }
 
 void DocResourceParser::setTestProducts(const std::vector<std::u16string>& productNames,
