@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs everything refdoc needs to build, test, benchmark and fuzz on Debian 12.
 # Idempotent: when every package is already present it only runs dpkg-query and exits.
-# (zipcmp, zipmerge and ziptool are listed because libzip-dev's CMake package refers to them.)
+# (zipcmp, zipmerge and ziptool are listed because libzip-dev's CMake package refers to them;
+# zip, unzip and python3 write the test packages of everyday zip writers.)
 set -euo pipefail
 
 PACKAGES=(
-  build-essential cmake ninja-build pkg-config git zip
+  build-essential cmake ninja-build pkg-config git zip unzip python3
   clang libclang-rt-14-dev
   libboost1.81-dev libboost-json1.81-dev libboost-log1.81-dev libboost-exception1.81-dev
   libzip-dev zipcmp zipmerge ziptool

@@ -29,6 +29,10 @@ FileNameParts<char16_t> splitFileName(std::u16string_view fileName) noexcept {
     return split(fileName);
 }
 
+bool isValidUtf8Name(std::string_view bytes) {
+    return text::utf16ToUtf8(text::utf8ToUtf16(bytes)) == bytes;
+}
+
 bool equalsAscii(std::string_view narrow, std::u16string_view wide) noexcept {
     if (narrow.size() != wide.size()) {
         return false;

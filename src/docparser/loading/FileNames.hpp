@@ -14,6 +14,12 @@ namespace reference::docparser {
 // formed name, which then simply names no file.
 std::filesystem::path toNativePath(std::u16string_view path);
 
+// Whether a file or entry name, taken as the bytes it has on disk or in the package, is valid
+// UTF-8. A name that is not has no UTF-16 form to carry through the library, so it cannot name a
+// product: loose files and package entries so named are left out alike, rather than read under a
+// mangled name.
+bool isValidUtf8Name(std::string_view bytes);
+
 // A file name split at its last dot: "pname_ja.json" gives "pname_ja" and "json", ".json" gives
 // "" and "json", a name without a dot is all stem with an empty extension. The parts are views
 // into `fileName`, which must outlive them.

@@ -14,16 +14,6 @@ const std::u16string DocResourceParser::ParsingTools::kZipExt = u"zip";
 const std::u16string DocResourceParser::ParsingTools::kDotJsonExt = u".json";
 const std::u16string DocResourceParser::ParsingTools::kDotZipExt = u".zip";
 
-namespace {
-
-// A name that is not valid UTF-8 has no UTF-16 form to carry through the library, so it cannot
-// name a product; such entries are left out rather than read under a mangled name.
-bool isValidUtf8(std::string_view bytes) {
-    return text::utf16ToUtf8(text::utf8ToUtf16(bytes)) == bytes;
-}
-
-} // namespace
-
 bool DocResourceParser::isValidFilename(const std::filesystem::path& path) {
     // Extensions are compared case-sensitively: pname.JSON is not a data file.
     const std::filesystem::path fileName = path.filename();
@@ -48,7 +38,7 @@ DocResourceParser::getAllProducts(const std::u16string& folder, const std::vecto
     for (const auto& entry : entries) {
         const std::filesystem::path fileName = entry.path().filename();
         const std::string& name = fileName.native();
-        if (name.empty() || !isValidFilename(fileName) || !isValidUtf8(name)) {
+        if (name.empty() || !isValidFilename(fileName) || !isValidUtf8Name(name)) {
             continue;
         }
         const auto parts = splitFileName(std::string_view(name));

@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <string_view>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 namespace reference::docparser {
@@ -62,6 +64,88 @@ bool isSeparator(char c) noexcept {
     return c == '/' || c == '\\';
 }
 
+// The end-of-central-directory record: its signature, where it keeps the central directory's size
+// and offset, and its length before the trailing comment, whose length it states last.
+constexpr std::string_view kEndRecordSignature{"PK\x05\x06", 4};
+constexpr std::size_t kEndRecordSize = 22;
+constexpr std::size_t kCentralSizeAt = 12;
+constexpr std::size_t kCentralOffsetAt = 16;
+constexpr std::size_t kCommentLengthAt = 20;
+constexpr std::size_t kMaxCommentLength = 0xFFFF;
+
+std::uint32_t littleEndian(std::string_view bytes, std::size_t at, std::size_t width) {
+    std::uint32_t value = 0;
+    for (std::size_t i = width; i-- > 0;) {
+        value = (value << 8) | static_cast<unsigned char>(bytes[at + i]);
+    }
+    return value;
+}
+
+// The number of bytes in front of the archive proper, as self-extracting packages carry a program
+// there: the end record then sits that much further into the file than the central directory it
+// describes ends. 0 when the file has no such gap, no end record, or a 64-bit one.
+std::uint64_t leadingStubSize(const std::string& nativePath, std::uint64_t fileSize) {
+    std::ifstream file(nativePath, std::ios::binary);
+    const std::uint64_t tailSize = std::min<std::uint64_t>(fileSize, kEndRecordSize + kMaxCommentLength);
+    std::string tail(static_cast<std::size_t>(tailSize), '\0');
+    if (!file.seekg(static_cast<std::streamoff>(fileSize - tailSize)) ||
+        !file.read(tail.data(), static_cast<std::streamsize>(tail.size()))) {
+        return 0;
+    }
+    for (std::size_t at = tail.rfind(kEndRecordSignature); at != std::string::npos && at + kEndRecordSize <= tail.size();
+         at = at == 0 ? std::string::npos : tail.rfind(kEndRecordSignature, at - 1)) {
+        if (littleEndian(tail, at + kCommentLengthAt, 2) != tail.size() - at - kEndRecordSize) {
+            continue; // the signature's bytes inside the comment
+        }
+        const std::uint64_t centralSize = littleEndian(tail, at + kCentralSizeAt, 4);
+        const std::uint64_t centralOffset = littleEndian(tail, at + kCentralOffsetAt, 4);
+        const std::uint64_t recordAt = fileSize - tailSize + at;
+        if (centralSize == 0xFFFFFFFF || centralOffset == 0xFFFFFFFF || centralOffset + centralSize >= recordAt) {
+            return 0;
+        }
+        return recordAt - centralOffset - centralSize;
+    }
+    return 0;
+}
+
+// Opens the archive in the file read-only. libzip's open-time consistency check is left off: it
+// refuses sound archives whose entries carry data descriptors, as streaming writers make them;
+// the entries are checked one by one where they are listed and read. A file that starts with a
+// stub is read as the archive that follows the stub. `archiveSize` is the archive's length.
+zip_t* openArchive(const std::string& nativePath, std::uint64_t& archiveSize) {
+    int errorCode = 0;
+    zip_t* handle = zip_open(nativePath.c_str(), ZIP_RDONLY, &errorCode);
+    std::error_code sizeError;
+    const std::uint64_t fileSize = std::filesystem::file_size(nativePath, sizeError);
+    if (handle != nullptr) {
+        archiveSize = sizeError ? 0 : fileSize;
+        return handle;
+    }
+    const std::uint64_t stub = errorCode == ZIP_ER_NOZIP && !sizeError ? leadingStubSize(nativePath, fileSize) : 0;
+    if (stub == 0) {
+        throw ZipError("cannot open zip package '" + nativePath + "': " + libzipMessage(errorCode));
+    }
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* source =
+        zip_source_file_create(nativePath.c_str(), stub, static_cast<zip_int64_t>(fileSize - stub), &error);
+    if (source != nullptr) {
+        handle = zip_open_from_source(source, ZIP_RDONLY, &error);
+        if (handle == nullptr) {
+            zip_source_free(source);
+        }
+    }
+    const int stubError = zip_error_code_zip(&error);
+    zip_error_fini(&error);
+    if (handle == nullptr) {
+        throw ZipError("cannot open zip package '" + nativePath + "': " + std::to_string(stub) +
+                       " bytes in front of the archive, and the archive after them is unreadable: " +
+                       libzipMessage(stubError));
+    }
+    archiveSize = fileSize - stub;
+    return handle;
+}
+
 } // namespace
 
 ZipEntry::ZipEntry(std::shared_ptr<detail::ZipArchive> archive, std::uint64_t index, std::string name) noexcept
@@ -69,11 +153,8 @@ ZipEntry::ZipEntry(std::shared_ptr<detail::ZipArchive> archive, std::uint64_t in
 
 ZipPackage::ZipPackage(const std::u16string& path, ZipLimits limits) : limits_(limits) {
     const std::string nativePath = toNativePath(path).native();
-    int errorCode = 0;
-    zip_t* handle = zip_open(nativePath.c_str(), ZIP_RDONLY | ZIP_CHECKCONS, &errorCode);
-    if (handle == nullptr) {
-        throw ZipError("cannot open zip package '" + nativePath + "': " + libzipMessage(errorCode));
-    }
+    std::uint64_t archiveSize = 0;
+    zip_t* const handle = openArchive(nativePath, archiveSize);
     std::unique_ptr<zip_t, decltype(&zip_discard)> owner(handle, &zip_discard);
     const zip_int64_t count = zip_get_num_entries(handle, 0);
     if (count < 0 || static_cast<std::uint64_t>(count) > limits_.maxEntryCount) {
@@ -83,11 +164,15 @@ ZipPackage::ZipPackage(const std::u16string& path, ZipLimits limits) : limits_(l
 
     // Entries of a sound package keep their data in disjoint parts of the file, so their stored
     // sizes add up to less than the file. Entries that share data would let a small package
-    // expand many times over, each of them inflating the same bytes again.
-    std::error_code sizeError;
-    const std::uint64_t fileSize = std::filesystem::file_size(nativePath, sizeError);
-    std::uint64_t storedLeft = sizeError ? 0 : fileSize;
+    // expand many times over, each of them inflating the same bytes again. Two entries of one
+    // name would leave open which of them is meant.
+    std::uint64_t storedLeft = archiveSize;
+    std::unordered_set<std::string_view> names;
+    names.reserve(static_cast<std::size_t>(entryCount_));
     for (std::uint64_t index = 0; index < entryCount_; ++index) {
+        if (const char* name = zip_get_name(handle, index, ZIP_FL_ENC_RAW); name != nullptr && !names.insert(name).second) {
+            throw ZipError("zip package '" + nativePath + "' has two entries named '" + name + "'");
+        }
         zip_stat_t stat;
         zip_stat_init(&stat);
         if (zip_stat_index(handle, index, 0, &stat) != 0 || (stat.valid & ZIP_STAT_COMP_SIZE) == 0) {
@@ -109,7 +194,8 @@ std::vector<ZipLeaf> ZipPackage::getAllLeafs() const {
     leaves.reserve(static_cast<std::size_t>(entryCount_));
     std::lock_guard lock(archive_->mutex());
     for (std::uint64_t index = 0; index < entryCount_; ++index) {
-        const char* rawName = zip_get_name(archive_->handle(), index, 0);
+        // Names are taken as the bytes the package stores, like the names of loose files on disk.
+        const char* rawName = zip_get_name(archive_->handle(), index, ZIP_FL_ENC_RAW);
         if (rawName == nullptr) {
             continue;
         }
@@ -121,7 +207,11 @@ std::vector<ZipLeaf> ZipPackage::getAllLeafs() const {
         while (baseStart > 0 && !isSeparator(name[baseStart - 1])) {
             --baseStart;
         }
-        std::u16string baseName = text::utf8ToUtf16(std::string_view(name).substr(baseStart));
+        const std::string_view baseBytes = std::string_view(name).substr(baseStart);
+        if (!isValidUtf8Name(baseBytes)) {
+            continue;
+        }
+        std::u16string baseName = text::utf8ToUtf16(baseBytes);
         leaves.push_back(ZipLeaf{ZipEntry(archive_, index, std::move(name)), std::move(baseName)});
     }
     return leaves;

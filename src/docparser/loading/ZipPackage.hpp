@@ -44,9 +44,10 @@ struct ZipLeaf {
 // Reads are serialised per package, so entries may be read from several threads.
 class ZipPackage {
 public:
-    // Opens the package at `path` read-only with libzip's consistency checks. Throws ZipError when
-    // the file is missing, is not a zip package, fails the checks, has too many entries or has
-    // entries that share their data.
+    // Opens the package at `path` read-only; a package behind a leading stub (a self-extracting
+    // program) is read as the archive that follows it. Throws ZipError when the file is missing or
+    // is not a zip package, has too many entries, has entries that share their data or two
+    // entries of one name.
     explicit ZipPackage(const std::u16string& path, ZipLimits limits = {});
     ~ZipPackage();
     ZipPackage(const ZipPackage&) = delete;
@@ -55,7 +56,8 @@ public:
     // Number of entries in the central directory, folders included.
     std::uint64_t getEntryCount() const noexcept { return entryCount_; }
 
-    // The file entries (folder entries left out) in central directory order.
+    // The file entries (folder entries left out) in central directory order. Names are taken as
+    // stored; an entry whose base name is not valid UTF-8 is left out, as such a loose file is.
     std::vector<ZipLeaf> getAllLeafs() const;
 
     // The whole uncompressed content of `entry`. Throws ZipError when the entry belongs to another
