@@ -44,47 +44,28 @@ TEST_F(ReferenceRootsTest, FoldersArePlainConcatenationsOfTheRoot) {
     }
 }
 
-TEST_F(ReferenceRootsTest, DefaultRootComesFromTheDocumentationRootService) {
+// The default root is the documentation root service's, read when the roots are first needed;
+// an explicit root holds until the defaults are restored. Every setting makes a new roots object,
+// and one handed out keeps its paths whatever changes later.
+TEST_F(ReferenceRootsTest, DefaultAndExplicitRootsAndTheirSnapshots) {
     doc_products_shared::Docroot::getInstance().setDocDataRoot(u"/srv/docs");
     EXPECT_EQ(ReferenceRoots().docRoot, u"/srv/docs");
-
     DocResourceParser::restoreDefaultSettings();
-    const auto roots = DocResourceParser::getReferenceRoots();
-    EXPECT_EQ(roots->docRoot, u"/srv/docs");
-    EXPECT_EQ(roots->lookupFolder, u"/srv/docs/docCatalog/referenceapi_lookup");
-    EXPECT_EQ(roots->referenceFolder, u"/srv/docs/docCatalog/referenceapi");
-}
+    EXPECT_EQ(DocResourceParser::getReferenceRoots()->lookupFolder, u"/srv/docs/docCatalog/referenceapi_lookup");
 
-TEST_F(ReferenceRootsTest, UnchangedSettingHandsOutTheSameObject) {
-    DocResourceParser::setReferenceRoot(u"/a");
-    const auto first = DocResourceParser::getReferenceRoots();
-    EXPECT_EQ(first, DocResourceParser::getReferenceRoots());
-
-    DocResourceParser::setReferenceRoot(u"/a");
-    EXPECT_NE(first, DocResourceParser::getReferenceRoots()) << "every setting makes a new object";
-}
-
-TEST_F(ReferenceRootsTest, SnapshotKeepsItsPathsAcrossChanges) {
     DocResourceParser::setReferenceRoot(u"/old");
     const auto snapshot = DocResourceParser::getReferenceRoots();
-
-    DocResourceParser::setReferenceRoot(u"/new");
-    DocResourceParser::restoreDefaultSettings();
-    DocResourceParser::setReferenceRoot(u"/newer");
-
-    EXPECT_EQ(snapshot->docRoot, u"/old");
-    EXPECT_EQ(snapshot->lookupFolder, u"/old/docCatalog/referenceapi_lookup");
-    EXPECT_EQ(snapshot->referenceFolder, u"/old/docCatalog/referenceapi");
-    EXPECT_EQ(DocResourceParser::getReferenceRoots()->docRoot, u"/newer");
-}
-
-TEST_F(ReferenceRootsTest, ExplicitRootIgnoresLaterServiceChanges) {
-    DocResourceParser::setReferenceRoot(u"/explicit");
+    EXPECT_EQ(snapshot, DocResourceParser::getReferenceRoots());
     doc_products_shared::Docroot::getInstance().setDocDataRoot(u"/service");
-    EXPECT_EQ(DocResourceParser::getReferenceRoots()->docRoot, u"/explicit");
+    EXPECT_EQ(DocResourceParser::getReferenceRoots()->docRoot, u"/old");
+    DocResourceParser::setReferenceRoot(u"/old");
+    EXPECT_NE(snapshot, DocResourceParser::getReferenceRoots()) << "every setting makes a new object";
 
     DocResourceParser::restoreDefaultSettings();
     EXPECT_EQ(DocResourceParser::getReferenceRoots()->docRoot, u"/service");
+    EXPECT_EQ(snapshot->docRoot, u"/old");
+    EXPECT_EQ(snapshot->lookupFolder, u"/old/docCatalog/referenceapi_lookup");
+    EXPECT_EQ(snapshot->referenceFolder, u"/old/docCatalog/referenceapi");
 }
 
 TEST_F(ReferenceRootsTest, RestoreDefaultSettingsResetsRootsProviderAndSupportPackages) {

@@ -191,14 +191,6 @@ TEST_F(ZipPackageTest, EntryAtTheBoundIsRead) {
     EXPECT_EQ(package.readEntry(package.getAllLeafs().at(0).entry), content);
 }
 
-TEST_F(ZipPackageTest, EncryptedEntryFails) {
-    ZipBuilder().add("plain.json", "{}").addEncrypted("secret.json", "{\"hidden\":1}", "password").write(packagePath());
-    const ZipPackage package(packagePath().u16string());
-    const auto leaves = package.getAllLeafs();
-    EXPECT_THROW(package.readEntry(leafNamed(leaves, "secret.json").entry), ZipError);
-    EXPECT_EQ(package.readEntry(leafNamed(leaves, "plain.json").entry), "{}");
-}
-
 TEST_F(ZipPackageTest, UnopenablePackagesThrow) {
     ZipBuilder().add("a.json", std::string(5000, 'a')).add("b.json", "{}").write(packagePath("whole.zip"));
     const std::string bytes = [&] {

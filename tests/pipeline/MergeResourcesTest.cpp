@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,86 +15,73 @@ using reference::property::HeaderInfo;
 using reference::property::RefEntityType;
 using reference::property::RefItemLookup;
 using Resource = DocResource<RefItemLookup>;
+// name -> (href, purpose) in list order
+using Items = std::map<std::u16string, std::vector<std::pair<std::u16string, std::u16string>>>;
 
-RefItemLookup item(const std::u16string& name, const std::u16string& href, const std::u16string& purpose = u"p") {
-    return RefItemLookup(name, RefEntityType::Function, purpose, false, href, FunctionType::Ordinary);
+Resource resource(const std::u16string& product, const Items& items) {
+    std::map<std::u16string, std::vector<RefItemLookup>> map;
+    for (const auto& [name, list] : items) {
+        auto& target = map[name];
+        for (const auto& [href, purpose] : list) {
+            target.emplace_back(name, RefEntityType::Function, purpose, false, href, FunctionType::Ordinary);
+        }
+    }
+    return Resource(HeaderInfo(product, u"BC", u"folder", u"loc"), std::move(map));
 }
 
-HeaderInfo header(const std::u16string& product) {
-    return HeaderInfo(product, u"BC", u"folder", u"loc");
-}
-
-// name -> hrefs, in list order
-std::map<std::u16string, std::vector<std::u16string>> hrefs(const Resource& r) {
-    std::map<std::u16string, std::vector<std::u16string>> out;
-    for (const auto& [name, items] : r.getItems()) {
-        auto& list = out[name];
-        for (const auto& i : items) {
-            list.push_back(i.getHref());
+Items items(const Resource& r) {
+    Items out;
+    for (const auto& [name, list] : r.getItems()) {
+        auto& target = out[name];
+        for (const auto& item : list) {
+            target.emplace_back(item.getHref(), item.getPurpose());
         }
     }
     return out;
 }
 
-void merge(Resource& target, Resource source, bool precedence) {
-    DocResourceParser::ParsingTools::mergeResourceFiles(target, std::move(source), precedence);
-}
-
-TEST(MergeResources, WinnerKeepsItsListWhenItIsAtLeastAsLong) {
-    Resource target(header(u"en"), {{u"a", {item(u"a", u"A")}}});
-    merge(target, Resource(header(u"ja"), {{u"a", {item(u"a", u"B")}}}), false);
-    EXPECT_EQ(hrefs(target), (decltype(hrefs(target)){{u"a", {u"A"}}}));
-    EXPECT_EQ(target.getHeader().getProductName(), u"en");
-}
-
-TEST(MergeResources, ShorterWinnerListIsCompletedByHrefInFallbackOrder) {
-    Resource target(header(u"en"), {{u"a", {item(u"a", u"A")}}});
-    merge(target, Resource(header(u"x"), {{u"a", {item(u"a", u"A"), item(u"a", u"B")}}}), false);
-    EXPECT_EQ(hrefs(target), (decltype(hrefs(target)){{u"a", {u"A", u"B"}}}));
-}
-
-TEST(MergeResources, DuplicateHrefsInTheFallbackAreAppendedOnce) {
-    Resource target(header(u"en"), {{u"a", {item(u"a", u"A")}}});
-    merge(target,
-          Resource(header(u"x"), {{u"a", {item(u"a", u"B", u"first"), item(u"a", u"B", u"second"), item(u"a", u"C")}}}),
-          false);
-    ASSERT_EQ(hrefs(target), (decltype(hrefs(target)){{u"a", {u"A", u"B", u"C"}}}));
-    EXPECT_EQ(target.getItems().at(u"a")[1].getPurpose(), u"first");
-}
-
-TEST(MergeResources, EmptyFallbackListChangesNothing) {
-    Resource target(header(u"en"), {{u"a", {}}});
-    merge(target, Resource(header(u"x"), {{u"a", {}}}), false);
-    EXPECT_EQ(hrefs(target), (decltype(hrefs(target)){{u"a", {}}}));
-}
-
-TEST(MergeResources, PrecedenceSwapsHeaderAndPerNameWinner) {
-    // English first, then the localized file with precedence.
-    Resource english(header(u"English"),
-                     {{u"a", {item(u"a", u"A", u"en a")}}, {u"onlyEn", {item(u"onlyEn", u"E1"), item(u"onlyEn", u"E2")}}});
-    Resource localized(header(u"Localized"), {{u"a", {item(u"a", u"A", u"ja a")}}, {u"onlyJa", {item(u"onlyJa", u"J")}}});
-    merge(english, std::move(localized), true);
-
-    EXPECT_EQ(english.getHeader().getProductName(), u"Localized");
-    EXPECT_EQ(hrefs(english), (decltype(hrefs(english)){
-                                  {u"a", {u"A"}}, {u"onlyEn", {u"E1", u"E2"}}, {u"onlyJa", {u"J"}}}));
-    EXPECT_EQ(english.getItems().at(u"a")[0].getPurpose(), u"ja a");
-    // Names only the fallback had keep their whole list, in its order.
-    EXPECT_EQ(english.getItems().at(u"onlyEn")[1].getHref(), u"E2");
-}
-
-TEST(MergeResources, NamesOnlyTheFallbackHasAreAddedWhole) {
-    Resource target(header(u"en"), {{u"m", {item(u"m", u"M")}}});
-    merge(target,
-          Resource(header(u"x"), {{u"b", {item(u"b", u"B2"), item(u"b", u"B1")}}, {u"z", {item(u"z", u"Z")}}}),
-          false);
-    EXPECT_EQ(hrefs(target), (decltype(hrefs(target)){{u"b", {u"B2", u"B1"}}, {u"m", {u"M"}}, {u"z", {u"Z"}}}));
-}
-
-TEST(MergeResources, LengthConditionKeepsDifferingLinksOfAnEqualLengthWinner) {
-    Resource target(header(u"en"), {{u"a", {item(u"a", u"A1"), item(u"a", u"A2")}}});
-    merge(target, Resource(header(u"x"), {{u"a", {item(u"a", u"B1"), item(u"a", u"B2")}}}), false);
-    EXPECT_EQ(hrefs(target), (decltype(hrefs(target)){{u"a", {u"A1", u"A2"}}}));
+// The file merged in second wins when it takes precedence (a translation over English), else the
+// one already there wins. Per name the winner's list is kept when it is at least as long as the
+// other's; a shorter one is completed with the other's items whose links it lacks, in their order,
+// each link once. Names only one side has are kept whole.
+TEST(MergeResources, WinnerPerNameAndCompletionByLink) {
+    const struct Case {
+        const char* what;
+        Items target;
+        Items source;
+        bool sourceTakesPrecedence;
+        Items expected;
+        const char16_t* header;
+    } cases[] = {
+        {"winner at least as long keeps its list", {{u"a", {{u"A", u"en"}}}}, {{u"a", {{u"B", u"x"}}}}, false,
+         {{u"a", {{u"A", u"en"}}}}, u"target"},
+        {"equal length keeps differing links", {{u"a", {{u"A1", u"p"}, {u"A2", u"p"}}}},
+         {{u"a", {{u"B1", u"p"}, {u"B2", u"p"}}}}, false, {{u"a", {{u"A1", u"p"}, {u"A2", u"p"}}}}, u"target"},
+        {"shorter winner completed in fallback order", {{u"a", {{u"A", u"p"}}}},
+         {{u"a", {{u"A", u"q"}, {u"B", u"q"}}}}, false, {{u"a", {{u"A", u"p"}, {u"B", u"q"}}}}, u"target"},
+        {"a fallback link repeated is added once, the first",
+         {{u"a", {{u"A", u"p"}}}}, {{u"a", {{u"B", u"first"}, {u"B", u"second"}, {u"C", u"q"}}}}, false,
+         {{u"a", {{u"A", u"p"}, {u"B", u"first"}, {u"C", u"q"}}}}, u"target"},
+        {"empty lists stay empty", {{u"a", {}}}, {{u"a", {}}}, false, {{u"a", {}}}, u"target"},
+        {"names of either side alone are kept whole", {{u"m", {{u"M", u"p"}}}},
+         {{u"b", {{u"B2", u"p"}, {u"B1", u"p"}}}, {u"z", {{u"Z", u"p"}}}}, false,
+         {{u"b", {{u"B2", u"p"}, {u"B1", u"p"}}}, {u"m", {{u"M", u"p"}}}, {u"z", {{u"Z", u"p"}}}}, u"target"},
+        {"precedence swaps the header and the winner",
+         {{u"a", {{u"A", u"en a"}}}, {u"onlyEn", {{u"E1", u"p"}, {u"E2", u"p"}}}},
+         {{u"a", {{u"A", u"ja a"}}}, {u"onlyJa", {{u"J", u"p"}}}}, true,
+         {{u"a", {{u"A", u"ja a"}}}, {u"onlyEn", {{u"E1", u"p"}, {u"E2", u"p"}}}, {u"onlyJa", {{u"J", u"p"}}}},
+         u"source"},
+        {"precedence with a shorter winner", {{u"a", {{u"A", u"en"}, {u"B", u"en"}}}}, {{u"a", {{u"B", u"ja"}}}},
+         true, {{u"a", {{u"B", u"ja"}, {u"A", u"en"}}}}, u"source"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Resource target = resource(u"target", c.target);
+        DocResourceParser::ParsingTools::mergeResourceFiles(target, resource(u"source", c.source),
+                                                            c.sourceTakesPrecedence);
+        EXPECT_EQ(items(target), c.expected);
+        EXPECT_EQ(target.getHeader().getProductName(), c.header);
+    }
 }
 
 } // namespace
