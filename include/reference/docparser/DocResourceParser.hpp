@@ -15,10 +15,9 @@
 #include <reference/property/RefItemLookup.hpp>
 #include <reference/property/SyntaxType.hpp>
 
-#include <boost/json/array.hpp>
-#include <boost/json/object.hpp>
-#include <boost/json/value.hpp>
+#include <boost/json/fwd.hpp>
 
+#include <concepts>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -34,10 +33,23 @@ class TopLevelDocProduct;
 
 namespace reference::docparser {
 
+// The pipeline and the merge are compiled into the library for the lookup resources only; these
+// constraints turn any other type into a compile-time error here instead of a link error.
+template <class T>
+concept PipelineResourceMap = std::same_as<T, std::map<std::u16string, DocResource<property::RefItemLookup>>>;
+template <class D>
+concept PipelineFileRecord = std::same_as<D, ProductPathData> || std::same_as<D, ProductZipData>;
+template <class T>
+concept MergeableResource = std::same_as<T, DocResource<property::RefItemLookup>>;
+// The enumerations of reference::property that JSON fields are read into.
+template <class T>
+concept PropertyEnumeration = std::same_as<T, property::RefEntityType> || std::same_as<T, property::FunctionType> ||
+                              std::same_as<T, property::SyntaxType> || std::same_as<T, property::DeprecationStatus>;
+
 // What one run of the multi-product pipeline needs: the caller's parser and installed-product
 // test (used by reference, so they must outlive the run), the supported locale suffixes
 // ("_ja", ...) and the current locale's suffix.
-template <class T>
+template <PipelineResourceMap T>
 struct ParsingInfo {
     using JsonParsingFcn = std::function<T(const std::string&)>;
     using IsInstalledFcn = std::function<bool(const std::u16string&)>;
@@ -109,7 +121,7 @@ public:
         static const boost::json::array& getJsonArray(const boost::json::value& value);
         static const boost::json::array& getJsonArray(const boost::json::value& value, const std::string& key);
         // T is one of the enumerations of reference::property. Missing key or unknown text: default.
-        template <class T>
+        template <PropertyEnumeration T>
         static typename T::Value getEnumFromJson(const boost::json::object& object, const std::string& key);
         static property::HeaderInfo getHeaderInfo(const boost::json::value& value);
 
@@ -118,19 +130,19 @@ public:
         static std::vector<std::u16string> getSupportedDocLocales();
 
         // The multi-product pipeline over one data folder.
-        template <class T>
+        template <PipelineResourceMap T>
         static ParsingResults<T> parseMultipleProductFiles(const std::u16string& folder,
                                                            const typename ParsingInfo<T>::JsonParsingFcn& jsonParsingFcn,
                                                            const typename ParsingInfo<T>::IsInstalledFcn& isInstalledFcn);
-        template <class T>
+        template <PipelineResourceMap T>
         static ParsingResults<T> readZipFiles(const std::vector<ProductPathData>& zipPackages,
                                               const ParsingInfo<T>& info);
-        template <class T, class D>
+        template <PipelineResourceMap T, PipelineFileRecord D>
         static void readJsonFiles(const std::vector<D>& files, const ParsingInfo<T>& info,
                                   ParsingResults<T>& results);
 
         // Combines two resources delivered under the same key; `source` is left unspecified.
-        template <class T>
+        template <MergeableResource T>
         static void mergeResourceFiles(T& target, T&& source, bool sourceTakesPrecedence);
     };
 

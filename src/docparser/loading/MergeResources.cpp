@@ -11,7 +11,7 @@ namespace reference::docparser {
 // name, its own item list; the fallback contributes the names the winner lacks (moved as whole
 // tree nodes) and, only where the winner's list is strictly shorter, the items whose href the
 // winner's list does not hold yet.
-template <class T>
+template <MergeableResource T>
 void DocResourceParser::ParsingTools::mergeResourceFiles(T& target, T&& source, bool sourceTakesPrecedence) {
     if (sourceTakesPrecedence) {
         std::swap(target, source);

@@ -28,7 +28,7 @@ bool endsWithAny(std::u16string_view stem, const std::vector<std::u16string>& su
 
 } // namespace
 
-template <class T>
+template <PipelineResourceMap T>
 DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::parseMultipleProductFiles(
     const std::u16string& folder, const typename ParsingInfo<T>::JsonParsingFcn& jsonParsingFcn,
     const typename ParsingInfo<T>::IsInstalledFcn& isInstalledFcn) {
@@ -46,7 +46,7 @@ DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::parseMulti
     return results;
 }
 
-template <class T>
+template <PipelineResourceMap T>
 DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::readZipFiles(
     const std::vector<ProductPathData>& zipPackages, const ParsingInfo<T>& info) {
     ParsingResults<T> results;
@@ -86,7 +86,7 @@ DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::readZipFil
     return results;
 }
 
-template <class T, class D>
+template <PipelineResourceMap T, PipelineFileRecord D>
 void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files, const ParsingInfo<T>& info,
                                                     ParsingResults<T>& results) {
     std::string ownText;

@@ -55,7 +55,7 @@ const boost::json::array& Tools::getJsonArray(const boost::json::value& value, c
     return detail::requireArray(detail::asObject(value), key);
 }
 
-template <class T>
+template <PropertyEnumeration T>
 typename T::Value Tools::getEnumFromJson(const boost::json::object& object, const std::string& key) {
     return detail::readEnum<T>(object, key);
 }
