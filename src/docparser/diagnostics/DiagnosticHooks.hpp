@@ -8,17 +8,29 @@
 #include <reference/docparser/ParseDiagnostics.hpp>
 #include <reference/docparser/ProductData.hpp>
 
-#include <boost/json/storage_ptr.hpp>
-#include <boost/json/value.hpp>
+#include <boost/json/fwd.hpp>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+
+namespace boost::system {
+class error_code;
+}
 
 namespace reference::docparser {
 
 namespace detail {
-enum class ReadFailure; // FieldAccess.hpp
-}
+
+// Why a read of resource data failed.
+enum class ReadFailure {
+    MissingKey,  // a required member is absent
+    NotAnObject, // a document, an item or an object member is not a JSON object
+    NotAnArray,  // an array member is not a JSON array
+    NotAString,  // a string member or array element is not a JSON string
+};
+
+} // namespace detail
 
 namespace diagnostics {
 
@@ -29,20 +41,39 @@ inline Recorder* activeRecorder() noexcept {
     return tActiveRecorder;
 }
 
-// Parses the text of one resource file exactly as boost::json::parse(text, storage,
-// parse_options()) does, throwing its boost::system::system_error for text that is not strict
-// JSON; it only keeps, for the active recorder, the offset at which the parser stopped.
-boost::json::value parseResourceText(std::string_view text, boost::json::storage_ptr storage);
+// Why a reader gave no text for a file, which only the reader can tell: the file or entry
+// reader returns "" alike for a missing, unreadable, oversized and empty file.
+struct DropExplanation {
+    DropReason reason;
+    std::string message;
+};
+
+// A reference to the loader's explanation of an empty text, called only when a scope records
+// the drop of a file that gave no text. Made without allocating, so a hook stays noexcept.
+class ExplainEmptyText {
+public:
+    template <class Explain>
+    ExplainEmptyText(const Explain& explain) noexcept
+        : object_(&explain), call_([](const void* object) { return (*static_cast<const Explain*>(object))(); }) {}
+
+    DropExplanation operator()() const { return call_(object_); }
+
+private:
+    const void* object_;
+    DropExplanation (*call_)(const void*);
+};
 
 // The recording, out of line; every one of these swallows its own failures.
+void recordSyntaxError(Recorder& recorder, std::string_view text, std::size_t consumed,
+                       const boost::system::error_code& error) noexcept;
 void recordPackageBegin(Recorder& recorder, const ProductPathData& package) noexcept;
 void recordPackageDropped(Recorder& recorder) noexcept;
 void recordFileBegin(Recorder& recorder, const ProductPathData& file) noexcept;
 void recordFileBegin(Recorder& recorder, const ProductZipData& file) noexcept;
 void recordPageFileBegin(Recorder& recorder, const std::u16string& path) noexcept;
-void recordFileDropped(Recorder& recorder, const ProductPathData& file) noexcept;
-void recordFileDropped(Recorder& recorder, const ProductZipData& file) noexcept;
-void recordPageFileDropped(Recorder& recorder, const std::u16string& path) noexcept;
+void recordFileDropped(Recorder& recorder, const ProductPathData& file, ExplainEmptyText explainEmpty) noexcept;
+void recordFileDropped(Recorder& recorder, const ProductZipData& file, ExplainEmptyText explainEmpty) noexcept;
+void recordPageFileDropped(Recorder& recorder, const std::u16string& path, ExplainEmptyText explainEmpty) noexcept;
 void recordDocumentKey(Recorder& recorder, const std::u16string& key) noexcept;
 void recordFileEnd(Recorder& recorder) noexcept;
 void recordReadFailure(Recorder& recorder, detail::ReadFailure failure, std::string_view key,
@@ -52,6 +83,13 @@ void recordDocumentKeyTaken(Recorder& recorder, const boost::json::value& docume
                             const std::u16string& key) noexcept;
 void recordWatchBegin(Recorder& recorder, const boost::json::value& root) noexcept;
 void recordWatchEnd(Recorder& recorder) noexcept;
+
+// The text of the file being read is not strict JSON: the parser stopped after `consumed` bytes.
+inline void syntaxError(std::string_view text, std::size_t consumed, const boost::system::error_code& error) noexcept {
+    if (Recorder* recorder = activeRecorder()) [[unlikely]] {
+        recordSyntaxError(*recorder, text, consumed, error);
+    }
+}
 
 // A zip package is about to be opened and listed; its entries follow.
 inline void packageBegin(const ProductPathData& package) noexcept {
@@ -76,10 +114,11 @@ void fileBegin(const File& file) noexcept {
 }
 
 // The file being read counts as absent; called inside the catch block that drops it.
-template <class File>
-void fileDropped(const File& file) noexcept {
+// `explainEmpty` says why the file gave no text, should that be the reason.
+template <class File, class Explain>
+void fileDropped(const File& file, const Explain& explainEmpty) noexcept {
     if (Recorder* recorder = activeRecorder()) [[unlikely]] {
-        recordFileDropped(*recorder, file);
+        recordFileDropped(*recorder, file, explainEmpty);
     }
 }
 
@@ -89,9 +128,10 @@ inline void pageFileBegin(const std::u16string& path) noexcept {
     }
 }
 
-inline void pageFileDropped(const std::u16string& path) noexcept {
+template <class Explain>
+void pageFileDropped(const std::u16string& path, const Explain& explainEmpty) noexcept {
     if (Recorder* recorder = activeRecorder()) [[unlikely]] {
-        recordPageFileDropped(*recorder, path);
+        recordPageFileDropped(*recorder, path, explainEmpty);
     }
 }
 

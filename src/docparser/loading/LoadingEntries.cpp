@@ -1,6 +1,7 @@
 // The two public loading operations: every product's lookup index, and one product's pages.
 
 #include "docparser/diagnostics/DiagnosticHooks.hpp"
+#include "docparser/loading/EmptyReadExplanation.hpp"
 #include "docparser/loading/OrderedMerge.hpp"
 #include "docparser/loading/Settings.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
@@ -32,7 +33,7 @@ RefItemFileMap parsePageFile(const std::u16string& path, const std::string& text
         diagnostics::fileParsed(pages);
         return pages;
     } catch (...) {
-        diagnostics::pageFileDropped(path);
+        diagnostics::pageFileDropped(path, [&path] { return explainEmptyRead(path, true); });
         return {};
     }
 }

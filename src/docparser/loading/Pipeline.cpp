@@ -4,6 +4,7 @@
 // skipped without a word; the file-access records are the only trace of it.
 
 #include "docparser/diagnostics/DiagnosticHooks.hpp"
+#include "docparser/loading/EmptyReadExplanation.hpp"
 #include "docparser/loading/FileAccess.hpp"
 #include "docparser/loading/FileNames.hpp"
 #include "docparser/loading/ZipPackage.hpp"
@@ -114,7 +115,7 @@ void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files,
         } catch (...) {
             // Unreadable text, a JSON syntax error, a missing key: the file counts as absent. What
             // it merged before the failure stays merged.
-            diagnostics::fileDropped(file);
+            diagnostics::fileDropped(file, [&file] { return explainEmptyRead(file); });
         }
     }
 }

@@ -26,14 +26,6 @@ namespace reference::docparser::detail {
 
 using StringParsingType = DocResourceParser::ParsingTools::StringParsingType;
 
-// Why a read of resource data failed.
-enum class ReadFailure {
-    MissingKey,  // a required member is absent
-    NotAnObject, // a document, an item or an object member is not a JSON object
-    NotAnArray,  // an array member is not a JSON array
-    NotAString,  // a string member or array element is not a JSON string
-};
-
 // Every failed read of resource data leaves through here and throws DocParserException.
 // `key` names the member concerned; it is empty for an array element or a whole document.
 // `node` is the value read (for a missing key, the object searched), for diagnostics.

@@ -4,6 +4,7 @@
 #include "docparser/parsing/EventReader.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
+#include "docparser/parsing/ResourceText.hpp"
 #include "docparser/parsing/ScratchMemory.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
@@ -69,7 +70,7 @@ DocResourceParser::LookupResourceMap parseLookupFileTree(const std::string& text
 
     // The whole tree lives in one arena and goes with it at once, also when parsing fails.
     boost::json::monotonic_resource arena(kFirstArenaBlock);
-    const boost::json::value root = diagnostics::parseResourceText(text, &arena);
+    const boost::json::value root = parseResourceText(text, &arena);
     const diagnostics::WatchedDocument watch(root);
     const auto& mainDocument = detail::asObject(root);
 

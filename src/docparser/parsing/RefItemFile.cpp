@@ -5,6 +5,7 @@
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
+#include "docparser/parsing/ResourceText.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <boost/json/monotonic_resource.hpp>
@@ -21,7 +22,7 @@ using RefItemFileMap = DocResourceParser::RefItemFileMap;
 RefItemFileMap parseRefItemFileTree(const std::string& text, const RefItemFileMap* replacement) {
     RefItemFileMap result;
     boost::json::monotonic_resource arena(1024);
-    const boost::json::value root = diagnostics::parseResourceText(text, &arena);
+    const boost::json::value root = parseResourceText(text, &arena);
     const diagnostics::WatchedDocument watch(root);
 
     const auto replacedPages = [replacement](const std::u16string& key) -> const DocResource<property::RefItem>::ItemMap* {
