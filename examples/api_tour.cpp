@@ -3,6 +3,7 @@
 
 #include <reference/docparser/DocResourceParser.hpp>
 #include <reference/docparser/ParseDiagnostics.hpp>
+#include <reference/docparser/TextConversion.hpp>
 
 #include <doclanguage/DocLanguage.hpp>
 
@@ -13,31 +14,13 @@ namespace {
 
 using reference::docparser::DocResourceParser;
 
-// The library's texts are UTF-16; this prints them as UTF-8.
+// The library's texts are UTF-16; they are printed as UTF-8 with the library's own converter.
 std::string utf8(std::u16string_view text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char32_t c = text[i];
-        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size()) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
-        }
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-        } else if (c < 0x800) {
-            out += {static_cast<char>(0xC0 | (c >> 6)), static_cast<char>(0x80 | (c & 0x3F))};
-        } else if (c < 0x10000) {
-            out += {static_cast<char>(0xE0 | (c >> 12)), static_cast<char>(0x80 | ((c >> 6) & 0x3F)),
-                    static_cast<char>(0x80 | (c & 0x3F))};
-        } else {
-            out += {static_cast<char>(0xF0 | (c >> 18)), static_cast<char>(0x80 | ((c >> 12) & 0x3F)),
-                    static_cast<char>(0x80 | ((c >> 6) & 0x3F)), static_cast<char>(0x80 | (c & 0x3F))};
-        }
-    }
-    return out;
+    return reference::docparser::utf16ToUtf8(text);
 }
 
-std::u16string utf16(const std::string& ascii) {
-    return std::u16string(ascii.begin(), ascii.end());
+std::u16string utf16(const std::string& text) {
+    return reference::docparser::utf8ToUtf16(text);
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include "support/TempDir.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
+#include <reference/docparser/TextConversion.hpp>
 
 #include <boost/json/parse.hpp>
 #include <boost/system/system_error.hpp>
@@ -105,28 +106,6 @@ std::string resourceDocument(const std::string& folder, std::string_view purpose
         .append(R"("refpurpose":)")
         .append(purposeJson)
         .append("}]}");
-}
-
-// UTF-8 to UTF-16, for the well-formed text the JSON parser hands out.
-std::u16string decodeUtf8(std::string_view bytes) {
-    std::u16string out;
-    for (std::size_t i = 0; i < bytes.size();) {
-        const auto lead = static_cast<unsigned char>(bytes[i]);
-        const int length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-        char32_t point = length == 1 ? lead : lead & (0x7Fu >> length);
-        for (int k = 1; k < length; ++k) {
-            point = (point << 6) | (static_cast<unsigned char>(bytes[i + static_cast<std::size_t>(k)]) & 0x3Fu);
-        }
-        i += static_cast<std::size_t>(length);
-        if (point >= 0x10000) {
-            point -= 0x10000;
-            out.push_back(static_cast<char16_t>(0xD800 + (point >> 10)));
-            out.push_back(static_cast<char16_t>(0xDC00 + (point & 0x3FF)));
-        } else {
-            out.push_back(static_cast<char16_t>(point));
-        }
-    }
-    return out;
 }
 
 class JsonConformance : public HostSettingsFixture {
@@ -243,7 +222,7 @@ TEST_F(JsonConformance, AcceptedStringsReachTheRecordsIntact) {
             const auto open = document.text.find('[');
             const auto close = document.text.rfind(']');
             const Loaded loaded = loadAsFiles(resourceDocument("subject", document.text.substr(open + 1, close - open - 1)));
-            const auto expected = decodeUtf8(bytes);
+            const auto expected = reference::docparser::utf8ToUtf16(bytes);
             const auto& lookup = loaded.lookups.installedResources.at(u"subject").getItems().at(u"probe");
             EXPECT_EQ(lookup.at(0).getPurpose(), expected) << document.name;
             const auto& page = loaded.pages.at(u"subject").getItems().at(u"subject/probe.html");

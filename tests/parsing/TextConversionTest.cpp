@@ -1,5 +1,7 @@
 #include "docparser/parsing/TextConversion.hpp"
 
+#include <reference/docparser/TextConversion.hpp>
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -303,6 +305,13 @@ TEST(TextConversion, EncodesUtf16AndReplacesLoneSurrogates) {
     };
     for (const auto& c : cases) {
         EXPECT_EQ(text::utf16ToUtf8(c.input), c.expected) << c.what;
+        // The exported converters follow the same rule, code points included.
+        EXPECT_EQ(reference::docparser::utf16ToUtf8(c.input), c.expected) << c.what;
+        std::string viaCodePoints;
+        for (const char32_t codePoint : reference::docparser::utf16ToUtf32(c.input)) {
+            viaCodePoints += encode(codePoint);
+        }
+        EXPECT_EQ(viaCodePoints, c.expected) << c.what;
     }
 }
 

@@ -7,22 +7,6 @@
 namespace refdoc::tool {
 namespace {
 
-// Code points of UTF-16 text; a lone surrogate becomes U+FFFD.
-template <class Visit>
-void forEachCodePoint(std::u16string_view text, Visit&& visit) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char32_t unit = text[i];
-        if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
-            visit(0x10000 + ((unit - 0xD800) << 10) + (text[i + 1] - 0xDC00));
-            ++i;
-        } else if (unit >= 0xD800 && unit <= 0xDFFF) {
-            visit(0xFFFD);
-        } else {
-            visit(unit);
-        }
-    }
-}
-
 bool isWide(char32_t c) {
     return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0x303E) || (c >= 0x3041 && c <= 0x33FF) ||
            (c >= 0x3400 && c <= 0x4DBF) || (c >= 0x4E00 && c <= 0x9FFF) || (c >= 0xA000 && c <= 0xA4CF) ||
@@ -49,19 +33,21 @@ std::u16string toUtf16(std::string_view text) {
 std::u32string foldCase(std::u16string_view text) {
     std::u32string out;
     out.reserve(text.size());
-    forEachCodePoint(text, [&out](char32_t c) {
+    for (const char32_t c : reference::docparser::utf16ToUtf32(text)) {
         if (c < 0x80) {
             out += (c >= 'A' && c <= 'Z') ? c + ('a' - 'A') : c;
         } else {
             out += static_cast<char32_t>(std::towlower(static_cast<std::wint_t>(c)));
         }
-    });
+    }
     return out;
 }
 
 std::size_t displayWidth(std::string_view utf8) {
     std::size_t width = 0;
-    forEachCodePoint(toUtf16(utf8), [&width](char32_t c) { width += isCombining(c) ? 0 : isWide(c) ? 2 : 1; });
+    for (const char32_t c : reference::docparser::utf16ToUtf32(toUtf16(utf8))) {
+        width += isCombining(c) ? 0 : isWide(c) ? 2 : 1;
+    }
     return width;
 }
 

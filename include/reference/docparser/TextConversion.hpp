@@ -20,4 +20,8 @@ REFDOC_API std::u16string utf8ToUtf16(std::string_view text);
 // or a low one on its own) becomes U+FFFD (EF BF BD); the unit after it is converted as usual.
 REFDOC_API std::string utf16ToUtf8(std::u16string_view text);
 
+// UTF-16 to code points (for callers that measure, fold or classify characters), with the same
+// rule: an unpaired surrogate becomes U+FFFD.
+REFDOC_API std::u32string utf16ToUtf32(std::u16string_view text);
+
 } // namespace reference::docparser
