@@ -38,21 +38,6 @@ TEST(Enumerations, EveryValueRoundTripsThroughItsText) {
     expectRoundTrips<DeprecationStatus>(0, DeprecationStatus::Removed);
 }
 
-TEST(Enumerations, DefaultsAreTheDocumentedValues) {
-    EXPECT_EQ(RefEntityType::getDefaultValue(), RefEntityType::Unspecified);
-    EXPECT_EQ(FunctionType::getDefaultValue(), FunctionType::Unspecified);
-    EXPECT_EQ(SyntaxType::getDefaultValue(), SyntaxType::Unspecified);
-    EXPECT_EQ(DeprecationStatus::getDefaultValue(), DeprecationStatus::Current);
-    // The unspecified defaults have no spelling: no text in the data can produce them.
-    EXPECT_TRUE(RefEntityType::toString(RefEntityType::Unspecified).empty());
-}
-
-TEST(Enumerations, BlockIsTheEntityTypeNumberedTwelve) {
-    // The page parser switches member-name decoding on this number.
-    EXPECT_EQ(static_cast<int>(RefEntityType::stringToEnum("block")), 12);
-    EXPECT_EQ(sizeof(RefEntityType::Value), 4u);
-}
-
 // Unknown text: stringToEnum throws; tryStringToEnum says no and leaves the value alone.
 template <class E>
 void expectUnknown(std::string_view text) {
