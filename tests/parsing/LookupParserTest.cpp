@@ -207,59 +207,8 @@ TEST(LookupParser, MissingRequiredKeyFailsTheWholeFile) {
     }
 }
 
-TEST(LookupParser, MembersOfTheWrongKindFailCleanly) {
-    const char* const texts[] = {
-        R"([])",
-        R"("a lookup file")",
-        R"({"productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L", "refItems": {}})",
-        R"({"productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L", "refItems": ["x"]})",
-        R"({"productName": "P", "baseCode": "B", "helpFolder": 7, "helpLocation": "L", "refItems": []})",
-        R"({"productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L",
-            "refItems": [{"name": 1, "refpurpose": "p", "href": "h"}]})",
-        R"({"productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L",
-            "refItems": [{"name": "n", "refpurpose": "p", "href": null}]})",
-        R"({"productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L",
-            "refItems": [{"name": "n", "refpurpose": "p", "href": "h", "type": 3}]})",
-        R"({"productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L", "refItems": [],
-            "supportPackages": {}})",
-        R"({"productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L", "refItems": [],
-            "supportPackages": ["package"]})",
-    };
-    for (const char* text : texts) {
-        EXPECT_THROW(parseLookupFile(text), DocParserException) << text;
-    }
-}
-
-TEST(LookupParser, OnlyStrictJsonIsAccepted) {
-    const std::string header = R"("productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L")";
-    const std::string bad[] = {
-        "{" + header + R"(, "refItems": [] // comment
-        })",
-        "{" + header + R"(, /* comment */ "refItems": []})",
-        "{" + header + R"(, "refItems": [],})",
-        "{" + header + R"(, "refItems": [)" + item("a") + ",]}",
-        // Invalid UTF-8 inside a string.
-        "{" + header + R"(, "refItems": [{"name": "a)" + std::string("\xFF") + R"(", "refpurpose": "p", "href": "h"}]})",
-        "{" + header + R"(, "refItems": []} trailing)",
-        "",
-    };
-    for (const auto& text : bad) {
-        EXPECT_THROW(parseLookupFile(text), boost::system::system_error) << text;
-    }
-}
-
-TEST(LookupParser, NestingIsLimitedTo32Levels) {
-    // The root object is the first level; an ignored member carries the rest.
-    const auto nestedTo = [](int depth) {
-        const std::string opening(static_cast<std::size_t>(depth - 1), '[');
-        const std::string closing(static_cast<std::size_t>(depth - 1), ']');
-        return R"({"productName": "P", "baseCode": "B", "helpFolder": "F", "helpLocation": "L", "refItems": [],
-                   "deep": )" +
-               opening + closing + "}";
-    };
-    EXPECT_NO_THROW(parseLookupFile(nestedTo(32)));
-    EXPECT_THROW(parseLookupFile(nestedTo(33)), boost::system::system_error);
-}
+// Wrong kinds, strict JSON and the nesting limit: the cases of the parser equivalence table, which
+// names the outcome of each.
 
 TEST(LookupParser, ForwardingFunctionServesAsThePipelinesParser) {
     const ParsingInfo<DocResourceParser::LookupResourceMap>::JsonParsingFcn parser = lookupFileParser;

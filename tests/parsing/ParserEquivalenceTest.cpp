@@ -381,33 +381,4 @@ TEST_P(ComparisonReports, TellsOutcomesApart) {
 INSTANTIATE_TEST_SUITE_P(Cases, ComparisonReports, ::testing::ValuesIn(kDifferences),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST(ComparisonReports, WarningOrderCountsOnlyWhenAsked) {
-    const LookupOutcome tree = refdoc::fuzz::readLookupFile(
-        lookup(entry("a", R"(, "type": "x", "fcntype": "y")")), Reading::Tree);
-    ASSERT_EQ(tree.diagnostics.size(), 1u);
-    ASSERT_EQ(tree.diagnostics[0].warnings.size(), 2u);
-
-    LookupOutcome reordered = tree;
-    std::swap(reordered.diagnostics[0].warnings[0], reordered.diagnostics[0].warnings[1]);
-    EXPECT_EQ(refdoc::fuzz::describeDifference(reordered, tree, WarningOrder::Any), "");
-    EXPECT_NE(refdoc::fuzz::describeDifference(reordered, tree, WarningOrder::Same), "");
-
-    LookupOutcome lessWarned = tree;
-    lessWarned.diagnostics[0].warnings.pop_back();
-    EXPECT_NE(refdoc::fuzz::describeDifference(lessWarned, tree, WarningOrder::Any), "");
-}
-
-TEST(ComparisonReports, PageReplacementsDifferWhereTheyCoverPages) {
-    const std::string text = pages(page("ref/a.html") + "," + page("ref/b.html") + "," + page("ref/c.html"));
-    const PageOutcome whole = refdoc::fuzz::readPageFile(text, Reading::Tree);
-    ASSERT_EQ(whole.failure, PageOutcome::Failure::None);
-    const PageMap partial = refdoc::fuzz::thinnedReplacement(whole.result);
-    ASSERT_EQ(partial.at(u"signal").getItems().size(), 2u);
-
-    // Pages the replacement covers are left out; comparing against the plain reading shows it.
-    const PageOutcome covered = refdoc::fuzz::readPageFile(text, Reading::Tree, &partial);
-    ASSERT_EQ(covered.result.at(u"signal").getItems().size(), 1u);
-    EXPECT_NE(refdoc::fuzz::describeDifference(covered, whole).find(R"(result["signal"].items)"), std::string::npos);
-}
-
 } // namespace
