@@ -1,6 +1,6 @@
-// The fuzz targets' seeds and every input that once made a target fail (kept in
-// regressions/<target>/) go through the fuzz target bodies again, in every build of the suite.
-// The targets and their seed folders are those of fuzz/targets.txt.
+// The fuzz targets' seeds, among them every input that once made a target fail (kept with the
+// seeds, in fuzz/corpus/<target>/), go through the fuzz target bodies again in every build of the
+// suite. The targets and their seed folders are those of fuzz/targets.txt.
 
 #include "FuzzTargets.hpp"
 
@@ -22,8 +22,8 @@ namespace {
 namespace fs = std::filesystem;
 
 // `seedFolders` is a ';'-separated list.
-std::vector<fs::path> inputsOf(std::string_view target, std::string_view seedFolders) {
-    std::vector<fs::path> folders{fs::path(REFDOC_FAULT_INPUTS) / target};
+std::vector<fs::path> inputsOf(std::string_view seedFolders) {
+    std::vector<fs::path> folders;
     for (std::size_t start = 0; start <= seedFolders.size();) {
         const std::size_t end = std::min(seedFolders.find(';', start), seedFolders.size());
         folders.emplace_back(seedFolders.substr(start, end - start));
@@ -43,7 +43,7 @@ std::vector<fs::path> inputsOf(std::string_view target, std::string_view seedFol
 
 template <class Target>
 void replay(std::string_view targetName, std::string_view seedFolders) {
-    const auto inputs = inputsOf(targetName, seedFolders);
+    const auto inputs = inputsOf(seedFolders);
     ASSERT_FALSE(inputs.empty()) << "no seeds for " << targetName;
     const Target target;
     for (const auto& input : inputs) {

@@ -13,8 +13,7 @@
 #include "docparser/parsing/RefItemFile.hpp"
 #include "docparser/parsing/LookupParser.hpp"
 
-#include "support/HostSettingsFixture.hpp"
-#include "support/TempDir.hpp"
+#include "HostileRoot.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 #include <reference/docparser/TextConversion.hpp>
@@ -37,12 +36,7 @@ namespace {
 namespace fs = std::filesystem;
 using reference::docparser::DocParserException;
 using reference::docparser::DocResourceParser;
-using LookupResults = DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap>;
-using PageMap = DocResourceParser::RefItemFileMap;
-
 const fs::path kCorpus = fs::path(REFDOC_JSON_CONFORMANCE_DIR) / "test_parsing";
-const fs::path kLookupFolder = "docCatalog/referenceapi_lookup";
-const fs::path kReferenceFolder = "docCatalog/referenceapi";
 
 struct Document {
     std::string name;
@@ -108,47 +102,31 @@ std::string resourceDocument(const std::string& folder, std::string_view purpose
         .append("}]}");
 }
 
-class JsonConformance : public HostSettingsFixture {
+// The corpus's documents in the control-product root of the hostile-input tests.
+class JsonConformance : public HostileRoot {
 protected:
-    struct Loaded {
-        LookupResults lookups;
-        PageMap pages;
-    };
-
     void SetUp() override {
-        HostSettingsFixture::SetUp();
         if (!fs::is_directory(kCorpus)) {
             GTEST_SKIP() << "JSON conformance corpus not found: no folder " << kCorpus
                          << " (point the CMake option REFDOC_JSON_CONFORMANCE_DIR at the corpus)";
         }
-        root_.write(kLookupFolder / "control.json", resourceDocument("control", R"("Always here")"));
-        root_.write(kReferenceFolder / "control.json", resourceDocument("control", R"("Always here")"));
-        DocResourceParser::setReferenceRoot(root_.u16());
-        DocResourceParser::setTestProducts({u"control", u"subject"}, {});
-        controlOnly_ = {DocResourceParser::getResourceLookupFiles(), DocResourceParser::getResourceFile(u"control")};
-        ASSERT_EQ(controlOnly_.lookups.installedResources.size(), 1u);
-        ASSERT_EQ(controlOnly_.pages.size(), 1u);
+        HostileRoot::SetUp();
     }
 
-    // `text` as the lookup file and the page file of the product "conf", beside the control.
+    // `text` as the lookup file and the page file of the product "hostile", beside the control.
     Loaded loadAsFiles(const std::string& text) const {
-        root_.write(kLookupFolder / "conf.json", text);
-        root_.write(kReferenceFolder / "conf.json", text);
-        Loaded loaded{DocResourceParser::getResourceLookupFiles(), DocResourceParser::getResourceFile(u"conf")};
-        fs::remove(root_.path() / kLookupFolder / "conf.json");
-        fs::remove(root_.path() / kReferenceFolder / "conf.json");
+        root_.write(lookupFolder() / "hostile.json", text);
+        root_.write(referenceFolder() / "hostile.json", text);
+        Loaded loaded = load(u"hostile");
+        fs::remove(lookupFolder() / "hostile.json");
+        fs::remove(referenceFolder() / "hostile.json");
         return loaded;
     }
 
-    // Each document alone counts as absent: the results are the control's alone.
     void expectAbsent(const Document& document) const {
-        const Loaded loaded = loadAsFiles(document.text);
-        EXPECT_EQ(loaded.lookups, controlOnly_.lookups) << document.name;
-        EXPECT_TRUE(loaded.pages.empty()) << document.name;
+        SCOPED_TRACE(document.name);
+        expectOnlyControl(loadAsFiles(document.text));
     }
-
-    TempDir root_;
-    Loaded controlOnly_;
 };
 
 TEST_F(JsonConformance, RefusedDocumentsFailAsJsonAndCountAsAbsent) {
@@ -187,9 +165,9 @@ TEST_F(JsonConformance, UndecidedDocumentsAreTakenOrRefusedAlikeByBothFormats) {
 // Every document the JSON parser takes, as the value of members that neither format reads (in
 // the document and in its item), leaves the resource as it is without them.
 TEST_F(JsonConformance, AcceptedValuesInMembersNobodyReadsChangeNothing) {
-    const Loaded plain = loadAsFiles(resourceDocument("subject", R"("p")"));
-    ASSERT_EQ(plain.lookups.installedResources.count(u"subject"), 1u);
-    ASSERT_EQ(plain.pages.count(u"subject"), 1u);
+    const Loaded plain = loadAsFiles(resourceDocument("hostile", R"("p")"));
+    ASSERT_EQ(plain.lookups.installedResources.count(u"hostile"), 1u);
+    ASSERT_EQ(plain.pages.count(u"hostile"), 1u);
     std::size_t embedded = 0;
     for (const auto& prefix : {"y_", "i_"}) {
         for (const auto& document : documents(prefix)) {
@@ -197,7 +175,7 @@ TEST_F(JsonConformance, AcceptedValuesInMembersNobodyReadsChangeNothing) {
                 continue;
             }
             ++embedded;
-            const Loaded loaded = loadAsFiles(resourceDocument("subject", R"("p")", R"("unread":)" + document.text + ","));
+            const Loaded loaded = loadAsFiles(resourceDocument("hostile", R"("p")", R"("unread":)" + document.text + ","));
             EXPECT_EQ(loaded.lookups, plain.lookups) << document.name;
             EXPECT_EQ(loaded.pages, plain.pages) << document.name;
         }
@@ -221,11 +199,11 @@ TEST_F(JsonConformance, AcceptedStringsReachTheRecordsIntact) {
             const std::string_view bytes = array->front().get_string();
             const auto open = document.text.find('[');
             const auto close = document.text.rfind(']');
-            const Loaded loaded = loadAsFiles(resourceDocument("subject", document.text.substr(open + 1, close - open - 1)));
+            const Loaded loaded = loadAsFiles(resourceDocument("hostile", document.text.substr(open + 1, close - open - 1)));
             const auto expected = reference::docparser::utf8ToUtf16(bytes);
-            const auto& lookup = loaded.lookups.installedResources.at(u"subject").getItems().at(u"probe");
+            const auto& lookup = loaded.lookups.installedResources.at(u"hostile").getItems().at(u"probe");
             EXPECT_EQ(lookup.at(0).getPurpose(), expected) << document.name;
-            const auto& page = loaded.pages.at(u"subject").getItems().at(u"subject/probe.html");
+            const auto& page = loaded.pages.at(u"hostile").getItems().at(u"hostile/probe.html");
             EXPECT_EQ(page.at(0).getPurpose(), expected) << document.name;
         }
     }
