@@ -66,6 +66,16 @@ bool sameFile(const FileDiagnostic& record, DiagnosticSource source, const std::
     return record.source == source && record.path == path && record.entry == entry;
 }
 
+// The record of a file or package that the folder listing found.
+FileDiagnostic listedFile(DiagnosticSource source, const ProductPathData& file) {
+    FileDiagnostic record;
+    record.source = source;
+    record.path = file.getFullPath();
+    record.productName = file.getName();
+    record.localeVariant = file.isNonEnglishLocale();
+    return record;
+}
+
 } // namespace
 
 void recordSyntaxError(Recorder& recorder, std::string_view text, std::size_t consumed,
@@ -83,12 +93,7 @@ void recordSyntaxError(Recorder& recorder, std::string_view text, std::size_t co
 
 void recordPackageBegin(Recorder& recorder, const ProductPathData& package) noexcept {
     try {
-        FileDiagnostic record;
-        record.source = DiagnosticSource::Package;
-        record.path = package.getFullPath();
-        record.productName = package.getName();
-        record.localeVariant = package.isNonEnglishLocale();
-        recorder.begin(std::move(record));
+        recorder.begin(listedFile(DiagnosticSource::Package, package));
         recorder.end();
         recorder.packagePath = package.getFullPath();
     } catch (...) {
@@ -110,12 +115,7 @@ void recordPackageDropped(Recorder& recorder) noexcept {
 
 void recordFileBegin(Recorder& recorder, const ProductPathData& file) noexcept {
     try {
-        FileDiagnostic record;
-        record.source = DiagnosticSource::File;
-        record.path = file.getFullPath();
-        record.productName = file.getName();
-        record.localeVariant = file.isNonEnglishLocale();
-        recorder.begin(std::move(record));
+        recorder.begin(listedFile(DiagnosticSource::File, file));
     } catch (...) {
         recorder.end();
     }
