@@ -15,13 +15,9 @@ namespace {
 using reference::docparser::DocResourceParser;
 
 // The library's texts are UTF-16; they are printed as UTF-8 with the library's own converter.
-std::string utf8(std::u16string_view text) {
-    return reference::docparser::utf16ToUtf8(text);
-}
+std::string utf8(std::u16string_view text) { return reference::docparser::utf16ToUtf8(text); }
 
-std::u16string utf16(const std::string& text) {
-    return reference::docparser::utf8ToUtf16(text);
-}
+std::u16string utf16(const std::string& text) { return reference::docparser::utf8ToUtf16(text); }
 
 } // namespace
 

@@ -61,9 +61,7 @@ std::string show(std::string_view bytes) {
     return out + '"';
 }
 
-std::string show(bool value) {
-    return value ? "true" : "false";
-}
+std::string show(bool value) { return value ? "true" : "false"; }
 
 template <class Enumeration>
 std::string showEnum(typename Enumeration::Value value) {
@@ -76,9 +74,7 @@ std::string show(FunctionType::Value value) { return showEnum<FunctionType>(valu
 std::string show(SyntaxType::Value value) { return showEnum<SyntaxType>(value); }
 std::string show(DeprecationStatus::Value value) { return showEnum<DeprecationStatus>(value); }
 
-std::string show(reference::docparser::WarningKind kind) {
-    return std::string(reference::docparser::toString(kind));
-}
+std::string show(reference::docparser::WarningKind kind) { return std::string(reference::docparser::toString(kind)); }
 std::string show(reference::docparser::DropReason reason) {
     return std::string(reference::docparser::toString(reason));
 }
@@ -120,8 +116,9 @@ private:
 };
 
 template <class A>
-void compare(FirstDifference& d, const A& a, const A& b)
-    requires requires { show(a); }
+void compare(FirstDifference& d, const A& a, const A& b) requires requires {
+    show(a);
+}
 {
     if (!(a == b)) {
         d.note(show(a), show(b));
@@ -385,10 +382,10 @@ std::string summary(const ReadingOutcome<Map>& outcome) {
     std::string out = failureName(outcome) + "\n";
     for (const auto& [key, resource] : outcome.result) {
         const auto& header = resource.getHeader();
-        out += "    document " + show(std::u16string_view(key)) + ": " + show(std::u16string_view(header.getProductName())) +
-               " baseCode " + show(std::u16string_view(header.getBaseCode())) + ", " +
-               std::to_string(resource.getItems().size()) + " keys, " + std::to_string(recordCount(resource.getItems())) +
-               " records\n";
+        out += "    document " + show(std::u16string_view(key)) + ": " +
+               show(std::u16string_view(header.getProductName())) + " baseCode " +
+               show(std::u16string_view(header.getBaseCode())) + ", " + std::to_string(resource.getItems().size()) +
+               " keys, " + std::to_string(recordCount(resource.getItems())) + " records\n";
     }
     for (const auto& file : outcome.diagnostics) {
         out += "    diagnostic: " + show(file.dropReason) + " " + show(std::string_view(file.message)) + " at " +

@@ -28,9 +28,9 @@ struct ReadingOutcome {
     enum class Failure { None, SyntaxError, FormatError, Other };
 
     Failure failure = Failure::None;
-    Map result;                         // Failure::None only
+    Map result;                            // Failure::None only
     boost::system::error_code syntaxError; // Failure::SyntaxError: the JSON parser's code
-    std::string otherFailure;           // Failure::Other: the exception's type and message
+    std::string otherFailure;              // Failure::Other: the exception's type and message
     std::vector<reference::docparser::FileDiagnostic> diagnostics;
 };
 

@@ -51,7 +51,7 @@ ZipPackageTarget::ZipPackageTarget()
 
     logging::core::get()->add_sink(sink_->sink);
     reference::docparser::diagnosticLogger().setEnabledSeverities(reference::docparser::kFileAccessSeverity |
-                                                                 reference::docparser::kFileReadErrorSeverity);
+                                                                  reference::docparser::kFileReadErrorSeverity);
 }
 
 ZipPackageTarget::~ZipPackageTarget() {

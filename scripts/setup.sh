@@ -7,7 +7,7 @@ set -euo pipefail
 
 PACKAGES=(
   build-essential cmake ninja-build pkg-config git zip unzip python3
-  clang libclang-rt-14-dev
+  clang clang-format libclang-rt-14-dev
   libboost1.81-dev libboost-json1.81-dev libboost-log1.81-dev libboost-exception1.81-dev
   libzip-dev zipcmp zipmerge ziptool
   libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev

@@ -31,28 +31,26 @@ constexpr double kUntranslatedItems = 0.03;
 
 // What a profile changes. The default's values keep its bytes as they always were.
 struct Shape {
-    bool pretty = false;               // indentation and newlines
-    bool sortedNames = true;           // entries sorted by name, as the documentation build writes them
-    double unusualSpellings = 0.0;     // share of entries whose enumeration texts the library does not know
+    bool pretty = false;           // indentation and newlines
+    bool sortedNames = true;       // entries sorted by name, as the documentation build writes them
+    double unusualSpellings = 0.0; // share of entries whose enumeration texts the library does not know
     double untranslatedItems = kUntranslatedItems;
     double localizedOnlyItems = 0.0;   // share of entries that only the translations have
     double supportPackageChance = 0.2; // share of products with support packages
     int minSupportPackages = 1;
     int maxSupportPackages = 3;
-    std::size_t descriptionScale = 1;  // page descriptions this many times the usual length
+    std::size_t descriptionScale = 1; // page descriptions this many times the usual length
 };
 
 constexpr Shape kDefaultShape{};
 constexpr Shape kVariedShape{true, false, 0.5, 0.12, 0.08, 1.0, 2, 5, 3};
 
-const Shape& shapeOf(Profile profile) {
-    return profile == Profile::Varied ? kVariedShape : kDefaultShape;
-}
+const Shape& shapeOf(Profile profile) { return profile == Profile::Varied ? kVariedShape : kDefaultShape; }
 
 // Spellings other data sets use for the same enumerations, and kinds newer than the library's
 // lists: all must load as the enumeration's default.
-constexpr std::string_view kUnusualTypes[] = {"Function", "classdef", "livetask", "enum",     "Method",
-                                              "sysobject", "Property", "mlapp",   "callback", "BLOCK"};
+constexpr std::string_view kUnusualTypes[] = {"Function",  "classdef", "livetask", "enum",     "Method",
+                                              "sysobject", "Property", "mlapp",    "callback", "BLOCK"};
 constexpr std::string_view kUnusualFunctionTypes[] = {"Ordinary", "mex", "pcode", "local", "nested", "Builtin"};
 constexpr std::string_view kUnusualSyntaxTypes[] = {"Function", "positional", "nameValue", "Optional", "input"};
 constexpr std::string_view kUnusualDeprecationStates[] = {"Current", "active", "phased-out", "Deprecated", "warning"};
@@ -66,8 +64,8 @@ struct KindRow {
 };
 
 constexpr KindRow kKinds[] = {
-    {Kind::Function, "function", 0.45}, {Kind::Class, "class", 0.08},   {Kind::Method, "method", 0.15},
-    {Kind::Property, "property", 0.13}, {Kind::Block, "block", 0.07},   {Kind::Object, "object", 0.04},
+    {Kind::Function, "function", 0.45}, {Kind::Class, "class", 0.08},       {Kind::Method, "method", 0.15},
+    {Kind::Property, "property", 0.13}, {Kind::Block, "block", 0.07},       {Kind::Object, "object", 0.04},
     {Kind::App, "app", 0.02},           {Kind::Constant, "constant", 0.04}, {Kind::Event, "event", 0.02},
 };
 
@@ -91,7 +89,7 @@ struct ItemModel {
     bool deprecated = false;
     bool unusualSpellings = false; // its page's enumeration texts are unusual too
     bool inEnglish = true;         // false: only the translations have it
-    std::uint64_t key = 0;                 // stream of its texts and page structure
+    std::uint64_t key = 0;         // stream of its texts and page structure
     std::array<bool, kLocalized.size()> translated{};
 };
 
@@ -112,17 +110,18 @@ struct ProductModel {
     std::array<bool, kLocalized.size()> translated{};
 };
 
-constexpr std::string_view kNamePrefixes[] = {"signal", "image",  "optim", "control", "stats",  "audio", "radar",
-                                              "vision", "fin",    "bio",   "geo",     "power",  "motor", "robot",
-                                              "comm",   "wave",   "text",  "map",     "sim",    "test",  "lidar",
+constexpr std::string_view kNamePrefixes[] = {"signal", "image",  "optim",  "control", "stats", "audio", "radar",
+                                              "vision", "fin",    "bio",    "geo",     "power", "motor", "robot",
+                                              "comm",   "wave",   "text",   "map",     "sim",   "test",  "lidar",
                                               "sensor", "fusion", "phased", "antenna", "deep",  "rf",    "mesh"};
 constexpr std::string_view kNameSuffixes[] = {"kit", "lab", "works", "suite", "tools", "studio", "box"};
 constexpr std::string_view kHardware[] = {"Nimbus", "Orion", "Vega", "Lyra", "Atlas", "Helix", "Quasar", "Tundra"};
 constexpr std::string_view kDevices[] = {"Board", "Camera", "Radio", "Controller"};
 constexpr std::string_view kSyntaxTypes[] = {"required", "optional", "namevalue", "repeating"};
 constexpr std::string_view kDefaults[] = {"[]", "1", "0", "\"auto\"", "true", "\"linear\"", "1e-6"};
-constexpr std::string_view kValueWords[] = {"vector", "matrix", "scalar", "\"linear\"", "\"spline\"",
-                                            "string scalar", "character vector", "cell array", "table"};
+constexpr std::string_view kValueWords[] = {"vector",           "matrix",     "scalar",
+                                            "\"linear\"",       "\"spline\"", "string scalar",
+                                            "character vector", "cell array", "table"};
 
 std::string upper(std::string_view text) {
     std::string out(text);
@@ -155,8 +154,8 @@ std::uint64_t itemKey(std::size_t product, std::size_t document, std::size_t ite
     return (static_cast<std::uint64_t>(product + 1) << 40) | (static_cast<std::uint64_t>(document) << 24) | item;
 }
 
-std::vector<ItemModel> makeItems(Random& random, std::size_t count, const std::string& helpFolder,
-                                 std::size_t product, std::size_t document, const Shape& shape) {
+std::vector<ItemModel> makeItems(Random& random, std::size_t count, const std::string& helpFolder, std::size_t product,
+                                 std::size_t document, const Shape& shape) {
     std::vector<ItemModel> items;
     items.reserve(count);
     std::set<std::string> hrefs;
@@ -323,8 +322,8 @@ std::vector<ProductModel> makeProducts(const CorpusOptions& options) {
                 package.baseCode = main.baseCode + "_" + upper(hardware) + "_" + upper(device) + std::to_string(s);
                 package.helpFolder = name + "_" + lower(hardware) + std::to_string(s);
                 package.helpLocation = "help/supportpkg/" + package.helpFolder;
-                package.items = makeItems(own, static_cast<std::size_t>(own.between(20, 150)), package.helpFolder,
-                                          p, static_cast<std::size_t>(s) + 1, shape);
+                package.items = makeItems(own, static_cast<std::size_t>(own.between(20, 150)), package.helpFolder, p,
+                                          static_cast<std::size_t>(s) + 1, shape);
                 package.installed = own.chance(0.5);
                 product.supportPackages.push_back(std::move(package));
             }
@@ -413,8 +412,7 @@ class PageWriter {
 public:
     PageWriter(JsonWriter& json, const ItemModel& item, Language language, std::uint64_t seed,
                std::size_t descriptionScale)
-        : json_(json), item_(item), descriptionScale_(descriptionScale), text_(language),
-          heading_(headings(language)),
+        : json_(json), item_(item), descriptionScale_(descriptionScale), text_(language), heading_(headings(language)),
           shape_(Random::forStream(seed, item.key * 16 + 15)), words_(textStream(seed, item, language, 1)),
           purpose_(itemPurpose(seed, item, language)) {}
 
@@ -427,9 +425,9 @@ public:
         if (kind == Kind::Class || kind == Kind::Object || shape_.chance(0.1)) {
             json_.member("packagename", lower(item_.href.substr(0, item_.href.find('/'))) + ".internal");
         }
-        json_.member("introduced", "v" + std::to_string(shape_.between(1, 12)) + "." + std::to_string(shape_.between(0, 9)));
-        json_.member("description",
-                     text_.description(words_, codeName(), descriptionLength(kind) * descriptionScale_));
+        json_.member("introduced",
+                     "v" + std::to_string(shape_.between(1, 12)) + "." + std::to_string(shape_.between(0, 9)));
+        json_.member("description", text_.description(words_, codeName(), descriptionLength(kind) * descriptionScale_));
         if (kind == Kind::App || kind == Kind::Block) {
             json_.key("appthumbnail");
             json_.beginObject();
@@ -437,20 +435,28 @@ public:
             json_.member("alt", text_.title(words_));
             json_.endObject();
         }
-        json_.member("deprecationstatus",
-                     item_.unusualSpellings ? unusual(kUnusualDeprecationStates)
-                     : item_.deprecated     ? (shape_.chance(0.5) ? "deprecated" : "notrecommended")
-                                            : "current");
+        json_.member("deprecationstatus", item_.unusualSpellings ? unusual(kUnusualDeprecationStates)
+                                          : item_.deprecated ? (shape_.chance(0.5) ? "deprecated" : "notrecommended")
+                                                             : "current");
         switch (kind) {
-        case Kind::Function: writeFunction(); break;
+        case Kind::Function:
+            writeFunction();
+            break;
         case Kind::Class:
-        case Kind::Object: writeClass(); break;
-        case Kind::Method: writeMethod(); break;
-        case Kind::Block: writeBlock(); break;
+        case Kind::Object:
+            writeClass();
+            break;
+        case Kind::Method:
+            writeMethod();
+            break;
+        case Kind::Block:
+            writeBlock();
+            break;
         case Kind::App:
         case Kind::Property:
         case Kind::Constant:
-        case Kind::Event: break;
+        case Kind::Event:
+            break;
         }
         writeExamples(kind == Kind::Function || kind == Kind::Class || kind == Kind::App ? 3 : 1);
         writeSeeAlso();
@@ -476,8 +482,10 @@ private:
         case Kind::Function:
         case Kind::Class:
         case Kind::Block:
-        case Kind::App: return static_cast<std::size_t>(shape_.between(300, 1400));
-        default: return static_cast<std::size_t>(shape_.between(80, 400));
+        case Kind::App:
+            return static_cast<std::size_t>(shape_.between(300, 1400));
+        default:
+            return static_cast<std::size_t>(shape_.between(80, 400));
         }
     }
 
@@ -680,7 +688,8 @@ private:
             json_.beginObject();
             json_.member("url", item_.href.substr(0, item_.href.find('/')) + "/ug/" + lower(id) + ".html");
             if (shape_.chance(0.7)) {
-                json_.member("open_command", "openExample('" + item_.href.substr(0, item_.href.find('/')) + "/" + id + "')");
+                json_.member("open_command",
+                             "openExample('" + item_.href.substr(0, item_.href.find('/')) + "/" + id + "')");
             }
             json_.member("title", text_.title(words_));
             json_.endObject();
@@ -788,9 +797,12 @@ std::string variantStem(const std::string& name, Language language) {
 
 std::string_view packagingName(Packaging packaging) {
     switch (packaging) {
-    case Packaging::MultiLeafZip: return "multi-leaf zip";
-    case Packaging::SingleLeafZips: return "single-leaf zips";
-    case Packaging::Loose: break;
+    case Packaging::MultiLeafZip:
+        return "multi-leaf zip";
+    case Packaging::SingleLeafZips:
+        return "single-leaf zips";
+    case Packaging::Loose:
+        break;
     }
     return "loose";
 }
@@ -910,9 +922,7 @@ std::size_t Manifest::largestPageRead(const std::string& product, const std::str
     return largest;
 }
 
-std::string_view profileName(Profile profile) noexcept {
-    return profile == Profile::Varied ? "varied" : "default";
-}
+std::string_view profileName(Profile profile) noexcept { return profile == Profile::Varied ? "varied" : "default"; }
 
 Profile profileFromName(std::string_view name) {
     if (name == "default") {

@@ -34,9 +34,9 @@ struct CorpusOptions {
     Profile profile = Profile::Default;
     std::uint64_t seed = 20240611;
     int products = 60;
-    double meanItems = 900.0;  // mean lookup entries per product
-    double itemSpread = 0.9;   // shape of the log-normal spread: a few products get several thousand
-    bool pages = true;         // also write the reference page files
+    double meanItems = 900.0; // mean lookup entries per product
+    double itemSpread = 0.9;  // shape of the log-normal spread: a few products get several thousand
+    bool pages = true;        // also write the reference page files
 };
 
 enum class Packaging {
@@ -49,12 +49,10 @@ enum class Packaging {
 // the documentation root, '/' separated.
 struct FileRead {
     std::string file;
-    std::string entry;      // empty for a loose file
-    std::size_t bytes = 0;  // the JSON text's size (uncompressed for a zip entry)
+    std::string entry;     // empty for a loose file
+    std::size_t bytes = 0; // the JSON text's size (uncompressed for a zip entry)
 
-    bool operator<(const FileRead& other) const {
-        return file != other.file ? file < other.file : entry < other.entry;
-    }
+    bool operator<(const FileRead& other) const { return file != other.file ? file < other.file : entry < other.entry; }
     bool operator==(const FileRead&) const = default;
 };
 
@@ -69,9 +67,9 @@ struct ProductInfo {
     std::string productName; // display name
     bool installed = false;
     Packaging packaging = Packaging::Loose;
-    std::size_t items = 0;                 // English lookup entries of the main document
-    std::size_t localizedOnlyItems = 0;    // main-document entries that only the translations have
-    std::vector<std::string> languages;    // "en" plus the translations that exist
+    std::size_t items = 0;              // English lookup entries of the main document
+    std::size_t localizedOnlyItems = 0; // main-document entries that only the translations have
+    std::vector<std::string> languages; // "en" plus the translations that exist
     std::vector<SupportPackageInfo> supportPackages;
 };
 
@@ -79,10 +77,10 @@ struct Manifest {
     std::string profile = "default";
     std::uint64_t seed = 0;
     std::vector<ProductInfo> products;
-    std::vector<std::string> localeCodes;                  // the supported non-English languages
+    std::vector<std::string> localeCodes;                     // the supported non-English languages
     std::map<std::string, std::vector<FileRead>> lookupReads; // per current language, sorted
     std::string largestProduct;
-    std::string supportPackageRoot; // relative: one sub-folder per installed support package
+    std::string supportPackageRoot;                   // relative: one sub-folder per installed support package
     std::map<std::string, std::size_t> pageFileBytes; // page file path (relative) -> size
 
     std::vector<std::string> installedProducts() const;

@@ -92,10 +92,18 @@ private:
         for (const char c : value) {
             const auto byte = static_cast<unsigned char>(c);
             switch (c) {
-            case '"': out_.append("\\\""); break;
-            case '\\': out_.append("\\\\"); break;
-            case '\n': out_.append("\\n"); break;
-            case '\t': out_.append("\\t"); break;
+            case '"':
+                out_.append("\\\"");
+                break;
+            case '\\':
+                out_.append("\\\\");
+                break;
+            case '\n':
+                out_.append("\\n");
+                break;
+            case '\t':
+                out_.append("\\t");
+                break;
             default:
                 if (byte < 0x20) {
                     out_.append("\\u00");

@@ -52,12 +52,12 @@ private:
 };
 
 // ASCII identifiers in the styles reference pages use.
-std::string functionName(Random& random);          // computeSpectrum, specfilt
-std::string className(Random& random);             // SpectrumEstimator
-std::string methodName(Random& random);            // reset, addPoint (often shared by classes)
-std::string propertyName(Random& random);          // SampleRate
-std::string argumentName(Random& random);          // x, windowLength
-std::string blockName(Random& random);             // Moving Average Filter
-std::string capitalizedWord(Random& random);       // Signal
+std::string functionName(Random& random);    // computeSpectrum, specfilt
+std::string className(Random& random);       // SpectrumEstimator
+std::string methodName(Random& random);      // reset, addPoint (often shared by classes)
+std::string propertyName(Random& random);    // SampleRate
+std::string argumentName(Random& random);    // x, windowLength
+std::string blockName(Random& random);       // Moving Average Filter
+std::string capitalizedWord(Random& random); // Signal
 
 } // namespace refdoc::bench

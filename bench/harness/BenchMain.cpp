@@ -25,12 +25,12 @@
 #include <algorithm>
 #include <chrono>
 #include <deque>
-#include <functional>
-#include <memory>
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <memory>
 #include <random>
 #include <string>
 #include <string_view>
@@ -43,7 +43,7 @@ using reference::docparser::DocResourceParser;
 using namespace refdoc::bench;
 
 struct Options {
-    std::vector<fs::path> corpora;        // --corpus, in order
+    std::vector<fs::path> corpora;         // --corpus, in order
     std::vector<Profile> generateProfiles; // without --corpus: temporary corpora of these profiles
     fs::path summaryDir;
     std::string label;
@@ -163,7 +163,8 @@ void registerLoadBenchmarks(const Context& context) {
         for (const auto& [pattern, load] : loads) {
             std::string name = context.profile + "/" + pattern;
             name.replace(name.find('%'), 1, language);
-            benchmark::RegisterBenchmark(name.c_str(), load, std::cref(context), language)->Unit(benchmark::kMillisecond);
+            benchmark::RegisterBenchmark(name.c_str(), load, std::cref(context), language)
+                ->Unit(benchmark::kMillisecond);
         }
     }
 }
@@ -240,9 +241,10 @@ void registerTextBenchmarks(const TextSamples& samples) {
         convertText(state, samples.ascii, [](std::string_view bytes) { return text::asciiToUtf16(bytes); });
     });
     for (const auto& [name, input] : inputs) {
-        benchmark::RegisterBenchmark(("text/utf8ToUtf16/" + std::string(name)).c_str(), [input](benchmark::State& state) {
-            convertText(state, *input, [](std::string_view bytes) { return text::utf8ToUtf16(bytes); });
-        });
+        benchmark::RegisterBenchmark(
+            ("text/utf8ToUtf16/" + std::string(name)).c_str(), [input](benchmark::State& state) {
+                convertText(state, *input, [](std::string_view bytes) { return text::utf8ToUtf16(bytes); });
+            });
     }
     // What the parsers do with a field read as UTF-8: scan, then widen or decode.
     for (const auto& [name, input] : inputs) {
@@ -253,8 +255,8 @@ void registerTextBenchmarks(const TextSamples& samples) {
         });
     }
     // Short fields: the per-call cost (allocation included) that the loaders pay per string.
-    const std::pair<const char*, const std::vector<std::string>*> fields[] = {
-        {"ascii fields", &samples.asciiFields}, {"cjk fields", &samples.cjkFields}};
+    const std::pair<const char*, const std::vector<std::string>*> fields[] = {{"ascii fields", &samples.asciiFields},
+                                                                              {"cjk fields", &samples.cjkFields}};
     for (const auto& [name, list] : fields) {
         benchmark::RegisterBenchmark(("text/utf8Field/" + std::string(name)).c_str(), [list](benchmark::State& state) {
             std::int64_t bytes = 0;
@@ -467,9 +469,8 @@ int main(int argc, char** argv) {
             context.root = root;
             context.manifest = readManifest(root);
             context.profile = context.manifest.profile;
-            for (int n = 2; std::count_if(contexts.begin(), contexts.end(), [&](const Context& other) {
-                                return other.profile == context.profile;
-                            }) > 1;
+            for (int n = 2; std::count_if(contexts.begin(), contexts.end(),
+                                          [&](const Context& other) { return other.profile == context.profile; }) > 1;
                  ++n) {
                 context.profile = context.manifest.profile + std::to_string(n);
             }

@@ -72,9 +72,7 @@ Snapshot current() noexcept {
             liveBlocks.load(std::memory_order_relaxed)};
 }
 
-void stop() noexcept {
-    counting.store(false, std::memory_order_seq_cst);
-}
+void stop() noexcept { counting.store(false, std::memory_order_seq_cst); }
 
 } // namespace refdoc::bench::heap
 
@@ -97,9 +95,7 @@ void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     }
 }
 void* operator new(std::size_t size, std::align_val_t alignment) { return counter::allocateAligned(size, alignment); }
-void* operator new[](std::size_t size, std::align_val_t alignment) {
-    return counter::allocateAligned(size, alignment);
-}
+void* operator new[](std::size_t size, std::align_val_t alignment) { return counter::allocateAligned(size, alignment); }
 
 void operator delete(void* block) noexcept { counter::release(block); }
 void operator delete[](void* block) noexcept { counter::release(block); }

@@ -13,9 +13,9 @@
 namespace refdoc::bench::heap {
 
 struct Snapshot {
-    long long liveBytes = 0;   // allocated minus freed since start()
-    long long peakBytes = 0;   // highest liveBytes since start()
-    long long liveBlocks = 0;  // allocations minus frees since start()
+    long long liveBytes = 0;  // allocated minus freed since start()
+    long long peakBytes = 0;  // highest liveBytes since start()
+    long long liveBlocks = 0; // allocations minus frees since start()
 };
 
 void start() noexcept;

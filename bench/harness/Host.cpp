@@ -13,9 +13,7 @@
 namespace refdoc::bench {
 namespace {
 
-std::u16string widen(const std::string& ascii) {
-    return std::u16string(ascii.begin(), ascii.end());
-}
+std::u16string widen(const std::string& ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
 } // namespace
 

@@ -45,13 +45,9 @@ std::u16string toUtf16(const std::string& text) {
     return out;
 }
 
-std::u16string text(const json& object, const char* key) {
-    return toUtf16(object.at(key).get<std::string>());
-}
+std::u16string text(const json& object, const char* key) { return toUtf16(object.at(key).get<std::string>()); }
 
-std::u16string optionalText(const json& object, const char* key) {
-    return toUtf16(object.value(key, std::string()));
-}
+std::u16string optionalText(const json& object, const char* key) { return toUtf16(object.value(key, std::string())); }
 
 int enumIndex(const json& object, const char* key, const std::vector<std::string>& spellings) {
     const std::string value = object.value(key, std::string());
@@ -63,10 +59,10 @@ int enumIndex(const json& object, const char* key, const std::vector<std::string
     return 0;
 }
 
-const std::vector<std::string> kTypes = {"function", "class",    "method",   "property", "object", "namespace",
-                                         "package",  "enumeration", "event", "constant", "app",    "block"};
+const std::vector<std::string> kTypes = {"function", "class",       "method", "property", "object", "namespace",
+                                         "package",  "enumeration", "event",  "constant", "app",    "block"};
 const std::vector<std::string> kFunctionTypes = {"ordinary", "builtin", "method", "staticmethod", "constructor"};
-const std::vector<std::string> kSyntaxTypes = {"function", "method",   "constructor", "required",
+const std::vector<std::string> kSyntaxTypes = {"function", "method",    "constructor", "required",
                                                "optional", "namevalue", "repeating"};
 const std::vector<std::string> kDeprecationStates = {"current", "notrecommended", "deprecated"};
 
@@ -176,7 +172,8 @@ PageRecord readPage(const json& item) {
     }
     if (item.contains("examples")) {
         for (const auto& example : item.at("examples")) {
-            page.examples.push_back({text(example, "url"), text(example, "title"), optionalText(example, "open_command")});
+            page.examples.push_back(
+                {text(example, "url"), text(example, "title"), optionalText(example, "open_command")});
         }
     }
     if (item.contains("seealso")) {
@@ -242,7 +239,7 @@ bool isLocalized(const std::string& fileName) {
 
 template <class Document, class Read>
 std::map<std::u16string, Document> load(const std::filesystem::path& root, const std::vector<FileRead>& reads,
-                                         Read readDocument) {
+                                        Read readDocument) {
     std::map<std::u16string, Document> english;
     std::map<std::u16string, Document> localized;
     readEach(root, reads, [&](const FileRead& read, std::string&& bytes) {
@@ -283,12 +280,8 @@ PageResult loadPages(const std::filesystem::path& root, const std::vector<std::s
     return load<PageDocument>(root, reads, readPageDocument);
 }
 
-std::size_t recordCount(const LookupResult& result) {
-    return countRecords(result);
-}
+std::size_t recordCount(const LookupResult& result) { return countRecords(result); }
 
-std::size_t recordCount(const PageResult& result) {
-    return countRecords(result);
-}
+std::size_t recordCount(const PageResult& result) { return countRecords(result); }
 
 } // namespace refdoc::bench::peer

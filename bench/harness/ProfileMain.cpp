@@ -79,7 +79,8 @@ int main(int argc, char** argv) {
             } else if (what == "lookup-peer") {
                 total += peer::recordCount(peer::loadLookup(root, manifest.lookupReads.at(language)));
             } else if (what == "pages-peer") {
-                total += peer::recordCount(peer::loadPages(root, manifest.pageReads(manifest.largestProduct, language)));
+                total +=
+                    peer::recordCount(peer::loadPages(root, manifest.pageReads(manifest.largestProduct, language)));
             } else {
                 std::cerr << "unknown load " << what << "\n";
                 return 2;
@@ -95,8 +96,8 @@ int main(int argc, char** argv) {
         // Wall times, for a rough look only: the harness measures properly.
         std::cout << what << (free ? "+free " : " ") << language << " (" << manifest.profile << "): " << total
                   << " results, first " << firstSeconds * 1e3 << " ms, mean " << allSeconds * 1e3 / iterations
-                  << " ms, later ones "
-                  << (iterations > 1 ? (allSeconds - firstSeconds) * 1e3 / (iterations - 1) : 0.0) << " ms\n";
+                  << " ms, later ones " << (iterations > 1 ? (allSeconds - firstSeconds) * 1e3 / (iterations - 1) : 0.0)
+                  << " ms\n";
         return 0;
     } catch (const std::exception& error) {
         std::cerr << "refdoc_bench_profile: " << error.what() << "\n";

@@ -28,12 +28,11 @@ std::string duration(double seconds) {
 }
 
 std::string throughput(double bytesPerSecond) {
-    return bytesPerSecond >= 1e9 ? format("%.2f GB/s", bytesPerSecond / 1e9) : format("%.0f MB/s", bytesPerSecond / 1e6);
+    return bytesPerSecond >= 1e9 ? format("%.2f GB/s", bytesPerSecond / 1e9)
+                                 : format("%.0f MB/s", bytesPerSecond / 1e6);
 }
 
-std::string megabytes(double bytes) {
-    return format("%.1f MB", bytes / 1e6);
-}
+std::string megabytes(double bytes) { return format("%.1f MB", bytes / 1e6); }
 
 const Measurement* find(const Summary& summary, const std::string& name) {
     const auto it = summary.measurements.find(name);
@@ -49,8 +48,14 @@ void addFloorRow(Summary& summary, const std::string& profile, const std::string
         return;
     }
     const double ratio = library->cpuSeconds / floor->cpuSeconds;
-    SummaryRow row{profile, measure, duration(library->cpuSeconds), "floor " + duration(floor->cpuSeconds),
-                   format("%.2f", ratio), "", std::nullopt, ratio};
+    SummaryRow row{profile,
+                   measure,
+                   duration(library->cpuSeconds),
+                   "floor " + duration(floor->cpuSeconds),
+                   format("%.2f", ratio),
+                   "",
+                   std::nullopt,
+                   ratio};
     if (target > 0.0) {
         row.target = format("<= %.2g x floor", target);
         row.met = ratio <= target;
@@ -81,7 +86,11 @@ void addMemoryRows(Summary& summary, const std::string& profile) {
         SummaryRow row{profile,
                        "retained after " + figure.name + " (" + megabytes(json) + " JSON)",
                        megabytes(retainedBytes) + ", " + format("%.2f", retained) + " B per JSON byte",
-                       "", "", "", std::nullopt, retained};
+                       "",
+                       "",
+                       "",
+                       std::nullopt,
+                       retained};
         if (profile == "default" && figure.name == "lookup/en") {
             row.target = format("<= %.2f B per JSON byte", kRetainedPerJsonByteTarget);
             row.met = retained <= kRetainedPerJsonByteTarget;
@@ -91,12 +100,12 @@ void addMemoryRows(Summary& summary, const std::string& profile) {
         // A load may hold its result and a couple of file buffers at once, never more.
         const auto peak = static_cast<double>(figure.peakBytes);
         const double bound = retainedBytes + kPeakLargestReadFactor * static_cast<double>(figure.largestReadBytes);
-        summary.rows.push_back({profile, "peak during " + figure.name,
-                                megabytes(peak) + ", " + format("%.2f", peak / json) + " B per JSON byte",
-                                "floor " + megabytes(static_cast<double>(figure.floorPeakBytes)), "",
-                                "<= retained + " + format("%.0f", kPeakLargestReadFactor) + " x largest file (" +
-                                    megabytes(bound) + ")",
-                                peak <= bound, bound > 0.0 ? peak / bound : 0.0});
+        summary.rows.push_back(
+            {profile, "peak during " + figure.name,
+             megabytes(peak) + ", " + format("%.2f", peak / json) + " B per JSON byte",
+             "floor " + megabytes(static_cast<double>(figure.floorPeakBytes)), "",
+             "<= retained + " + format("%.0f", kPeakLargestReadFactor) + " x largest file (" + megabytes(bound) + ")",
+             peak <= bound, bound > 0.0 ? peak / bound : 0.0});
     }
 }
 
@@ -129,12 +138,14 @@ void buildRows(Summary& summary) {
         const std::string& profile = corpus.profile;
         for (const std::string language : {"en", "ja"}) {
             const std::string call = "getResourceLookupFiles, " + language;
-            addFloorRow(summary, profile, "lookup/" + language, "library", call + ": load+free", kLoadAndFreeRatioTarget);
+            addFloorRow(summary, profile, "lookup/" + language, "library", call + ": load+free",
+                        kLoadAndFreeRatioTarget);
             addFloorRow(summary, profile, "lookup/" + language, "load", call + ": load alone", kLoadAloneRatioTarget);
         }
         for (const std::string language : {"en", "ja"}) {
             const std::string call = "getResourceFile(" + corpus.largestProduct + "), " + language;
-            addFloorRow(summary, profile, "pages/" + language, "library", call + ": load+free", kLoadAndFreeRatioTarget);
+            addFloorRow(summary, profile, "pages/" + language, "library", call + ": load+free",
+                        kLoadAndFreeRatioTarget);
             addFloorRow(summary, profile, "pages/" + language, "load", call + ": load alone", 0.0);
         }
         for (const std::string load : {"lookup", "pages"}) {
@@ -228,9 +239,9 @@ std::string toJson(const Summary& summary) {
 
     boost::json::array rows;
     for (const auto& row : summary.rows) {
-        boost::json::object entry{{"profile", row.profile}, {"measure", row.measure}, {"value", row.value},
-                                  {"reference", row.reference},
-                                  {"ratio", row.ratio},     {"target", row.target}, {"number", row.number}};
+        boost::json::object entry{{"profile", row.profile},     {"measure", row.measure}, {"value", row.value},
+                                  {"reference", row.reference}, {"ratio", row.ratio},     {"target", row.target},
+                                  {"number", row.number}};
         if (row.met) {
             entry["met"] = *row.met;
         }

@@ -35,11 +35,11 @@ struct CorpusFigures {
     std::string profile;
     std::string seed;
     std::size_t products = 0;
-    std::size_t lookupItems = 0;                      // English entries, main documents
-    std::map<std::string, std::size_t> lookupBytes;   // JSON bytes a lookup load reads, per language
+    std::size_t lookupItems = 0;                    // English entries, main documents
+    std::map<std::string, std::size_t> lookupBytes; // JSON bytes a lookup load reads, per language
     std::string largestProduct;
     std::size_t largestItems = 0;
-    std::map<std::string, std::size_t> pageBytes;     // JSON bytes of its page files, per language
+    std::map<std::string, std::size_t> pageBytes; // JSON bytes of its page files, per language
 };
 
 // A row of a table; rows of one profile form its table, text conversions have profile "".
@@ -66,11 +66,11 @@ struct Summary {
 // <what> is "library" (load and freeing the result), "load" (the load alone), "floor" (read,
 // parse and free the same JSON) or "peer" (the straightforward reader, load and free). Ratios use
 // CPU time, which the other processes of a shared machine disturb least.
-inline constexpr double kLoadAndFreeRatioTarget = 1.6;  // library load+free / floor
-inline constexpr double kLoadAloneRatioTarget = 1.1;    // lookup load alone / floor
-inline constexpr double kPeerSpeedupTarget = 3.0;       // peer / library, both load+free
+inline constexpr double kLoadAndFreeRatioTarget = 1.6;     // library load+free / floor
+inline constexpr double kLoadAloneRatioTarget = 1.1;       // lookup load alone / floor
+inline constexpr double kPeerSpeedupTarget = 3.0;          // peer / library, both load+free
 inline constexpr double kRetainedPerJsonByteTarget = 2.82; // lookup en, default profile
-inline constexpr double kPeakLargestReadFactor = 2.0;   // peak <= retained + this x largest read
+inline constexpr double kPeakLargestReadFactor = 2.0;      // peak <= retained + this x largest read
 
 // Fills summary.rows from the measurements and memory figures. Benchmarks that did not run
 // (filtered out) leave their rows out.

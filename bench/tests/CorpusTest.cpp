@@ -52,9 +52,7 @@ std::map<std::string, std::string> filesBelow(const fs::path& root) {
     return files;
 }
 
-std::u16string widen(const std::string& ascii) {
-    return std::u16string(ascii.begin(), ascii.end());
-}
+std::u16string widen(const std::string& ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
 bool hasNonAscii(const std::u16string& text) {
     return std::any_of(text.begin(), text.end(), [](char16_t c) { return c >= 0x80; });
@@ -233,8 +231,8 @@ TEST_F(CorpusLoading, EveryEntryLoadsInEveryLanguageWithItsTranslation) {
                 }
             }
             EXPECT_EQ(entries, product.items) << product.name << " " << language;
-            const bool isTranslated = std::find(product.languages.begin(), product.languages.end(), language) !=
-                                      product.languages.end();
+            const bool isTranslated =
+                std::find(product.languages.begin(), product.languages.end(), language) != product.languages.end();
             if (language == "en" || !isTranslated) {
                 EXPECT_EQ(translated, 0u) << product.name << " " << language;
             } else {

@@ -107,8 +107,8 @@ TEST(Corpus, DefaultSizesSpreadLogNormallyAroundTheMean) {
     }
     ASSERT_EQ(items.size(), 60u);
     EXPECT_NEAR(static_cast<double>(total) / 60.0, 900.0, 1.0);
-    EXPECT_GE(items[57], 2500u);       // a few products with several thousand entries
-    EXPECT_LT(items[30], 900u);        // most are smaller than the mean: the spread is skewed
+    EXPECT_GE(items[57], 2500u); // a few products with several thousand entries
+    EXPECT_LT(items[30], 900u);  // most are smaller than the mean: the spread is skewed
     EXPECT_LT(items.front(), 300u);
 }
 
@@ -131,12 +131,12 @@ CorpusOptions smallCorpus(Profile profile) {
 // What the generator wrote in the files a load reads, as the loaders see it.
 struct Observed {
     std::size_t items = 0;
-    std::size_t unknownTypes = 0;        // "type" or "fcntype" the library does not know
-    std::size_t sortedPairs = 0;         // neighbouring entries in name order
+    std::size_t unknownTypes = 0; // "type" or "fcntype" the library does not know
+    std::size_t sortedPairs = 0;  // neighbouring entries in name order
     std::size_t pairs = 0;
-    std::size_t compactFiles = 0;        // files without a line break
+    std::size_t compactFiles = 0; // files without a line break
     std::size_t files = 0;
-    std::vector<std::size_t> supportPackages; // per file
+    std::vector<std::size_t> supportPackages;           // per file
     std::map<std::string, std::set<std::string>> links; // file stem -> hrefs of its main document
 };
 
@@ -154,9 +154,8 @@ Observed observeLookups(const fs::path& root, const Manifest& manifest, const st
         seen.compactFiles += text.find('\n') == std::string::npos ? 1 : 0;
         const auto value = boost::json::parse(text);
         const auto& document = value.as_object();
-        seen.supportPackages.push_back(document.contains("supportPackages")
-                                           ? document.at("supportPackages").as_array().size()
-                                           : 0);
+        seen.supportPackages.push_back(
+            document.contains("supportPackages") ? document.at("supportPackages").as_array().size() : 0);
         auto& links = seen.links[fs::path(read.entry.empty() ? read.file : read.entry).stem().string()];
         std::string previous;
         for (const auto& element : document.at("refItems").as_array()) {

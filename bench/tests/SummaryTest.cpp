@@ -10,13 +10,9 @@ namespace {
 
 using namespace refdoc::bench;
 
-Measurement timed(double cpuSeconds) {
-    return {cpuSeconds * 1.1, cpuSeconds, std::nullopt};
-}
+Measurement timed(double cpuSeconds) { return {cpuSeconds * 1.1, cpuSeconds, std::nullopt}; }
 
-Measurement throughput(double bytesPerSecond) {
-    return {1e-6, 1e-6, bytesPerSecond};
-}
+Measurement throughput(double bytesPerSecond) { return {1e-6, 1e-6, bytesPerSecond}; }
 
 const SummaryRow* rowFor(const Summary& summary, const std::string& profile, const std::string& prefix) {
     for (const auto& row : summary.rows) {
@@ -40,14 +36,14 @@ TEST(Summary, JudgesEachLoadAgainstItsFloorAndTheReaderPerProfile) {
     summary.corpora = {corpus("default"), corpus("varied")};
     summary.measurements = {
         {"default/lookup/en/library", timed(0.016)}, {"default/lookup/en/floor", timed(0.010)}, // 1.6: met
-        {"default/lookup/en/load", timed(0.012)},                                              // 1.2: missed
-        {"default/lookup/en/peer", timed(0.050)},                                              // 3.125: met
+        {"default/lookup/en/load", timed(0.012)},                                               // 1.2: missed
+        {"default/lookup/en/peer", timed(0.050)},                                               // 3.125: met
         {"default/lookup/ja/library", timed(0.020)}, {"default/lookup/ja/floor", timed(0.010)}, // 2.0: missed
-        {"default/lookup/ja/peer", timed(0.050)},                                              // 2.5: missed
+        {"default/lookup/ja/peer", timed(0.050)},                                               // 2.5: missed
         {"default/pages/en/library", timed(0.015)},  {"default/pages/en/floor", timed(0.010)},
-        {"default/pages/en/load", timed(0.013)},                                               // no target
+        {"default/pages/en/load", timed(0.013)}, // no target
         {"varied/lookup/en/library", timed(0.010)},  {"varied/lookup/en/floor", timed(0.010)},
-        {"varied/pages/ja/library", timed(0.040)},                                             // no floor: no row
+        {"varied/pages/ja/library", timed(0.040)}, // no floor: no row
         {"text/utf8ToUtf16/cjk", throughput(0.9e9)},
     };
     summary.memory = {
@@ -93,8 +89,10 @@ TEST(Summary, MarkdownHasATablePerProfileAndJsonCarriesEveryRow) {
     Summary summary;
     summary.label = "abc123";
     summary.corpora = {corpus("default"), corpus("varied")};
-    summary.measurements = {{"default/lookup/en/library", timed(0.03)}, {"default/lookup/en/floor", timed(0.02)},
-                            {"varied/lookup/en/library", timed(0.05)},  {"varied/lookup/en/floor", timed(0.02)}};
+    summary.measurements = {{"default/lookup/en/library", timed(0.03)},
+                            {"default/lookup/en/floor", timed(0.02)},
+                            {"varied/lookup/en/library", timed(0.05)},
+                            {"varied/lookup/en/floor", timed(0.02)}};
     buildRows(summary);
 
     const std::string markdown = toMarkdown(summary);

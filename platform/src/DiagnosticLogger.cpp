@@ -8,8 +8,7 @@
 namespace foundation::log {
 
 basic_diagnostic_logger<char>::basic_diagnostic_logger(std::string channel, severity_type enabledSeverities)
-    : channel_(std::move(channel)), mask_(enabledSeverities),
-      source_(boost::log::keywords::channel = channel_) {}
+    : channel_(std::move(channel)), mask_(enabledSeverities), source_(boost::log::keywords::channel = channel_) {}
 
 basic_diagnostic_logger<char>::Record::Record(basic_diagnostic_logger& logger, severity_type severity)
     : logger_(logger) {

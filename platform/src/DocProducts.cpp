@@ -6,12 +6,10 @@
 
 namespace doc_products_shared {
 
-DocProduct::DocProduct(std::string shortName, std::string displayName, std::string helpLocation,
-                       std::string baseCode, std::string altShortName, std::string availability,
-                       StringPairList attributes)
-    : shortName_(std::move(shortName)), displayName_(std::move(displayName)),
-      helpLocation_(std::move(helpLocation)), baseCode_(std::move(baseCode)),
-      altShortName_(std::move(altShortName)), availability_(std::move(availability)),
+DocProduct::DocProduct(std::string shortName, std::string displayName, std::string helpLocation, std::string baseCode,
+                       std::string altShortName, std::string availability, StringPairList attributes)
+    : shortName_(std::move(shortName)), displayName_(std::move(displayName)), helpLocation_(std::move(helpLocation)),
+      baseCode_(std::move(baseCode)), altShortName_(std::move(altShortName)), availability_(std::move(availability)),
       attributes_(std::move(attributes)) {}
 
 DocProduct::~DocProduct() = default;
@@ -35,8 +33,7 @@ void DocProductCollector::setFailure(std::string message) {
 
 void DocProductCollector::setInstalledTopLevelDocProducts(
     std::vector<std::shared_ptr<const TopLevelDocProduct>> products) {
-    auto list = std::make_shared<const std::vector<std::shared_ptr<const TopLevelDocProduct>>>(
-        std::move(products));
+    auto list = std::make_shared<const std::vector<std::shared_ptr<const TopLevelDocProduct>>>(std::move(products));
     std::lock_guard lock(mutex_);
     products_ = std::move(list);
 }
@@ -48,8 +45,6 @@ DocProductCacheManager& DocProductCacheManager::getInstance() {
     return instance;
 }
 
-std::shared_ptr<DocProductCollector> DocProductCacheManager::getDocProductCache() const {
-    return collector_;
-}
+std::shared_ptr<DocProductCollector> DocProductCacheManager::getDocProductCache() const { return collector_; }
 
 } // namespace doc_products_shared

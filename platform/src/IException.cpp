@@ -7,17 +7,13 @@ namespace foundation::core::except {
 
 IException::~IException() noexcept = default;
 
-std::u16string IException::convert_str(const std::u16string& text) const {
-    return text;
-}
+std::u16string IException::convert_str(const std::u16string& text) const { return text; }
 
 std::u16string IException::convert_str(const std::string& utf8Text) const {
     return platform::detail::widenFromUtf8(utf8Text);
 }
 
-std::u16string IException::ToUstringImpl() const {
-    return convert_str(std::string(what()));
-}
+std::u16string IException::ToUstringImpl() const { return convert_str(std::string(what())); }
 
 IInternalException::~IInternalException() noexcept = default;
 

@@ -16,8 +16,7 @@ const Facet& facet() {
 // Runs one direction of the facet over the whole input. Where the facet stops at ill-formed
 // input, `replacement` is written and conversion resumes after the offending unit.
 template <class To, class From, class Step>
-std::basic_string<To> convertAll(std::basic_string_view<From> text, std::size_t maxPerUnit, To replacement,
-                                 Step step) {
+std::basic_string<To> convertAll(std::basic_string_view<From> text, std::size_t maxPerUnit, To replacement, Step step) {
     std::basic_string<To> out(text.size() * maxPerUnit, To{});
     std::mbstate_t state{};
     const From* from = text.data();

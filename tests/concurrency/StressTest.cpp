@@ -80,8 +80,10 @@ protected:
         // The host's defaults are one of the combinations: root A, the product "one" and the
         // installation's support packages. restoreDefaultSettings lands there.
         doc_products_shared::Docroot::getInstance().setDocDataRoot(rootA_.u16());
-        doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache()->setInstalledTopLevelDocProducts(
-            {std::make_shared<const doc_products_shared::TopLevelDocProduct>("one", "One", "help/one", "ONE", "", "")});
+        doc_products_shared::DocProductCacheManager::getInstance()
+            .getDocProductCache()
+            ->setInstalledTopLevelDocProducts({std::make_shared<const doc_products_shared::TopLevelDocProduct>(
+                "one", "One", "help/one", "ONE", "", "")});
         SupportPackageRootReader::setSupportPackageRoot(installation_.u16());
     }
 
@@ -145,8 +147,8 @@ TEST_F(Stress, EveryLoadUnderConstantChangeMatchesOneCombination) {
     for (const char16_t* language : {u"en", u"ja"}) {
         doclanguage::DocLanguage::getInstance().setDocLanguage(language);
         DocResourceParser::restoreDefaultSettings();
-        const auto defaults = std::find(expectedLookups.begin(), expectedLookups.end(),
-                                        DocResourceParser::getResourceLookupFiles());
+        const auto defaults =
+            std::find(expectedLookups.begin(), expectedLookups.end(), DocResourceParser::getResourceLookupFiles());
         ASSERT_NE(defaults, expectedLookups.end()) << "the defaults are no combination";
         const Combination& landed = all[static_cast<std::size_t>(defaults - expectedLookups.begin())];
         EXPECT_TRUE(landed.root == &rootA_ && landed.product == u"one" && landed.installedPackages);
@@ -164,7 +166,9 @@ TEST_F(Stress, EveryLoadUnderConstantChangeMatchesOneCombination) {
             const std::u16string product = random() % 2 ? u"one" : u"two";
             DocResourceParser::setTestProducts({product}, pairedPackages(product));
         },
-        [&](std::mt19937& random) { doclanguage::DocLanguage::getInstance().setDocLanguage(random() % 2 ? u"en" : u"ja"); },
+        [&](std::mt19937& random) {
+            doclanguage::DocLanguage::getInstance().setDocLanguage(random() % 2 ? u"en" : u"ja");
+        },
         [&](std::mt19937&) { DocResourceParser::clearSupportPackageCache(); },
         [&](std::mt19937&) { DocResourceParser::restoreDefaultSettings(); },
     };

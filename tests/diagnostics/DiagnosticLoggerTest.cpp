@@ -10,9 +10,9 @@
 
 namespace {
 
-using reference::docparser::diagnosticLogger;
 using refdoc::test::CapturedRecord;
 using refdoc::test::LogCapture;
+using reference::docparser::diagnosticLogger;
 
 // A piece whose conversion to text can be observed: it counts how often it is written.
 struct CountingPiece {
@@ -41,7 +41,8 @@ TEST(DiagnosticLogger, IsNamedAndStartsWithOnlyTheErrorSeverity) {
 
 TEST(DiagnosticLogger, EnabledRecordCarriesChannelSeverityAndConvertedText) {
     LogCapture capture(16 | 512);
-    FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "Reading file: " << std::u16string(u"/docs/\u65E5\u672C/a\U0001F600.json");
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 16)
+        << "Reading file: " << std::u16string(u"/docs/\u65E5\u672C/a\U0001F600.json");
     FOUNDATION_DIAG_LOG(diagnosticLogger(), 512) << "Problem reading JSON file: " << std::u16string(u"x");
     const std::vector<CapturedRecord> expected = {
         {"referenceApi::docparser", 16, "Reading file: /docs/\xE6\x97\xA5\xE6\x9C\xAC/a\xF0\x9F\x98\x80.json"},

@@ -87,7 +87,8 @@ TEST_F(ParseDiagnostics, EachDroppedLookupFileCarriesItsExactReason) {
         {"trailing.json", "{\n  \"productName\": \"T\",\n  \"refItems\": [1,],\n}", DropReason::SyntaxError,
          "syntax error", "", 3, 18},
         // Columns count characters: the two Japanese characters before the error are two columns.
-        {"wide.json", "{\"productName\": \"日本\" \"baseCode\": 1}", DropReason::SyntaxError, "syntax error", "", 1, 22},
+        {"wide.json", "{\"productName\": \"日本\" \"baseCode\": 1}", DropReason::SyntaxError, "syntax error", "", 1,
+         22},
         {"cut.json", good.substr(0, good.size() - 3), DropReason::SyntaxError, "incomplete JSON", "", 1,
          good.size() - 2},
         {"extra.json", good + " {}", DropReason::SyntaxError, "extra data", "", 1, good.size() + 2},

@@ -19,26 +19,23 @@
 
 #include <sys/stat.h>
 
-
 namespace {
 
+using refdoc::test::CapturedRecord;
+using refdoc::test::LogCapture;
 using reference::docparser::DocResourceParser;
 using reference::docparser::kFileAccessSeverity;
 using reference::docparser::kFileReadErrorSeverity;
 using reference::docparser::ProductPathData;
 using reference::docparser::ProductZipData;
 using reference::docparser::ZipPackage;
-using refdoc::test::CapturedRecord;
-using refdoc::test::LogCapture;
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
 constexpr const char* kChannel = "referenceApi::docparser";
 constexpr std::uint32_t kBoth = kFileAccessSeverity | kFileReadErrorSeverity;
 
-CapturedRecord reading(const std::string& name) {
-    return {kChannel, kFileAccessSeverity, "Reading file: " + name};
-}
+CapturedRecord reading(const std::string& name) { return {kChannel, kFileAccessSeverity, "Reading file: " + name}; }
 CapturedRecord zipError(const std::string& name) {
     return {kChannel, kFileAccessSeverity, "Error reading file: " + name};
 }
@@ -89,7 +86,8 @@ TEST_F(FileAccessTest, PathsThatAreNoRegularFileGiveNothingSilently) {
         const char* name;
         std::string content;
     } cases[] = {
-        {"missing.json", ""}, {"folder.json", ""},     {"pipe.json", ""}, // a FIFO must not block the reader
+        {"missing.json", ""},  {"folder.json", ""},
+        {"pipe.json", ""}, // a FIFO must not block the reader
         {"dangling.json", ""}, {"link.json", "{\"via\":\"link\"}"},
     };
     LogCapture capture(kBoth);
@@ -128,21 +126,33 @@ TEST_F(FileAccessTest, EachReadPathWritesItsRecordsUnderEveryMask) {
         std::string content;
         std::vector<CapturedRecord> records; // with both levels enabled
     } cases[] = {
-        {"good path", [&] { return DocResourceParser::openAndReadFile(good.u16string()); }, "{}",
+        {"good path",
+         [&] { return DocResourceParser::openAndReadFile(good.u16string()); },
+         "{}",
          {reading(good.string())}},
         {"good record (logs the full path, not the name)",
-         [&] { return DocResourceParser::openAndReadFile(ProductPathData(u"good", false, good.u16string())); }, "{}",
+         [&] { return DocResourceParser::openAndReadFile(ProductPathData(u"good", false, good.u16string())); },
+         "{}",
          {reading(good.string())}},
-        {"non-ASCII path", [&] { return DocResourceParser::openAndReadFile(nonAscii.u16string()); }, "{\"n\":1}",
+        {"non-ASCII path",
+         [&] { return DocResourceParser::openAndReadFile(nonAscii.u16string()); },
+         "{\"n\":1}",
          {reading(nonAscii.string())}},
-        {"oversized path", [&] { return DocResourceParser::openAndReadFile(oversized.u16string()); }, "",
+        {"oversized path",
+         [&] { return DocResourceParser::openAndReadFile(oversized.u16string()); },
+         "",
          {reading(oversized.string()), diskError(oversized.string())}},
         {"oversized record",
-         [&] { return DocResourceParser::openAndReadFile(ProductPathData(u"big", false, oversized.u16string())); }, "",
+         [&] { return DocResourceParser::openAndReadFile(ProductPathData(u"big", false, oversized.u16string())); },
+         "",
          {reading(oversized.string()), diskError(oversized.string())}},
-        {"good zip entry", [&] { return DocResourceParser::openAndReadFile(goodEntry); }, "{\"zip\":1}",
+        {"good zip entry",
+         [&] { return DocResourceParser::openAndReadFile(goodEntry); },
+         "{\"zip\":1}",
          {reading("goodProduct")}},
-        {"bad zip entry", [&] { return DocResourceParser::openAndReadFile(badEntry); }, "",
+        {"bad zip entry",
+         [&] { return DocResourceParser::openAndReadFile(badEntry); },
+         "",
          {reading(badName), zipError(badName)}},
     };
     for (const std::uint32_t mask : {kBoth, kFileAccessSeverity, kFileReadErrorSeverity, std::uint32_t{0}}) {

@@ -51,9 +51,17 @@ TEST_F(InstalledProductsTest, InstalledMeansExactShortNameOrSupportPackageName) 
         std::u16string name;
         bool installed;
     } cases[] = {
-        {u"alpha", true},         {u"beta", true},          {u"\u65e5\u672c", true}, {u"Alpha", false},
-        {u"BETA", false},         {u"alpha ", false},       {u"alph", false},        {u"", false},
-        {u"testDisplayName", false}, {u"testBaseCode", false}, {u"testAltShortName", false},
+        {u"alpha", true},
+        {u"beta", true},
+        {u"\u65e5\u672c", true},
+        {u"Alpha", false},
+        {u"BETA", false},
+        {u"alpha ", false},
+        {u"alph", false},
+        {u"", false},
+        {u"testDisplayName", false},
+        {u"testBaseCode", false},
+        {u"testAltShortName", false},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(DocResourceParser::isProductInstalled(c.name), c.installed);
@@ -64,7 +72,7 @@ TEST_F(InstalledProductsTest, InstalledMeansExactShortNameOrSupportPackageName) 
 TEST_F(InstalledProductsTest, CatalogueProductsMatchByShortNameOnly) {
     doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache()->setInstalledTopLevelDocProducts(
         {std::make_shared<const doc_products_shared::TopLevelDocProduct>("short", "display", "help/loc", "base",
-                                                                          "altShort", "available")});
+                                                                         "altShort", "available")});
     EXPECT_TRUE(DocResourceParser::isProductInstalled(u"short"));
     for (const auto* other : {u"display", u"help/loc", u"base", u"altShort", u"available"}) {
         EXPECT_FALSE(DocResourceParser::isProductInstalled(other)) << "matched a field other than the short name";

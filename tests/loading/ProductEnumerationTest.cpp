@@ -35,10 +35,11 @@ TEST(IsValidFilenameTest, OnlyLowerCaseJsonAndZipExtensionsAreDataFiles) {
         const char* path;
         bool valid;
     } cases[] = {
-        {"pname.json", true},      {"pname.zip", true},      {"pname_ja.json", true}, {"/abs/dir/p.zip", true},
-        {"a.txt.json", true},      {".json", true},          {"pname.JSON", false},   {"pname.Zip", false},
-        {"pname.json.txt", false}, {"pname.jsonx", false},   {"json", false},         {"pname.", false},
-        {"pname", false},          {"dir.json/file", false}, {"", false},
+        {"pname.json", true},     {"pname.zip", true},      {"pname_ja.json", true},
+        {"/abs/dir/p.zip", true}, {"a.txt.json", true},     {".json", true},
+        {"pname.JSON", false},    {"pname.Zip", false},     {"pname.json.txt", false},
+        {"pname.jsonx", false},   {"json", false},          {"pname.", false},
+        {"pname", false},         {"dir.json/file", false}, {"", false},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(DocResourceParser::isValidFilename(c.path), c.valid) << c.path;
@@ -56,7 +57,7 @@ protected:
     }
 
     std::pair<std::vector<ProductPathData>, std::vector<ProductPathData>> list(const Strings& suffixes,
-                                                                                const std::u16string& current) {
+                                                                               const std::u16string& current) {
         return DocResourceParser::getAllProducts(dir.u16(), suffixes, current);
     }
 
@@ -95,7 +96,8 @@ TEST_F(ProductEnumerationTest, KeepsBaseFilesAndTheCurrentLanguagesVariants) {
 
 TEST_F(ProductEnumerationTest, EmptySupportedSuffixMakesEveryFileAVariant) {
     const auto [json, zip] = list({u"", u"_ja"}, u"_ja");
-    EXPECT_EQ(rows(json, dir.path()), (std::vector<Row>{{u"_ja", true, u"_ja.json"}, {u"pname_ja", true, u"pname_ja.json"}}));
+    EXPECT_EQ(rows(json, dir.path()),
+              (std::vector<Row>{{u"_ja", true, u"_ja.json"}, {u"pname_ja", true, u"pname_ja.json"}}));
     EXPECT_EQ(rows(zip, dir.path()), (std::vector<Row>{{u"other_ja", true, u"other_ja.zip"}}));
 }
 

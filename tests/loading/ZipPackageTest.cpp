@@ -9,8 +9,8 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <random>
@@ -20,13 +20,13 @@
 
 namespace {
 
+using refdoc::test::ZipBuilder;
 using reference::docparser::DocResourceParser;
 using reference::docparser::ProductZipData;
 using reference::docparser::ZipError;
 using reference::docparser::ZipLeaf;
 using reference::docparser::ZipLimits;
 using reference::docparser::ZipPackage;
-using refdoc::test::ZipBuilder;
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
@@ -132,34 +132,55 @@ TEST_F(ZipPackageTest, DamagedEntriesFailAlone) {
         std::function<void(const fs::path&)> damage;
         ZipLimits limits;
     } cases[] = {
-        {"declared size above the bound", ZipBuilder::Compression::Deflate,
+        {"declared size above the bound",
+         ZipBuilder::Compression::Deflate,
          [](const fs::path& p) {
              refdoc::test::patchZipEntryUncompressedSize(
                  p, "bad.json", static_cast<std::uint32_t>(reference::docparser::kMaxZipEntrySize + 1));
          },
          {}},
-        {"actual size above the declared size", ZipBuilder::Compression::Deflate,
-         [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 10); }, {}},
-        {"actual size above the bound, declared within", ZipBuilder::Compression::Deflate,
+        {"actual size above the declared size",
+         ZipBuilder::Compression::Deflate,
+         [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 10); },
+         {}},
+        {"actual size above the bound, declared within",
+         ZipBuilder::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 50); },
          {.maxEntrySize = 100}},
-        {"size above the bound (stored)", ZipBuilder::Compression::Store, [](const fs::path&) {},
+        {"size above the bound (stored)",
+         ZipBuilder::Compression::Store,
+         [](const fs::path&) {},
          {.maxEntrySize = 3999}},
-        {"size above the bound (deflated)", ZipBuilder::Compression::Deflate, [](const fs::path&) {},
+        {"size above the bound (deflated)",
+         ZipBuilder::Compression::Deflate,
+         [](const fs::path&) {},
          {.maxEntrySize = 3999}},
-        {"declared size above the actual size", ZipBuilder::Compression::Deflate,
-         [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 4001); }, {}},
-        {"declared size far above the actual size", ZipBuilder::Compression::Deflate,
-         [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 200u << 20); }, {}},
-        {"CRC mismatch (stored)", ZipBuilder::Compression::Store,
-         [](const fs::path& p) { refdoc::test::patchZipEntryCrc(p, "bad.json", 0x12345678); }, {}},
-        {"CRC mismatch (deflated)", ZipBuilder::Compression::Deflate,
-         [](const fs::path& p) { refdoc::test::patchZipEntryCrc(p, "bad.json", 0x12345678); }, {}},
-        {"corrupt deflate stream", ZipBuilder::Compression::Deflate,
-         [](const fs::path& p) { refdoc::test::corruptZipEntryData(p, "bad.json", 0, 8); }, {}},
-        {"changed stored bytes", ZipBuilder::Compression::Store,
-         [](const fs::path& p) { refdoc::test::corruptZipEntryData(p, "bad.json", 100, 1); }, {}},
-        {"compressed data cut short", ZipBuilder::Compression::Deflate,
+        {"declared size above the actual size",
+         ZipBuilder::Compression::Deflate,
+         [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 4001); },
+         {}},
+        {"declared size far above the actual size",
+         ZipBuilder::Compression::Deflate,
+         [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 200u << 20); },
+         {}},
+        {"CRC mismatch (stored)",
+         ZipBuilder::Compression::Store,
+         [](const fs::path& p) { refdoc::test::patchZipEntryCrc(p, "bad.json", 0x12345678); },
+         {}},
+        {"CRC mismatch (deflated)",
+         ZipBuilder::Compression::Deflate,
+         [](const fs::path& p) { refdoc::test::patchZipEntryCrc(p, "bad.json", 0x12345678); },
+         {}},
+        {"corrupt deflate stream",
+         ZipBuilder::Compression::Deflate,
+         [](const fs::path& p) { refdoc::test::corruptZipEntryData(p, "bad.json", 0, 8); },
+         {}},
+        {"changed stored bytes",
+         ZipBuilder::Compression::Store,
+         [](const fs::path& p) { refdoc::test::corruptZipEntryData(p, "bad.json", 100, 1); },
+         {}},
+        {"compressed data cut short",
+         ZipBuilder::Compression::Deflate,
          [](const fs::path& p) {
              const auto layout = refdoc::test::locateZipEntry(p, "bad.json");
              refdoc::test::patchZipEntryCompressedSize(p, "bad.json", layout.compressedSize / 2);
@@ -206,8 +227,8 @@ TEST_F(ZipPackageTest, UnopenablePackagesThrow) {
         {"JSON text", std::string("{\"not\":\"a zip\"}")},
         {"cut in half", bytes.substr(0, bytes.size() / 2)},
         {"last byte missing", bytes.substr(0, bytes.size() - 1)},
-        {"central directory missing", bytes.substr(0, refdoc::test::locateZipEntry(packagePath("whole.zip"), "a.json")
-                                                           .dataOffset + 10)},
+        {"central directory missing",
+         bytes.substr(0, refdoc::test::locateZipEntry(packagePath("whole.zip"), "a.json").dataOffset + 10)},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

@@ -51,18 +51,15 @@ const Writer kWriters[] = {
     {"jar", "jar", "jar cfM pkg.zip optics.json data"},
     // A self-extracting package: a program in front of the archive, its offsets left as they were
     // and adjusted to the program ("zip -A").
-    {"self_extracting", "unzipsfx", "zip -q -r plain.zip optics.json data && cat \"$(command -v unzipsfx)\" plain.zip > pkg.zip"},
+    {"self_extracting", "unzipsfx",
+     "zip -q -r plain.zip optics.json data && cat \"$(command -v unzipsfx)\" plain.zip > pkg.zip"},
     {"self_extracting_adjusted", "unzipsfx",
      "zip -q -r plain.zip optics.json data && cat \"$(command -v unzipsfx)\" plain.zip > pkg.zip && zip -q -A pkg.zip"},
 };
 
-void PrintTo(const Writer& writer, std::ostream* out) {
-    *out << writer.name;
-}
+void PrintTo(const Writer& writer, std::ostream* out) { *out << writer.name; }
 
-bool onPath(const std::string& tool) {
-    return std::system(("command -v " + tool + " >/dev/null 2>&1").c_str()) == 0;
-}
+bool onPath(const std::string& tool) { return std::system(("command -v " + tool + " >/dev/null 2>&1").c_str()) == 0; }
 
 class ZipWriters : public HostSettingsFixture, public ::testing::WithParamInterface<Writer> {
 protected:
@@ -99,9 +96,9 @@ TEST_P(ZipWriters, PackageLoadsLikeItsLooseFiles) {
     for (const char16_t* language : {u"en", u"ja"}) {
         doclanguage::DocLanguage::getInstance().setDocLanguage(language);
         const auto loaded = DocResourceParser::getResourceLookupFiles();
-        const LookupSummary expected{
-            {"optics", {language == std::u16string(u"en") ? "Optics" : "光学",
-                        {{"lens", {language == std::u16string(u"en") ? "Focal length" : "焦点距離"}}}}}};
+        const LookupSummary expected{{"optics",
+                                      {language == std::u16string(u"en") ? "Optics" : "光学",
+                                       {{"lens", {language == std::u16string(u"en") ? "Focal length" : "焦点距離"}}}}}};
         EXPECT_EQ(summarize(loaded.installedResources), expected) << "language " << (language[0] == u'e' ? "en" : "ja");
         EXPECT_TRUE(loaded.uninstalledResources.empty());
     }

@@ -100,8 +100,7 @@ TEST(FieldAccess, EnumerationsFallBackToTheirDefault) {
         EXPECT_EQ(Tools::getEnumFromJson<RefEntityType>(object, key), RefEntityType::getDefaultValue()) << key;
         EXPECT_EQ(Tools::getEnumFromJson<FunctionType>(object, key), FunctionType::getDefaultValue()) << key;
         EXPECT_EQ(Tools::getEnumFromJson<SyntaxType>(object, key), SyntaxType::getDefaultValue()) << key;
-        EXPECT_EQ(Tools::getEnumFromJson<DeprecationStatus>(object, key), DeprecationStatus::getDefaultValue())
-            << key;
+        EXPECT_EQ(Tools::getEnumFromJson<DeprecationStatus>(object, key), DeprecationStatus::getDefaultValue()) << key;
     }
 }
 

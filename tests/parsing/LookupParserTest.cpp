@@ -106,9 +106,8 @@ TEST(LookupParser, AbsentOrUnknownEnumerationsTakeTheirDefaults) {
 TEST(LookupParser, EqualNamesGatherInFileOrderWhateverTheInputOrder) {
     // Unsorted names, repeats that are not adjacent, and a name that sorts before the last one:
     // the insertion hint must never misplace an entry.
-    const auto document = documentObject(
-        "f", "B",
-        R"([{"name": "plot", "refpurpose": "1", "href": "a.html"},
+    const auto document = documentObject("f", "B",
+                                         R"([{"name": "plot", "refpurpose": "1", "href": "a.html"},
             {"name": "area", "refpurpose": "2", "href": "b.html"},
             {"name": "plot", "refpurpose": "3", "href": "c.html"},
             {"name": "zoom", "refpurpose": "4", "href": "d.html"},

@@ -30,13 +30,9 @@ struct Case {
     Expect expect;
 };
 
-void PrintTo(const Case& c, std::ostream* out) {
-    *out << c.name;
-}
+void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
 
-std::string caseName(const ::testing::TestParamInfo<Case>& info) {
-    return info.param.name;
-}
+std::string caseName(const ::testing::TestParamInfo<Case>& info) { return info.param.name; }
 
 template <class Outcome>
 const char* failureOf(const Outcome& outcome) {
@@ -76,7 +72,8 @@ void expectOutcome(const Outcome& outcome, Expect expect) {
 
 // ---- Lookup files
 
-const std::string kHeader = R"("productName": "Signal", "baseCode": "SG", "helpFolder": "signal", "helpLocation": "help/signal")";
+const std::string kHeader =
+    R"("productName": "Signal", "baseCode": "SG", "helpFolder": "signal", "helpLocation": "help/signal")";
 
 std::string lookup(const std::string& items, const std::string& rest = "") {
     return "{" + kHeader + R"(, "refItems": [)" + items + "]" + rest + "}";
@@ -97,27 +94,27 @@ std::string longEscaped(std::size_t characters) {
     return text;
 }
 
-std::string nested(int depth) {
-    return std::string(depth, '[') + std::string(depth, ']');
-}
+std::string nested(int depth) { return std::string(depth, '[') + std::string(depth, ']'); }
 
 const std::vector<Case> kLookupCases = {
-    {"EveryField", lookup(entry("b", R"(, "type": "function", "fcntype": "builtin", "deprecated": false)") + "," +
-                              entry("a", R"(, "type": "class")") + "," + entry("b", R"(, "deprecated": null)")),
+    {"EveryField",
+     lookup(entry("b", R"(, "type": "function", "fcntype": "builtin", "deprecated": false)") + "," +
+            entry("a", R"(, "type": "class")") + "," + entry("b", R"(, "deprecated": null)")),
      Expect::Accepted},
     {"DuplicateKeyFirstInvalid", lookup(R"({"name": "a", "refpurpose": "p", "href": 5, "href": "ref/a.html"})"),
      Expect::Accepted},
     {"DuplicateKeySecondInvalid", lookup(R"({"name": "a", "refpurpose": "p", "href": "ref/a.html", "href": 5})"),
      Expect::WrongKind},
-    {"DuplicateNameLastWins", lookup(R"({"name": "a", "refpurpose": "p", "href": "h", "name": "z"})"), Expect::Accepted},
+    {"DuplicateNameLastWins", lookup(R"({"name": "a", "refpurpose": "p", "href": "h", "name": "z"})"),
+     Expect::Accepted},
     {"DuplicateEnumUnknownThenKnown",
      lookup(R"({"type": "widget", "name": "a", "refpurpose": "p", "href": "h", "type": "class"})"), Expect::Accepted},
     {"DuplicateEnumKnownThenUnknown",
      lookup(R"({"type": "class", "name": "a", "refpurpose": "p", "href": "h", "type": "widget"})"), Expect::Accepted},
     {"DuplicateRefItemsEmptyFirst", "{" + kHeader + R"(, "refItems": [], "refItems": [)" + entry("a") + "]}",
      Expect::Accepted},
-    {"DuplicateRefItemsInvalidFirst", "{" + kHeader + R"(, "refItems": [{"name": 1}], "refItems": [)" + entry("a") + "]}",
-     Expect::Accepted},
+    {"DuplicateRefItemsInvalidFirst",
+     "{" + kHeader + R"(, "refItems": [{"name": 1}], "refItems": [)" + entry("a") + "]}", Expect::Accepted},
     {"DuplicateRefItemsWrongKindLast", "{" + kHeader + R"(, "refItems": [)" + entry("a") + R"(], "refItems": {}})",
      Expect::WrongKind},
     {"DuplicateHeaderKey", R"({"helpFolder": "first", )" + kHeader + R"(, "helpFolder": "last", "refItems": []})",
@@ -137,14 +134,15 @@ const std::vector<Case> kLookupCases = {
      Expect::Accepted},
     {"NulInKeyOnly", lookup(R"({"name\u0000": "x", "refpurpose": "p", "href": "h"})"), Expect::MissingKey},
     {"EscapesAndNulInTexts",
-     lookup(R"({"name": "a\u0000b", "refpurpose": "caf\u00e9 \ud83d\ude00 \"q\" \\ \/ \b\f\n\r\t", "href": "r\u0000\/x"})"),
+     lookup(
+         R"({"name": "a\u0000b", "refpurpose": "caf\u00e9 \ud83d\ude00 \"q\" \\ \/ \b\f\n\r\t", "href": "r\u0000\/x"})"),
      Expect::Accepted},
     {"NonAsciiInAsciiFields", R"({"productName": "Sig", "baseCode": "caf\u00e9", "helpFolder": "dossier\u00e9",
         "helpLocation": "\u65e5", "refItems": [{"name": "a", "refpurpose": "p", "href": "\u00e9"}]})",
      Expect::Accepted},
     {"LongEscapedTexts",
-     lookup(R"({"name": "a", "refpurpose": ")" + longEscaped(9000) + R"(", "href": "h", "type": ")" + longEscaped(5000) +
-            R"(", ")" + longEscaped(6000) + R"(": 1})"),
+     lookup(R"({"name": "a", "refpurpose": ")" + longEscaped(9000) + R"(", "href": "h", "type": ")" +
+            longEscaped(5000) + R"(", ")" + longEscaped(6000) + R"(": 1})"),
      Expect::Accepted},
     {"UnknownEnumTexts",
      lookup(entry("a", R"(, "type": "widget", "fcntype": "Builtin")") + "," + entry("b", R"(, "type": "")")),
@@ -166,7 +164,8 @@ const std::vector<Case> kLookupCases = {
     {"EmptyObject", "{}", Expect::MissingKey},
     {"MissingHrefThenTrailingComma", lookup(R"({"name": "a", "refpurpose": "p"},)"), Expect::SyntaxError},
     // The item is complete (and lacks its name) before the text breaks off.
-    {"MissingNameThenTruncated", [] {
+    {"MissingNameThenTruncated",
+     [] {
          const std::string text = lookup(R"({"refpurpose": "p", "href": "h"})");
          return text.substr(0, text.size() - 2);
      }(),
@@ -233,20 +232,23 @@ std::string page(const std::string& href, const std::string& extra = "") {
 
 const std::string kInputs = R"("inputgroup": [{"title": "In", "inputs": [{"name": "caf\u00e9", "purpose": "p",
     "htmlid": "in_a", "value": ["v\u00e9"], "defaultvalue": "1", "syntaxtype": "required"}]}])";
-const std::string kProperties = R"("classpropertygroup": [{"classproperty": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]}])";
+const std::string kProperties =
+    R"("classpropertygroup": [{"classproperty": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]}])";
 
 const std::vector<Case> kPageCases = {
-    {"FullPage", pages(page("ref/b.html", R"(, "refentity": [{"type": "function", "fcntype": "ordinary", "name": "b"}],
+    {"FullPage",
+     pages(page("ref/b.html", R"(, "refentity": [{"type": "function", "fcntype": "ordinary", "name": "b"}],
         "packagename": "pk", "introduced": "1.0", "description": "d\u00e9", "appthumbnail": {"fileref": "f.png", "alt": "a"},
         "deprecationstatus": "current", "syntaxgroup": [{"title": "T", "syntaxtype": "function", "syntax": ["y = b(x);", "b;"]}],
         )" + kInputs + R"(, "outputs": [{"name": "y\u00b2", "purpose": "p", "htmlid": "out_y", "syntaxtype": "output"}],
         )" + kProperties + R"(, "seealso": [{"url": "u", "name": "n"}],
         "examples": [{"url": "e", "open_command": "open", "title": "t"}],
         "parameters": [{"name": "W\u00ef", "purpose": "p", "defaultvalue": "0"}])") +
-                      "," + page("ref/a.html") + "," + page("ref/b.html")),
+           "," + page("ref/a.html") + "," + page("ref/b.html")),
      Expect::Accepted},
     {"InputGroupBeforeBlockEntity",
-     pages(page("ref/blk.html", ", " + kInputs + ", " + kProperties + R"(, "refentity": [{"type": "block", "name": "B"}])")),
+     pages(page("ref/blk.html",
+                ", " + kInputs + ", " + kProperties + R"(, "refentity": [{"type": "block", "name": "B"}])")),
      Expect::Accepted},
     {"BlockEntityLaterInTheList",
      pages(page("ref/blk.html", ", " + kInputs + R"(, "refentity": [{"type": "function", "name": "f"},
@@ -276,8 +278,8 @@ const std::vector<Case> kPageCases = {
     {"SyntaxLineIsANumber", pages(page("ref/a.html", R"(, "syntaxgroup": [{"title": "T", "syntax": ["a", 1]}])")),
      Expect::WrongKind},
     {"SyntaxGroupWithoutSyntax", pages(page("ref/a.html", R"(, "syntaxgroup": [{"title": "T"}])")), Expect::MissingKey},
-    {"ValueListHoldsNull", pages(page("ref/a.html", R"(, "outputs": [{"name": "y", "purpose": "p", "value": [null]}])")),
-     Expect::WrongKind},
+    {"ValueListHoldsNull",
+     pages(page("ref/a.html", R"(, "outputs": [{"name": "y", "purpose": "p", "value": [null]}])")), Expect::WrongKind},
     {"HtmlIdIsANumber", pages(page("ref/a.html", R"(, "parameters": [{"name": "y", "purpose": "p", "htmlid": 1}])")),
      Expect::WrongKind},
     {"UnknownEnumTextsEverywhere", pages(page("ref/a.html", R"(, "deprecationstatus": "gone",
@@ -288,9 +290,10 @@ const std::vector<Case> kPageCases = {
     {"UnknownEnumThenMissingKeyInSameItem",
      pages(R"({"deprecationstatus": "gone", "refentity": [{"type": "gizmo", "name": "g"}], "href": "h"})"),
      Expect::MissingKey},
-    {"LongEscapedTexts", pages(page("ref/a.html", R"(, "description": ")" + longEscaped(9000) + R"(",
-        "syntaxgroup": [{"title": "T", "syntax": [")" + longEscaped(5000) + R"("]}], "deprecationstatus": ")" +
-                                                    longEscaped(4500) + R"(")")),
+    {"LongEscapedTexts",
+     pages(page("ref/a.html", R"(, "description": ")" + longEscaped(9000) + R"(",
+        "syntaxgroup": [{"title": "T", "syntax": [")" +
+                                  longEscaped(5000) + R"("]}], "deprecationstatus": ")" + longEscaped(4500) + R"(")")),
      Expect::Accepted},
     {"HrefLastAndEscaped", pages(R"({"refpurpose": "p", "description": "a\u0000b", "h\u0072ef": "ref\/x.html"})"),
      Expect::Accepted},
@@ -340,9 +343,7 @@ struct DifferenceCase {
     const char* reportNames; // a part of the report's first line
 };
 
-void PrintTo(const DifferenceCase& c, std::ostream* out) {
-    *out << c.name;
-}
+void PrintTo(const DifferenceCase& c, std::ostream* out) { *out << c.name; }
 
 const std::vector<DifferenceCase> kDifferences = {
     {"FieldValue", lookup(entry("a")), lookup(R"({"name": "a", "refpurpose": "other", "href": "ref/a.html"})"),

@@ -47,15 +47,11 @@ constexpr const char* kPage = R"json({
 
 using Mutation = std::function<void(boost::json::object&)>;
 
-boost::json::object& at(boost::json::object& object, const char* key) {
-    return object.at(key).as_object();
-}
+boost::json::object& at(boost::json::object& object, const char* key) { return object.at(key).as_object(); }
 boost::json::object& first(boost::json::object& object, const char* key) {
     return object.at(key).as_array().at(0).as_object();
 }
-boost::json::object& firstInput(boost::json::object& item) {
-    return first(first(item, "inputgroup"), "inputs");
-}
+boost::json::object& firstInput(boost::json::object& item) { return first(first(item, "inputgroup"), "inputs"); }
 boost::json::object& firstPairInput(boost::json::object& item) {
     return first(item.at("inputgroup").as_array().at(1).as_object().at("namevaluepairs").as_array().at(0).as_object(),
                  "inputs");
@@ -84,16 +80,17 @@ std::vector<Case> cases() {
          false},
         {"no optional members",
          [](auto& i) {
-             for (const char* key : {"refentity", "packagename", "introduced", "description", "appthumbnail",
-                                     "deprecationstatus", "syntaxgroup", "inputgroup", "outputs",
-                                     "classpropertygroup", "seealso", "examples", "parameters"}) {
+             for (const char* key :
+                  {"refentity", "packagename", "introduced", "description", "appthumbnail", "deprecationstatus",
+                   "syntaxgroup", "inputgroup", "outputs", "classpropertygroup", "seealso", "examples", "parameters"}) {
                  i.erase(key);
              }
          },
          false},
         {"class property group without title", [](auto& i) { first(i, "classpropertygroup").erase("title"); }, false},
-        {"name-value holder without title or inputs", [](auto& i) {
-             i["inputgroup"] = parseJson(R"([{"namevaluepairs": [{"title": "t", "inputs": []}]}])"); }, false},
+        {"name-value holder without title or inputs",
+         [](auto& i) { i["inputgroup"] = parseJson(R"([{"namevaluepairs": [{"title": "t", "inputs": []}]}])"); },
+         false},
 
         {"href missing", [](auto& i) { i.erase("href"); }, true},
         {"href number", [=](auto& i) { i["href"] = number; }, true},
@@ -132,9 +129,11 @@ std::vector<Case> cases() {
         {"input purpose missing", [](auto& i) { firstInput(i).erase("purpose"); }, true},
         {"input values string", [](auto& i) { firstInput(i)["value"] = "one"; }, true},
         {"input value number", [](auto& i) { firstInput(i)["value"] = parseJson("[1]"); }, true},
-        {"name-value pairs string", [](auto& i) { i.at("inputgroup").as_array().at(1).as_object()["namevaluepairs"] = "x"; }, true},
+        {"name-value pairs string",
+         [](auto& i) { i.at("inputgroup").as_array().at(1).as_object()["namevaluepairs"] = "x"; }, true},
         {"name-value group null",
-         [](auto& i) { i.at("inputgroup").as_array().at(1).as_object()["namevaluepairs"] = parseJson("[null]"); }, true},
+         [](auto& i) { i.at("inputgroup").as_array().at(1).as_object()["namevaluepairs"] = parseJson("[null]"); },
+         true},
         {"name-value group title missing",
          [](auto& i) { i["inputgroup"] = parseJson(R"([{"namevaluepairs": [{"inputs": []}]}])"); }, true},
         {"name-value input name missing", [](auto& i) { firstPairInput(i).erase("name"); }, true},
@@ -147,10 +146,12 @@ std::vector<Case> cases() {
         {"output purpose missing", [](auto& i) { first(i, "outputs").erase("purpose"); }, true},
         {"output value number", [](auto& i) { first(i, "outputs")["value"] = parseJson("[1]"); }, true},
         {"property groups object", [=](auto& i) { i["classpropertygroup"] = object; }, true},
-        {"property group title array", [](auto& i) { first(i, "classpropertygroup")["title"] = parseJson("[]"); }, true},
+        {"property group title array", [](auto& i) { first(i, "classpropertygroup")["title"] = parseJson("[]"); },
+         true},
         {"property list missing", [](auto& i) { first(i, "classpropertygroup").erase("classproperty"); }, true},
         {"property list object", [=](auto& i) { first(i, "classpropertygroup")["classproperty"] = object; }, true},
-        {"property string", [](auto& i) { first(i, "classpropertygroup")["classproperty"] = parseJson(R"(["p"])"); }, true},
+        {"property string", [](auto& i) { first(i, "classpropertygroup")["classproperty"] = parseJson(R"(["p"])"); },
+         true},
         {"property name missing", [](auto& i) { firstProperty(i).erase("name"); }, true},
         {"property purpose missing", [](auto& i) { firstProperty(i).erase("purpose"); }, true},
         {"property value number", [](auto& i) { firstProperty(i)["value"] = parseJson("[1]"); }, true},
@@ -212,10 +213,11 @@ TEST(RefItemCheck, CheckingAPageFailsExactlyWhereBuildingItFails) {
                   }),
                   expected)
             << c.what << ", document dropped";
-        EXPECT_EQ(outcomeOf([&] {
-                      parseRefItemDocument(document, [&](const HeaderInfo&) { return PageSelection{false, &replaced}; });
-                  }),
-                  expected)
+        EXPECT_EQ(
+            outcomeOf([&] {
+                parseRefItemDocument(document, [&](const HeaderInfo&) { return PageSelection{false, &replaced}; });
+            }),
+            expected)
             << c.what << ", page replaced";
     }
 }
@@ -226,8 +228,7 @@ TEST(RefItemCheck, DiscardedPagesAreNotBuiltAndTheOthersAreBuiltAsUsual) {
     const auto full = parseRefItemDocument(document);
     ASSERT_EQ(full.getItems().size(), 3u);
 
-    const auto dropped =
-        parseRefItemDocument(document, [](const HeaderInfo&) { return PageSelection{true, nullptr}; });
+    const auto dropped = parseRefItemDocument(document, [](const HeaderInfo&) { return PageSelection{true, nullptr}; });
     EXPECT_EQ(dropped.getHeader(), full.getHeader());
     EXPECT_TRUE(dropped.getItems().empty());
 

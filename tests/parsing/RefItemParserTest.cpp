@@ -49,9 +49,7 @@ constexpr const char* kFullItem = R"json({
     "ignoredMember": {"a": 1}
 })json";
 
-boost::json::object fullItem() {
-    return parseJson(kFullItem).as_object();
-}
+boost::json::object fullItem() { return parseJson(kFullItem).as_object(); }
 
 boost::json::object documentWith(const std::vector<boost::json::object>& items) {
     auto document = documentObject("tb", "TB");
@@ -81,17 +79,16 @@ TEST(RefItemParser, ReadsEverySectionOfAFullPage) {
         u"graphics", u"2-D line plot \u2014 fast", u"1.0", u"Draws lines through \u00B5-points", u"img/plot.png",
         u"Line \u00E0 plot", DeprecationStatus::Current,
         {SyntaxGroup(u"Basic \u00E9", SyntaxType::Function, {u"plot(X,Y)", u"plot(Y)"})},
-        {InputGroup(u"Inputs", {Input(ObjectInfo(u"X", u"x-coordinates", {u"vector", u"matrix \u00D7"},
-                                                 u"ref/plot.html#input_X"),
-                                      SyntaxType::Required, u"[]", false)}),
+        {InputGroup(u"Inputs",
+                    {Input(ObjectInfo(u"X", u"x-coordinates", {u"vector", u"matrix \u00D7"}, u"ref/plot.html#input_X"),
+                           SyntaxType::Required, u"[]", false)}),
          InputGroup(u"Line", {Input(ObjectInfo(u"Color", u"line color", {}, u"ref/plot.html#nv_Color"),
                                     SyntaxType::NameValue, u"", true)})},
         {Output(ObjectInfo(u"h\u00B2", u"line handles", {}, u"ref/plot.html#output_h"), SyntaxType::Output)},
         {ClassPropertyGroup(u"Appearance", {ClassProperty(ObjectInfo(u"LineWidth", u"width", {u"positive"},
                                                                      u"ref/plot.html#prop_LineWidth"),
                                                           u"0.5")})},
-        {SeeAlso(u"ref/line.html", u"line \u00E9")},
-        {Example(u"ex/sine.html", u"showExample('sine')", u"Sine \u03C0")},
+        {SeeAlso(u"ref/line.html", u"line \u00E9")}, {Example(u"ex/sine.html", u"showExample('sine')", u"Sine \u03C0")},
         {Parameter(ObjectInfo(u"W\u00EFt", u"weight", {}, u"ref/plot.html#param_w"), u"1")});
     // Equality covers the engine value slots too: every one of them is empty after parsing.
     EXPECT_EQ(onlyItem(resource), expected);
@@ -102,8 +99,8 @@ TEST(RefItemParser, PageWithOnlyRequiredKeysHasEmptySections) {
     const auto item = parseJson(R"({"href": "ref/a.html", "refpurpose": "A"})").as_object();
     const auto resource = parseRefItemDocument(documentWith({item}));
     const RefItem& page = onlyItem(resource);
-    EXPECT_EQ(page, RefItem(u"ref/a.html", {}, u"", u"A", u"", u"", u"", u"", DeprecationStatus::getDefaultValue(),
-                            {}, {}, {}, {}, {}, {}, {}));
+    EXPECT_EQ(page, RefItem(u"ref/a.html", {}, u"", u"A", u"", u"", u"", u"", DeprecationStatus::getDefaultValue(), {},
+                            {}, {}, {}, {}, {}, {}));
 }
 
 TEST(RefItemParser, EmptyItemListYieldsHeaderOnly) {
@@ -136,7 +133,8 @@ TEST(RefItemParser, BlockPagesDecodeMemberNamesAsUtf8) {
         "classpropertygroup": [{"classproperty": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]}],
         "outputs": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}],
         "parameters": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]
-    })").as_object();
+    })")
+                             .as_object();
 
     for (const auto& c : cases) {
         auto item = members;
@@ -168,7 +166,8 @@ TEST(RefItemParser, AnchorsJoinHrefWithHtmlIdOrPropertyName) {
         "outputs": [{"name": "z", "purpose": "p"}],
         "parameters": [{"htmlid": "par", "name": "w", "purpose": "p"}],
         "classpropertygroup": [{"classproperty": [{"name": "Color", "htmlid": "prop_other", "purpose": "p"}]}]
-    })").as_object();
+    })")
+                          .as_object();
     const auto resource = parseRefItemDocument(documentWith({item}));
     const RefItem& page = onlyItem(resource);
     const auto& inputs = page.getInputGroups().at(0).getInputs();
@@ -193,7 +192,8 @@ TEST(RefItemParser, NameValuePairGroupsExpandInPlace) {
             {"namevaluepairs": []},
             {"title": "B", "inputs": []}
         ]
-    })").as_object();
+    })")
+                          .as_object();
     const auto resource = parseRefItemDocument(documentWith({item}));
     const RefItem& page = onlyItem(resource);
     std::vector<std::u16string> titles;
@@ -220,7 +220,8 @@ TEST(RefItemParser, OptionalMembersTakeTheirDefaults) {
         "inputgroup": [{"title": "T", "inputs": [{"name": "x", "purpose": "p", "syntaxtype": "gadget"}]}],
         "classpropertygroup": [{"classproperty": []}],
         "examples": [{"url": "ex/a.html", "title": "A"}]
-    })").as_object();
+    })")
+                          .as_object();
     const auto resource = parseRefItemDocument(documentWith({item}));
     const RefItem& page = onlyItem(resource);
     EXPECT_EQ(page.getEntities().at(0),

@@ -120,9 +120,7 @@ std::string asciiRun(std::size_t length) {
     return out;
 }
 
-std::u16string widened(const std::string& ascii) {
-    return std::u16string(ascii.begin(), ascii.end());
-}
+std::u16string widened(const std::string& ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
 TEST(TextConversion, AsciiWideningKeepsEveryByteValueAtEveryLength) {
     // Lengths around the 8- and 16-byte steps; all 256 byte values pass through each block slot.
@@ -227,8 +225,8 @@ TEST(TextConversion, PlainAsciiBoundaryBytesAtEveryPosition) {
         int byte;
         bool plain;
     };
-    const Boundary boundaries[] = {{0x00, false}, {0x01, true}, {0x7E, true}, {0x7F, false}, {0x80, false},
-                                   {0xFF, false}};
+    const Boundary boundaries[] = {{0x00, false}, {0x01, true},  {0x7E, true},
+                                   {0x7F, false}, {0x80, false}, {0xFF, false}};
     for (const auto& boundary : boundaries) {
         for (std::size_t length = 1; length <= 40; ++length) {
             for (std::size_t at = 0; at < length; ++at) {

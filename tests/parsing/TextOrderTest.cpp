@@ -9,9 +9,7 @@ namespace text = reference::docparser::text;
 
 namespace {
 
-int sign(int value) {
-    return (value > 0) - (value < 0);
-}
+int sign(int value) { return (value > 0) - (value < 0); }
 
 // The loaders order map keys with compareText; any disagreement with std::u16string's own order
 // would misplace a key.
@@ -25,11 +23,11 @@ TEST(TextOrder, AgreesWithStringOrder) {
         {u"", u"a"},
         {u"abcd", u"abcd"},
         {u"abcd", u"abce"},
-        {u"abcdefgh", u"abcdefg"},                  // prefix, at a block edge
-        {u"abcdefghijk", u"abcdefghijK"},           // difference in the tail after whole blocks
-        {u"a\u0100", u"a\u00FF"},                   // bytes would order these the other way round
+        {u"abcdefgh", u"abcdefg"},        // prefix, at a block edge
+        {u"abcdefghijk", u"abcdefghijK"}, // difference in the tail after whole blocks
+        {u"a\u0100", u"a\u00FF"},         // bytes would order these the other way round
         {u"\u00FFxyz", u"\u0100xyz"},
-        {u"plot\U0001F600", u"plot\uFFFF"},         // a surrogate pair orders below U+E000..U+FFFF
+        {u"plot\U0001F600", u"plot\uFFFF"}, // a surrogate pair orders below U+E000..U+FFFF
         {u"ArrayBusEstimator.Event", u"ArrayBusEstimator.Gain"},
     };
     for (const auto& c : cases) {

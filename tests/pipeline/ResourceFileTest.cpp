@@ -18,11 +18,10 @@ protected:
         const auto write = [this](const std::string& name, const std::string& text) {
             root_.write(std::filesystem::path("docCatalog/referenceapi") / name, text);
         };
-        write("prod.json",
-              fileText(pageDocument({"Prod", "PR", "prod"}, {{"p1", "en one"}, {"p2", "en two"}}),
-                       {pageDocument({"SP1", "sp1", "x"}, {{"q1", "en q1"}}),
-                        pageDocument({"SP1 again", "sp1", "y"}, {{"dup", "never"}}),
-                        pageDocument({"Prod shadow", "prod", "z"}, {{"shadow", "never"}})}));
+        write("prod.json", fileText(pageDocument({"Prod", "PR", "prod"}, {{"p1", "en one"}, {"p2", "en two"}}),
+                                    {pageDocument({"SP1", "sp1", "x"}, {{"q1", "en q1"}}),
+                                     pageDocument({"SP1 again", "sp1", "y"}, {{"dup", "never"}}),
+                                     pageDocument({"Prod shadow", "prod", "z"}, {{"shadow", "never"}})}));
         write("prod_ja.json", fileText(pageDocument({"製品", "PR", "prod"}, {{"p1", "ja one"}, {"p3", "ja three"}}),
                                        {pageDocument({"SP2", "sp2", "w"}, {{"r1", "ja r1"}})}));
         write("jaonly_ja.json", fileText(pageDocument({"JA only", "JO", "jaonly"}, {{"j1", "ja j1"}})));

@@ -48,8 +48,8 @@ void expectUnknown(std::string_view text) {
 }
 
 TEST(Enumerations, UnknownTextThrows) {
-    for (const char* text : {"", "Function", "FUNCTION", " function", "function ", "func", "functions",
-                             "unknown", "\xE6\x97\xA5"}) {
+    for (const char* text :
+         {"", "Function", "FUNCTION", " function", "function ", "func", "functions", "unknown", "\xE6\x97\xA5"}) {
         SCOPED_TRACE(text);
         expectUnknown<RefEntityType>(text);
         expectUnknown<FunctionType>(text);

@@ -13,9 +13,7 @@ namespace {
 using namespace reference::property;
 using reference::docparser::DocResource;
 
-EngineHandle newHandle() {
-    return EngineHandle(new engine::EngineValue());
-}
+EngineHandle newHandle() { return EngineHandle(new engine::EngineValue()); }
 
 ObjectInfo info(const char16_t* name) {
     return ObjectInfo(name, u"purpose", {u"v1", u"v2"}, std::u16string(u"ref/a.html#") + name);
@@ -27,15 +25,15 @@ RefItem sampleItem() {
     std::vector<ClassProperty> props{ClassProperty(info(u"Color"), u"red")};
     std::vector<ClassPropertyGroup> propGroups;
     propGroups.emplace_back(u"Appearance", std::move(props));
-    return RefItem(u"ref/a.html", {RefEntity(RefEntityType::Function, u"a", FunctionType::Ordinary)}, u"pkg",
-                   u"Do a", u"R1", u"Long text", u"thumb.png", u"Thumb", DeprecationStatus::Current,
+    return RefItem(u"ref/a.html", {RefEntity(RefEntityType::Function, u"a", FunctionType::Ordinary)}, u"pkg", u"Do a",
+                   u"R1", u"Long text", u"thumb.png", u"Thumb", DeprecationStatus::Current,
                    {SyntaxGroup(u"Syntax", SyntaxType::Function, {u"a(x)"})}, std::move(inputs),
                    {Output(info(u"y"), SyntaxType::Output)}, std::move(propGroups), {SeeAlso(u"b.html", u"b")},
                    {Example(u"ex.html", u"open ex", u"Example")}, {Parameter(info(u"p"), u"0")});
 }
 
 template <class T>
-constexpr bool movesWithoutThrowing = std::is_nothrow_move_constructible_v<T> && std::is_nothrow_move_assignable_v<T>;
+constexpr bool movesWithoutThrowing = std::is_nothrow_move_constructible_v<T>&& std::is_nothrow_move_assignable_v<T>;
 
 // Records move without throwing, so vectors of them move (not copy) their elements on growth.
 static_assert(movesWithoutThrowing<HeaderInfo>);

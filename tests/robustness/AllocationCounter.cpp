@@ -57,8 +57,7 @@ void release(void* block) noexcept {
 
 } // namespace
 
-AllocationWatch::AllocationWatch()
-    : startLive_(live.load()), startCount_(count.load()), startTotal_(total.load()) {
+AllocationWatch::AllocationWatch() : startLive_(live.load()), startCount_(count.load()), startTotal_(total.load()) {
     peak.store(startLive_);
     largest.store(0);
 }

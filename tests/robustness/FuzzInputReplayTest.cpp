@@ -71,9 +71,7 @@ const FuzzTarget kTargets[] = {
 
 class FuzzInputReplay : public HostSettingsFixture, public ::testing::WithParamInterface<FuzzTarget> {};
 
-TEST_P(FuzzInputReplay, SeedsAndPastFaultsPass) {
-    GetParam().replay(GetParam().name, GetParam().seedFolders);
-}
+TEST_P(FuzzInputReplay, SeedsAndPastFaultsPass) { GetParam().replay(GetParam().name, GetParam().seedFolders); }
 
 INSTANTIATE_TEST_SUITE_P(Targets, FuzzInputReplay, ::testing::ValuesIn(kTargets),
                          [](const ::testing::TestParamInfo<FuzzTarget>& info) { return std::string(info.param.name); });

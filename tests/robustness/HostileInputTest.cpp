@@ -23,12 +23,19 @@ constexpr std::string_view kItem = R"({"name":"probe","refpurpose":"A probe","hr
 // One document that both formats accept: the lookup format reads an item's name, purpose and
 // link, the page format its link and purpose. A case breaks one thing in it.
 std::string document(std::string_view items = kItem, std::string_view extraMembers = "") {
-    return std::string(R"({"productName":"Hostile","baseCode":"HOS","helpFolder":"hostile","helpLocation":"help/hostile",)")
-        .append(R"("refItems":[)").append(items).append("]").append(extraMembers).append("}");
+    return std::string(
+               R"({"productName":"Hostile","baseCode":"HOS","helpFolder":"hostile","helpLocation":"help/hostile",)")
+        .append(R"("refItems":[)")
+        .append(items)
+        .append("]")
+        .append(extraMembers)
+        .append("}");
 }
 
 std::string itemWithPurpose(std::string_view purposeJson) {
-    return std::string(R"({"name":"probe","refpurpose":)").append(purposeJson).append(R"(,"href":"hostile/probe.html"})");
+    return std::string(R"({"name":"probe","refpurpose":)")
+        .append(purposeJson)
+        .append(R"(,"href":"hostile/probe.html"})");
 }
 
 void writeFile(const fs::path& path, std::string_view bytes) {
@@ -48,9 +55,7 @@ std::function<void(const fs::path&)> bytes(std::string text) {
     return [text = std::move(text)](const fs::path& path) { writeFile(path, text); };
 }
 
-void PrintTo(const HostileCase& hostileCase, std::ostream* out) {
-    *out << hostileCase.name;
-}
+void PrintTo(const HostileCase& hostileCase, std::ostream* out) { *out << hostileCase.name; }
 
 const HostileCase kCases[] = {
     // Text that is not strict JSON, or not UTF-8.
@@ -143,9 +148,9 @@ TEST_F(HostileInput, MegabyteStringsLoadWholeInMemoryProportionalToTheFile) {
     for (std::size_t i = 0; i < kMiB; ++i) {
         accented += "\xC3\xA9"; // é
     }
-    const std::string text = document(R"({"name":")" + accented + R"(","refpurpose":")" + ascii +
-                                          R"(","href":"hostile/probe.html"})",
-                                      R"(,"ignored":")" + ascii + "\"");
+    const std::string text =
+        document(R"({"name":")" + accented + R"(","refpurpose":")" + ascii + R"(","href":"hostile/probe.html"})",
+                 R"(,"ignored":")" + ascii + "\"");
     writeFile(lookupFolder() / "hostile.json", text);
     writeFile(referenceFolder() / "hostile.json", text);
 
@@ -189,7 +194,8 @@ TEST_F(HostileInput, ManyNameValueHoldersTakeLinearWork) {
         holders += (i == 0 ? "" : ",");
         holders += R"({"namevaluepairs":[{"title":"a","inputs":[]},{"title":"b","inputs":[]}]})";
     }
-    const std::string text = document(R"({"href":"hostile/probe.html","refpurpose":"p","inputgroup":[)" + holders + "]}");
+    const std::string text =
+        document(R"({"href":"hostile/probe.html","refpurpose":"p","inputgroup":[)" + holders + "]}");
     writeFile(referenceFolder() / "hostile.json", text);
 
     const Loaded loaded = load(u"hostile");

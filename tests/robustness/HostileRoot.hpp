@@ -26,10 +26,10 @@ protected:
     using PageMap = DocResourceParser::RefItemFileMap;
 
     struct Loaded {
-        LookupResults lookups;    // every product's lookup data
-        PageMap pages;            // the pages of the product named by the load
-        PageMap controlPages;     // the control product's pages
-        AllocationStats memory;   // what the three loads allocated
+        LookupResults lookups;  // every product's lookup data
+        PageMap pages;          // the pages of the product named by the load
+        PageMap controlPages;   // the control product's pages
+        AllocationStats memory; // what the three loads allocated
     };
 
     void SetUp() override {
@@ -50,8 +50,10 @@ protected:
 
     static Loaded load(const std::u16string& pageName) {
         AllocationWatch watch;
-        Loaded loaded{DocResourceParser::getResourceLookupFiles(), DocResourceParser::getResourceFile(pageName),
-                      DocResourceParser::getResourceFile(u"control"), {}};
+        Loaded loaded{DocResourceParser::getResourceLookupFiles(),
+                      DocResourceParser::getResourceFile(pageName),
+                      DocResourceParser::getResourceFile(u"control"),
+                      {}};
         loaded.memory = watch.stats();
         return loaded;
     }

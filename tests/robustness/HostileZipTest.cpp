@@ -33,7 +33,8 @@ std::string readAll(const fs::path& path) {
 }
 
 void writeAll(const fs::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary | std::ios::trunc).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(path, std::ios::binary | std::ios::trunc)
+        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 std::uint32_t crc32(std::string_view bytes) {
@@ -78,9 +79,9 @@ std::string entriesSharingTheirData(int entryCount, const std::string& payload) 
         std::string& header = headers[index];
         putLe(header, 0x04034b50, 4);
         putLe(header, 20, 2);
-        putLe(header, 0, 2);                // flags
-        putLe(header, 0, 2);                // stored
-        putLe(header, 0, 4);                // time and date
+        putLe(header, 0, 2); // flags
+        putLe(header, 0, 2); // stored
+        putLe(header, 0, 4); // time and date
         putLe(header, crcs[index], 4);
         putLe(header, sizes[index], 4);
         putLe(header, sizes[index], 4);
@@ -103,11 +104,11 @@ std::string entriesSharingTheirData(int entryCount, const std::string& payload) 
         putLe(central, sizes[index], 4);
         putLe(central, sizes[index], 4);
         putLe(central, static_cast<std::uint32_t>(nameOf(i).size()), 2);
-        putLe(central, 0, 2);               // extra
-        putLe(central, 0, 2);               // comment
-        putLe(central, 0, 2);               // disk
-        putLe(central, 0, 2);               // internal attributes
-        putLe(central, 0, 4);               // external attributes
+        putLe(central, 0, 2); // extra
+        putLe(central, 0, 2); // comment
+        putLe(central, 0, 2); // disk
+        putLe(central, 0, 2); // internal attributes
+        putLe(central, 0, 4); // external attributes
         putLe(central, offset, 4);
         central += nameOf(i);
         offset += static_cast<std::uint32_t>(headers[index].size());
@@ -126,7 +127,11 @@ std::string entriesSharingTheirData(int entryCount, const std::string& payload) 
 // A sound package of three entries cut short inside its central directory, with or without the
 // end record put back after the cut.
 void truncatedCentralDirectory(const fs::path& package, bool keepEndRecord) {
-    ZipBuilder().add("a.json", hostileLookup("a")).add("b.json", hostileLookup("b")).add("c.json", hostileLookup("c")).write(package);
+    ZipBuilder()
+        .add("a.json", hostileLookup("a"))
+        .add("b.json", hostileLookup("b"))
+        .add("c.json", hostileLookup("c"))
+        .write(package);
     const std::string bytes = readAll(package);
     const std::string endRecord = bytes.substr(bytes.size() - 22);
     const auto centralOffset = locateZipEntry(package, "a.json").centralHeaderOffset;
@@ -136,13 +141,11 @@ void truncatedCentralDirectory(const fs::path& package, bool keepEndRecord) {
 
 struct ZipCase {
     const char* name;
-    std::function<void(const fs::path&)> build;   // writes hostile.zip
-    std::set<std::string> loadedItems;             // item names that reach the product "hostile"
+    std::function<void(const fs::path&)> build; // writes hostile.zip
+    std::set<std::string> loadedItems;          // item names that reach the product "hostile"
 };
 
-void PrintTo(const ZipCase& zipCase, std::ostream* out) {
-    *out << zipCase.name;
-}
+void PrintTo(const ZipCase& zipCase, std::ostream* out) { *out << zipCase.name; }
 
 const ZipCase kCases[] = {
     {"declared_size_far_beyond_the_bound",
@@ -168,17 +171,25 @@ const ZipCase kCases[] = {
      {"kept"}},
     {"data_far_longer_than_declared",
      [](const fs::path& package) {
-         ZipBuilder().add("bomb.json", hostileLookup("bomb") + std::string(64 * kMiB, ' ')).add("kept.json", hostileLookup("kept")).write(package);
+         ZipBuilder()
+             .add("bomb.json", hostileLookup("bomb") + std::string(64 * kMiB, ' '))
+             .add("kept.json", hostileLookup("kept"))
+             .write(package);
          patchZipEntryUncompressedSize(package, "bomb.json", 100);
      },
      {"kept"}},
     {"encrypted_entry",
      [](const fs::path& package) {
-         ZipBuilder().addEncrypted("secret.json", hostileLookup("secret"), "password").add("kept.json", hostileLookup("kept")).write(package);
+         ZipBuilder()
+             .addEncrypted("secret.json", hostileLookup("secret"), "password")
+             .add("kept.json", hostileLookup("kept"))
+             .write(package);
      },
      {"kept"}},
     {"entries_sharing_their_data",
-     [](const fs::path& package) { writeAll(package, entriesSharingTheirData(96, hostileLookup("shared") + std::string(kMiB / 2, ' '))); },
+     [](const fs::path& package) {
+         writeAll(package, entriesSharingTheirData(96, hostileLookup("shared") + std::string(kMiB / 2, ' ')));
+     },
      {}},
     {"duplicate_entry_names",
      [](const fs::path& package) {
@@ -210,7 +221,9 @@ const ZipCase kCases[] = {
 class HostileZip : public HostileRoot, public ::testing::WithParamInterface<ZipCase> {};
 
 TEST_P(HostileZip, ReadsOnlyItsSoundEntriesWithinTheBound) {
-    ZipBuilder().add("sound.json", fileText(lookupDocument({"Sound", "SND", "sound"}, {{"s", "sound"}}))).write(lookupFolder() / "sound.zip");
+    ZipBuilder()
+        .add("sound.json", fileText(lookupDocument({"Sound", "SND", "sound"}, {{"s", "sound"}})))
+        .write(lookupFolder() / "sound.zip");
     // Files of the same names outside the package must not be what is read.
     root_.write("docCatalog/up.json", fileText(lookupDocument({"Outside", "OUT", "hostile"}, {{"outside", "x"}})));
     root_.write("abs/abs.json", fileText(lookupDocument({"Outside", "OUT", "hostile"}, {{"outside", "x"}})));
@@ -227,7 +240,8 @@ TEST_P(HostileZip, ReadsOnlyItsSoundEntriesWithinTheBound) {
         }
     }
     EXPECT_EQ(summarize(loaded.lookups.installedResources), installed);
-    EXPECT_EQ(summarize(loaded.lookups.uninstalledResources), (LookupSummary{{"sound", {"Sound", {{"s", {"sound"}}}}}}));
+    EXPECT_EQ(summarize(loaded.lookups.uninstalledResources),
+              (LookupSummary{{"sound", {"Sound", {{"s", {"sound"}}}}}}));
     EXPECT_EQ(loaded.controlPages, controlOnly_.controlPages);
     // Sound entries here are small: what a load allocates stays far below any bomb's size.
     EXPECT_LT(loaded.memory.peakGrowth, 4 * kMiB);

@@ -10,8 +10,8 @@
 // Either way no i_ document is a resource document, so each counts as absent, and an accepted
 // one, used as the value of a member the formats do not read, changes nothing.
 
-#include "docparser/parsing/RefItemFile.hpp"
 #include "docparser/parsing/LookupParser.hpp"
+#include "docparser/parsing/RefItemFile.hpp"
 
 #include "HostileRoot.hpp"
 
@@ -61,10 +61,14 @@ enum class Outcome { Parsed, FormatError, SyntaxError, OtherError };
 
 const char* describe(Outcome outcome) {
     switch (outcome) {
-    case Outcome::Parsed: return "parsed";
-    case Outcome::FormatError: return "refused by the format";
-    case Outcome::SyntaxError: return "refused as JSON";
-    case Outcome::OtherError: return "failed otherwise";
+    case Outcome::Parsed:
+        return "parsed";
+    case Outcome::FormatError:
+        return "refused by the format";
+    case Outcome::SyntaxError:
+        return "refused as JSON";
+    case Outcome::OtherError:
+        return "failed otherwise";
     }
     return "?";
 }
@@ -93,7 +97,8 @@ Outcome pageOutcome(const std::string& text) {
 // A document of the product `folder` that both formats accept, its item's purpose given as JSON
 // text and `extra` spliced in as further members of the document and of its item.
 std::string resourceDocument(const std::string& folder, std::string_view purposeJson, std::string_view extra = "") {
-    return std::string(R"({"productName":"A product","baseCode":"BC","helpFolder":")" + folder + R"(","helpLocation":"h",)")
+    return std::string(R"({"productName":"A product","baseCode":"BC","helpFolder":")" + folder +
+                       R"(","helpLocation":"h",)")
         .append(extra)
         .append(R"("refItems":[{"name":"probe","href":")" + folder + R"(/probe.html",)")
         .append(extra)
@@ -175,7 +180,8 @@ TEST_F(JsonConformance, AcceptedValuesInMembersNobodyReadsChangeNothing) {
                 continue;
             }
             ++embedded;
-            const Loaded loaded = loadAsFiles(resourceDocument("hostile", R"("p")", R"("unread":)" + document.text + ","));
+            const Loaded loaded =
+                loadAsFiles(resourceDocument("hostile", R"("p")", R"("unread":)" + document.text + ","));
             EXPECT_EQ(loaded.lookups, plain.lookups) << document.name;
             EXPECT_EQ(loaded.pages, plain.pages) << document.name;
         }
@@ -199,7 +205,8 @@ TEST_F(JsonConformance, AcceptedStringsReachTheRecordsIntact) {
             const std::string_view bytes = array->front().get_string();
             const auto open = document.text.find('[');
             const auto close = document.text.rfind(']');
-            const Loaded loaded = loadAsFiles(resourceDocument("hostile", document.text.substr(open + 1, close - open - 1)));
+            const Loaded loaded =
+                loadAsFiles(resourceDocument("hostile", document.text.substr(open + 1, close - open - 1)));
             const auto expected = reference::docparser::utf8ToUtf16(bytes);
             const auto& lookup = loaded.lookups.installedResources.at(u"hostile").getItems().at(u"probe");
             EXPECT_EQ(lookup.at(0).getPurpose(), expected) << document.name;

@@ -60,11 +60,10 @@ boost::json::object pageDocument(const Header& header, const std::vector<Entry>&
             {"href", page.key},
             {"refpurpose", page.purpose},
             {"refentity", boost::json::array{boost::json::object{{"type", "function"}, {"name", page.key}}}},
-            {"inputgroup",
-             boost::json::array{boost::json::object{
-                 {"title", "Inputs"},
-                 {"inputs", boost::json::array{boost::json::object{
-                                {"name", "x"}, {"purpose", "input"}, {"htmlid", "input_x"}}}}}}}});
+            {"inputgroup", boost::json::array{boost::json::object{
+                               {"title", "Inputs"},
+                               {"inputs", boost::json::array{boost::json::object{
+                                              {"name", "x"}, {"purpose", "input"}, {"htmlid", "input_x"}}}}}}}});
     }
     document["refItems"] = std::move(array);
     return document;
@@ -101,8 +100,8 @@ void writeSettingsProbeRoot(const TempDir& root, const std::string& tag) {
         .add("two.json", fileText(lookupDocument({"Two " + tag, "TWO", "two"}, {{"h", "h " + tag}})))
         .add("two_ja.json", fileText(lookupDocument({"ツー", "TWO", "two"}, {{"h", "エイチ"}})))
         .write(root.path() / lookup / "two.zip");
-    root.write(pages / "one.json",
-               fileText(pageDocument({"One " + tag, "ONE", "one"}, {{"one/p.html", "p " + tag}, {"one/r.html", "r " + tag}})));
+    root.write(pages / "one.json", fileText(pageDocument({"One " + tag, "ONE", "one"},
+                                                         {{"one/p.html", "p " + tag}, {"one/r.html", "r " + tag}})));
     root.write(pages / "one_ja.json", fileText(pageDocument({"ワン", "ONE", "one"}, {{"one/p.html", "ピー " + tag}})));
 }
 

@@ -25,14 +25,11 @@ inline boost::json::value rawString(std::string_view bytes) {
 }
 
 // One byte per code unit, for expectations written in ASCII.
-inline std::u16string widen(std::string_view ascii) {
-    return std::u16string(ascii.begin(), ascii.end());
-}
+inline std::u16string widen(std::string_view ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
 // A document: the four header keys plus "refItems" parsed from `itemsJson`.
 inline boost::json::object documentObject(std::string_view helpFolder, std::string_view baseCode,
-                                          std::string_view itemsJson = "[]",
-                                          std::string_view productName = "Product") {
+                                          std::string_view itemsJson = "[]", std::string_view productName = "Product") {
     boost::json::object document;
     document["productName"] = boost::json::string_view(productName.data(), productName.size());
     document["baseCode"] = boost::json::string_view(baseCode.data(), baseCode.size());
@@ -42,8 +39,6 @@ inline boost::json::object documentObject(std::string_view helpFolder, std::stri
     return document;
 }
 
-inline std::string toText(const boost::json::value& value) {
-    return boost::json::serialize(value);
-}
+inline std::string toText(const boost::json::value& value) { return boost::json::serialize(value); }
 
 } // namespace refdoc::test

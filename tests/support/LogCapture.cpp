@@ -16,8 +16,7 @@ struct LogCapture::State {
 
 namespace {
 
-class CollectingBackend
-    : public boost::log::sinks::basic_sink_backend<boost::log::sinks::concurrent_feeding> {
+class CollectingBackend : public boost::log::sinks::basic_sink_backend<boost::log::sinks::concurrent_feeding> {
 public:
     CollectingBackend(std::shared_ptr<LogCapture::State> state, std::string channel)
         : state_(std::move(state)), channel_(std::move(channel)) {}
@@ -43,8 +42,7 @@ using Sink = boost::log::sinks::synchronous_sink<CollectingBackend>;
 } // namespace
 
 LogCapture::LogCapture(std::uint32_t enabledSeverities, std::string channel)
-    : state_(std::make_shared<State>()),
-      previousMask_(reference::docparser::diagnosticLogger().enabledSeverities()) {
+    : state_(std::make_shared<State>()), previousMask_(reference::docparser::diagnosticLogger().enabledSeverities()) {
     auto sink = boost::make_shared<Sink>(boost::make_shared<CollectingBackend>(state_, std::move(channel)));
     boost::log::core::get()->add_sink(sink);
     sink_ = std::shared_ptr<void>(nullptr, [sink](void*) mutable {

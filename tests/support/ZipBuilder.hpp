@@ -59,7 +59,7 @@ void patchZipEntryCompressedSize(const std::filesystem::path& package, const std
                                  std::uint32_t size);
 
 // Overwrites `count` bytes of the entry's stored data, starting `offset` bytes into it, with 0xFF.
-void corruptZipEntryData(const std::filesystem::path& package, const std::string& entryName,
-                         std::uint64_t offset, std::uint64_t count);
+void corruptZipEntryData(const std::filesystem::path& package, const std::string& entryName, std::uint64_t offset,
+                         std::uint64_t count);
 
 } // namespace refdoc::test

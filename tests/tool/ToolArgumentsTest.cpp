@@ -70,10 +70,10 @@ TEST(ToolArguments, EveryCommandHasHelp) {
     for (const char* command : {"lookup", "page", "find", "check", "serve"}) {
         SCOPED_TRACE(command);
         EXPECT_TRUE(contains(overview.out, std::string("\n  ") + command + " ")) << overview.out;
-        for (const std::vector<std::string>& args : {std::vector<std::string>{command, "--help"},
-                                                     std::vector<std::string>{"help", command},
-                                                     // Help wins over arguments that are wrong.
-                                                     std::vector<std::string>{command, "--bogus", "-h"}}) {
+        for (const std::vector<std::string>& args :
+             {std::vector<std::string>{command, "--help"}, std::vector<std::string>{"help", command},
+              // Help wins over arguments that are wrong.
+              std::vector<std::string>{command, "--bogus", "-h"}}) {
             const ToolRun help = runTool(args);
             EXPECT_EQ(help.status, 0);
             EXPECT_TRUE(help.out.starts_with(std::string("Usage: refdoc ") + command)) << help.out;

@@ -45,8 +45,9 @@ std::string deepMissingHref() {
     for (int i = 0; i < 18; ++i) {
         items.push_back({"f" + std::to_string(i), "function " + std::to_string(i)});
     }
-    std::string text = fileText(lookupDocument({"Deep", "DP", "deep"}, {{"main", "main"}}),
-                                {lookupDocument({"P0", "p0", "p0"}, {{"a", "a"}}), lookupDocument({"P1", "p1", "p1"}, items)});
+    std::string text =
+        fileText(lookupDocument({"Deep", "DP", "deep"}, {{"main", "main"}}),
+                 {lookupDocument({"P0", "p0", "p0"}, {{"a", "a"}}), lookupDocument({"P1", "p1", "p1"}, items)});
     const std::string last = "\"href\":\"f17.html\",";
     return text.replace(text.find(last), last.size(), "");
 }
@@ -70,7 +71,8 @@ TEST(ToolCheck, ReportsEachDroppedFileWithTheLibrarysReason) {
     const Case cases[] = {
         {"JSON syntax error",
          [](const TempDir& root) {
-             root.write(kLookup / "syntax.json", "{\n  \"productName\": \"S\",\n  \"refItems\": [\n    {\"name\": \"x\",}\n  ]\n}");
+             root.write(kLookup / "syntax.json",
+                        "{\n  \"productName\": \"S\",\n  \"refItems\": [\n    {\"name\": \"x\",}\n  ]\n}");
          },
          "docCatalog/referenceapi_lookup/syntax.json", nullptr, "syntax error", "syntax error", nullptr, 4, 18,
          "JSON syntax error at line 4, column 18 (byte 57): syntax error"},

@@ -46,15 +46,17 @@ class ToolCommands : public ::testing::Test {
 protected:
     void SetUp() override {
         write(kLookup / "alpha.json",
-              fileText(lookupDocument({"Alpha", "AL", "alpha"},
-                                      {{"plot", "Plot data"}, {"plotter", "A plotting object"},
-                                       {"replot", "Plot again"}, {"Plot", "Plot class"}}),
+              fileText(lookupDocument({"Alpha", "AL", "alpha"}, {{"plot", "Plot data"},
+                                                                 {"plotter", "A plotting object"},
+                                                                 {"replot", "Plot again"},
+                                                                 {"Plot", "Plot class"}}),
                        {lookupDocument({"Alpha Support", "sp_a", "sp_a"}, {{"spread", "Spread out"}})}));
         write(kLookup / "alpha_ja.json",
               fileText(lookupDocument({"アルファ", "AL", "alpha"}, {{"plot", "データをプロット"}})));
         ZipBuilder()
             .add("beta.json", fileText(lookupDocument({"Beta", "BE", "beta"}, {{"Ärger", "Trouble", "aerger.html"}})))
-            .add("beta_ja.json", fileText(lookupDocument({"ベータ", "BE", "beta"}, {{"Ärger", "トラブル", "aerger.html"}})))
+            .add("beta_ja.json",
+                 fileText(lookupDocument({"ベータ", "BE", "beta"}, {{"Ärger", "トラブル", "aerger.html"}})))
             .write(root_.path() / kLookup / "beta.zip");
         write(kPages / "alpha.json", kFullPage);
         write(kPages / "alpha_ja.json",
@@ -78,8 +80,7 @@ TEST_F(ToolCommands, LookupListsEachProductKeyWithInstalledStateCountAndName) {
     EXPECT_TRUE(english.err.empty());
     EXPECT_EQ(linesWith(english.out, "alpha  "), std::vector<std::string>{"alpha  yes            4  Alpha"});
     EXPECT_EQ(linesWith(english.out, "beta  "), std::vector<std::string>{"beta   no             1  Beta"});
-    EXPECT_EQ(linesWith(english.out, "sp_a  "),
-              std::vector<std::string>{"sp_a   yes            1  Alpha Support"});
+    EXPECT_EQ(linesWith(english.out, "sp_a  "), std::vector<std::string>{"sp_a   yes            1  Alpha Support"});
     EXPECT_TRUE(contains(english.out, "3 products: 2 installed, 1 not installed"));
 
     // Japanese: the variants' product names win; nothing is installed without --installed.

@@ -93,9 +93,7 @@ public:
 inline ::testing::Environment* const kToolBuiltEnvironment =
     ::testing::AddGlobalTestEnvironment(new ToolBuiltEnvironment);
 
-inline bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
+inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 // The lines of `text` that contain `part`.
 inline std::vector<std::string> linesWith(const std::string& text, const std::string& part) {

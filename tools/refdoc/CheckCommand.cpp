@@ -35,9 +35,7 @@ using reference::docparser::WarningKind;
 
 using Identity = std::tuple<DiagnosticSource, std::u16string, std::u16string>;
 
-Identity identityOf(const FileDiagnostic& file) {
-    return {file.source, file.path, file.entry};
-}
+Identity identityOf(const FileDiagnostic& file) { return {file.source, file.path, file.entry}; }
 
 // Adds what one loading call recorded; a file read again by a later call (the English files
 // are read with every language) is kept once. The page loader names a translation
@@ -86,7 +84,8 @@ bool isAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
     if (text.size() < minimum || text.size() > maximum) {
         return false;
     }
-    return std::all_of(text.begin(), text.end(), [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
 }
 
 // The language code a stem seems to end with ("ja" in "optics_ja", "zh_CN" in "map_zh_CN"),
@@ -141,8 +140,8 @@ void addLocaleWarnings(Report& report, const HostSettings& settings) {
             continue;
         }
         const bool siblingExists = stemsByContainer[containerOf(d)].count(base) != 0;
-        const bool sameKey = std::find(d.documentKeys.begin(), d.documentKeys.end(), toUtf16(base)) !=
-                             d.documentKeys.end();
+        const bool sameKey =
+            std::find(d.documentKeys.begin(), d.documentKeys.end(), toUtf16(base)) != d.documentKeys.end();
         if (!siblingExists && !sameKey) {
             continue;
         }
@@ -252,9 +251,7 @@ std::string warningText(const reference::docparser::ParseWarning& warning) {
     return warning.text;
 }
 
-std::size_t warningCount(const CheckedFile& file) {
-    return file.diagnostic.warnings.size() + file.nameWarnings.size();
-}
+std::size_t warningCount(const CheckedFile& file) { return file.diagnostic.warnings.size() + file.nameWarnings.size(); }
 
 namespace {
 
@@ -273,7 +270,9 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
                 continue;
             }
             ++shown;
-            out << (d.dropped() ? "  DROPPED  " : warningCount(file) != 0 ? "  warning  " : "  ok       ")
+            out << (d.dropped()               ? "  DROPPED  "
+                    : warningCount(file) != 0 ? "  warning  "
+                                              : "  ok       ")
                 << fileLabel(d, settings.root);
             if (d.source == DiagnosticSource::Package) {
                 out << "  (package)";
@@ -385,8 +384,8 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
             object["kind"] = file.kind == DataKind::Lookup ? "lookup" : "page";
             auto& warningArray = object["warnings"].as_array();
             for (const auto& warning : file.nameWarnings) {
-                warningArray.push_back(boost::json::object{{"kind", warning.kind}, {"jsonPath", nullptr},
-                                                           {"text", warning.text}});
+                warningArray.push_back(
+                    boost::json::object{{"kind", warning.kind}, {"jsonPath", nullptr}, {"text", warning.text}});
             }
             files.push_back(std::move(entry));
         }
@@ -398,13 +397,14 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
         for (const auto& path : report.ignored) {
             ignored.push_back(boost::json::value(path));
         }
-        writeJson(out, boost::json::object{
-                           {"root", settings.root.string()},
-                           {"languages", std::move(languageArray)},
-                           {"files", std::move(files)},
-                           {"ignored", std::move(ignored)},
-                           {"summary", boost::json::object{{"read", read}, {"dropped", dropped}, {"warnings", warnings}}},
-                       });
+        writeJson(out,
+                  boost::json::object{
+                      {"root", settings.root.string()},
+                      {"languages", std::move(languageArray)},
+                      {"files", std::move(files)},
+                      {"ignored", std::move(ignored)},
+                      {"summary", boost::json::object{{"read", read}, {"dropped", dropped}, {"warnings", warnings}}},
+                  });
     } else {
         writeText(out, report, settings, args.has("--quiet"));
         out << "\nSummary: " << read << (read == 1 ? " file" : " files") << " read, " << dropped << " dropped, "
@@ -421,25 +421,24 @@ Command checkCommand() {
     addHostOptions(command.syntax);
     command.syntax.flags = {"--json", "--quiet"};
     command.summary = "read every lookup and page file and report each one the library would drop";
-    command.help =
-        "Usage: refdoc check [options]\n"
-        "\n"
-        "Reads every lookup file (loose and inside zip packages) and every page file under the\n"
-        "documentation root with the library's own loading code, once with each supported\n"
-        "language current, and reports every file the library drops with the exact reason:\n"
-        "the JSON syntax error with its line and column, the missing or mistyped member with\n"
-        "its JSON Pointer (e.g. /supportPackages/1/refItems/17/href), the package or entry that\n"
-        "cannot be read. It also warns about what is read only leniently: support-package keys\n"
-        "already taken in the same file, enumeration texts that fall back to their defaults,\n"
-        "files named for an unsupported language that are read as English, packages of which\n"
-        "no entry is read, and files in the data folders that are not data files.\n"
-        "\n"
-        "Exit status: 0 when no file is dropped, 1 when one is, 2 for a usage error.\n"
-        "\n"
-        "Options:\n"
-        "  --quiet                  list only files that are dropped or have warnings\n"
-        "  --json                   print the report as JSON\n" +
-        hostOptionsHelp();
+    command.help = "Usage: refdoc check [options]\n"
+                   "\n"
+                   "Reads every lookup file (loose and inside zip packages) and every page file under the\n"
+                   "documentation root with the library's own loading code, once with each supported\n"
+                   "language current, and reports every file the library drops with the exact reason:\n"
+                   "the JSON syntax error with its line and column, the missing or mistyped member with\n"
+                   "its JSON Pointer (e.g. /supportPackages/1/refItems/17/href), the package or entry that\n"
+                   "cannot be read. It also warns about what is read only leniently: support-package keys\n"
+                   "already taken in the same file, enumeration texts that fall back to their defaults,\n"
+                   "files named for an unsupported language that are read as English, packages of which\n"
+                   "no entry is read, and files in the data folders that are not data files.\n"
+                   "\n"
+                   "Exit status: 0 when no file is dropped, 1 when one is, 2 for a usage error.\n"
+                   "\n"
+                   "Options:\n"
+                   "  --quiet                  list only files that are dropped or have warnings\n"
+                   "  --json                   print the report as JSON\n" +
+                   hostOptionsHelp();
     command.run = run;
     return command;
 }

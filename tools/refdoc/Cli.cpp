@@ -10,9 +10,7 @@ namespace refdoc::tool {
 namespace {
 
 // CLI11 starts its messages about an option with the option's name ("--root: 1 required TEXT missing").
-std::string optionIn(const std::string& message) {
-    return message.substr(0, message.find(':'));
-}
+std::string optionIn(const std::string& message) { return message.substr(0, message.find(':')); }
 
 // What CLI11 rejects, in the words the tool has always used (its tests and users' scripts
 // match them). The message texts are those of CLI11 2.1, Debian 12's.

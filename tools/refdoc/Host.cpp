@@ -24,8 +24,8 @@ using reference::docparser::DocResourceParser;
 void checkLanguageCode(const std::string& code, const std::string& origin) {
     bool valid = !code.empty();
     for (const char c : code) {
-        valid = valid && ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-                          c == '-');
+        valid = valid &&
+                ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-');
     }
     if (!valid) {
         throw UsageError("invalid language code '" + code + "' in " + origin);

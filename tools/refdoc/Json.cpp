@@ -13,9 +13,7 @@ namespace json = boost::json;
 using namespace reference::property;
 using reference::docparser::DocResource;
 
-json::value text(const std::u16string& value) {
-    return json::value(toUtf8(value));
-}
+json::value text(const std::u16string& value) { return json::value(toUtf8(value)); }
 
 template <class Enumeration>
 json::value enumText(typename Enumeration::Value value) {
@@ -49,17 +47,13 @@ json::object objectInfo(const ObjectInfo& info) {
 }
 
 json::value item(const RefItemLookup& entry) {
-    return json::object{{"name", text(entry.getName())},
-                        {"type", enumText<RefEntityType>(entry.getEntityType())},
-                        {"purpose", text(entry.getPurpose())},
-                        {"deprecated", entry.isDeprecated()},
-                        {"href", text(entry.getHref())},
-                        {"fcntype", enumText<FunctionType>(entry.getFunctionType())}};
+    return json::object{
+        {"name", text(entry.getName())},       {"type", enumText<RefEntityType>(entry.getEntityType())},
+        {"purpose", text(entry.getPurpose())}, {"deprecated", entry.isDeprecated()},
+        {"href", text(entry.getHref())},       {"fcntype", enumText<FunctionType>(entry.getFunctionType())}};
 }
 
-json::value item(const RefItem& page) {
-    return toJson(page);
-}
+json::value item(const RefItem& page) { return toJson(page); }
 
 template <class T>
 json::value resources(const std::map<std::u16string, DocResource<T>>& map) {
@@ -113,13 +107,9 @@ void write(std::ostream& out, const json::value& value, int indent) {
 
 } // namespace
 
-json::value toJson(const reference::docparser::DocResourceParser::LookupResourceMap& map) {
-    return resources(map);
-}
+json::value toJson(const reference::docparser::DocResourceParser::LookupResourceMap& map) { return resources(map); }
 
-json::value toJson(const reference::docparser::DocResourceParser::RefItemFileMap& map) {
-    return resources(map);
-}
+json::value toJson(const reference::docparser::DocResourceParser::RefItemFileMap& map) { return resources(map); }
 
 json::value toJson(const RefItem& page) {
     json::array entities;

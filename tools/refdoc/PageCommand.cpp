@@ -163,8 +163,8 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
         return pages.empty() ? kExitProblem : kExitOk;
     }
     if (pages.empty()) {
-        err << "refdoc: no reference pages for '" << name << "' under " << settings.root.string()
-            << " (language " << settings.language << "); 'refdoc check' tells whether a file was dropped\n";
+        err << "refdoc: no reference pages for '" << name << "' under " << settings.root.string() << " (language "
+            << settings.language << "); 'refdoc check' tells whether a file was dropped\n";
         return kExitProblem;
     }
     for (const auto& [key, resource] : pages) {
@@ -172,8 +172,8 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
         for (const auto& entry : resource.getItems()) {
             count += entry.second.size();
         }
-        out << "══ " << toUtf8(resource.getHeader().getProductName()) << "  [" << toUtf8(key) << "]  "
-            << count << (count == 1 ? " page" : " pages") << ", help in " << toUtf8(resource.getHeader().getHelpLocation())
+        out << "══ " << toUtf8(resource.getHeader().getProductName()) << "  [" << toUtf8(key) << "]  " << count
+            << (count == 1 ? " page" : " pages") << ", help in " << toUtf8(resource.getHeader().getHelpLocation())
             << "\n\n";
         for (const auto& entry : resource.getItems()) {
             for (const auto& page : entry.second) {

@@ -120,9 +120,7 @@ void count(View& view, const ParseDiagnosticsScope& scope) {
     }
 }
 
-std::string langQuery(const std::string& language) {
-    return "lang=" + html::encodeUrl(language, false);
-}
+std::string langQuery(const std::string& language) { return "lang=" + html::encodeUrl(language, false); }
 
 std::string refUrl(const html::PageRef& ref, const std::string& language) {
     return "/ref/" + html::encodeUrl(ref.path, true) + "?" + langQuery(language) +
@@ -396,9 +394,7 @@ std::string dataLink(PageContext& context, const std::string& url, const std::st
     return "<span class=\"unlinked\">" + escape(label) + "</span>";
 }
 
-std::string enumText(std::string_view text) {
-    return escape(std::string(text));
-}
+std::string enumText(std::string_view text) { return escape(std::string(text)); }
 
 void renderArgument(std::string& out, const ObjectInfo& info, std::vector<std::string> details = {},
                     const std::u16string& defaultValue = {}) {

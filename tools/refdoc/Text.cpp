@@ -22,13 +22,9 @@ bool isCombining(char32_t c) {
 
 } // namespace
 
-std::string toUtf8(std::u16string_view text) {
-    return reference::docparser::utf16ToUtf8(text);
-}
+std::string toUtf8(std::u16string_view text) { return reference::docparser::utf16ToUtf8(text); }
 
-std::u16string toUtf16(std::string_view text) {
-    return reference::docparser::utf8ToUtf16(text);
-}
+std::u16string toUtf16(std::string_view text) { return reference::docparser::utf8ToUtf16(text); }
 
 std::u32string foldCase(std::u16string_view text) {
     std::u32string out;

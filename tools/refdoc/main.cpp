@@ -55,7 +55,8 @@ void printOverview(std::ostream& out, const std::vector<Command>& commands) {
            "\n"
            "Commands:\n";
     for (const auto& command : commands) {
-        out << "  " << command.syntax.name << std::string(8 - command.syntax.name.size(), ' ') << command.summary << '\n';
+        out << "  " << command.syntax.name << std::string(8 - command.syntax.name.size(), ' ') << command.summary
+            << '\n';
     }
     out << "\n'refdoc COMMAND --help' describes a command and its options. With no --root the\n"
            "commands read the bundled sample documentation root.\n";

@@ -44,7 +44,7 @@ concept MergeableResource = std::same_as<T, DocResource<property::RefItemLookup>
 // The enumerations of reference::property that JSON fields are read into.
 template <class T>
 concept PropertyEnumeration = std::same_as<T, property::RefEntityType> || std::same_as<T, property::FunctionType> ||
-                              std::same_as<T, property::SyntaxType> || std::same_as<T, property::DeprecationStatus>;
+    std::same_as<T, property::SyntaxType> || std::same_as<T, property::DeprecationStatus>;
 
 // What one run of the multi-product pipeline needs: the caller's parser and installed-product
 // test (used by reference, so they must outlive the run), the supported locale suffixes
@@ -106,10 +106,10 @@ public:
 
         static const std::u16string kEnglishLocale; // "en"
         static constexpr char16_t kLocaleSeparator = u'_';
-        static const std::u16string kJsonExt;       // "json"
-        static const std::u16string kZipExt;        // "zip"
-        static const std::u16string kDotJsonExt;    // ".json"
-        static const std::u16string kDotZipExt;     // ".zip"
+        static const std::u16string kJsonExt;    // "json"
+        static const std::u16string kZipExt;     // "zip"
+        static const std::u16string kDotJsonExt; // ".json"
+        static const std::u16string kDotZipExt;  // ".zip"
 
         // Field access. Required strings throw DocParserException when missing; every accessor
         // throws DocParserException when a member has the wrong JSON kind.
@@ -131,15 +131,15 @@ public:
 
         // The multi-product pipeline over one data folder.
         template <PipelineResourceMap T>
-        static ParsingResults<T> parseMultipleProductFiles(const std::u16string& folder,
-                                                           const typename ParsingInfo<T>::JsonParsingFcn& jsonParsingFcn,
-                                                           const typename ParsingInfo<T>::IsInstalledFcn& isInstalledFcn);
+        static ParsingResults<T>
+        parseMultipleProductFiles(const std::u16string& folder,
+                                  const typename ParsingInfo<T>::JsonParsingFcn& jsonParsingFcn,
+                                  const typename ParsingInfo<T>::IsInstalledFcn& isInstalledFcn);
         template <PipelineResourceMap T>
         static ParsingResults<T> readZipFiles(const std::vector<ProductPathData>& zipPackages,
                                               const ParsingInfo<T>& info);
         template <PipelineResourceMap T, PipelineFileRecord D>
-        static void readJsonFiles(const std::vector<D>& files, const ParsingInfo<T>& info,
-                                  ParsingResults<T>& results);
+        static void readJsonFiles(const std::vector<D>& files, const ParsingInfo<T>& info, ParsingResults<T>& results);
 
         // Combines two resources delivered under the same key; `source` is left unspecified.
         template <MergeableResource T>

@@ -13,8 +13,7 @@ namespace reference::property {
 // One input argument of a page.
 class REFDOC_API Input {
 public:
-    Input(ObjectInfo info, SyntaxType::Value syntaxType, std::u16string defaultValue,
-          bool isNameValuePair) noexcept;
+    Input(ObjectInfo info, SyntaxType::Value syntaxType, std::u16string defaultValue, bool isNameValuePair) noexcept;
 
     Input(const Input&) = default;
     Input(Input&&) noexcept = default;

@@ -22,11 +22,10 @@ namespace reference::property {
 // first, the strings, then the entities and the href.
 class REFDOC_API RefItem {
 public:
-    RefItem(std::u16string href, std::vector<RefEntity> entities, std::u16string packageName,
-            std::u16string purpose, std::u16string introduced, std::u16string description,
-            std::u16string thumbnailFileRef, std::u16string thumbnailAltText,
-            DeprecationStatus::Value deprecationStatus, std::vector<SyntaxGroup> syntaxGroups,
-            std::vector<InputGroup> inputGroups, std::vector<Output> outputs,
+    RefItem(std::u16string href, std::vector<RefEntity> entities, std::u16string packageName, std::u16string purpose,
+            std::u16string introduced, std::u16string description, std::u16string thumbnailFileRef,
+            std::u16string thumbnailAltText, DeprecationStatus::Value deprecationStatus,
+            std::vector<SyntaxGroup> syntaxGroups, std::vector<InputGroup> inputGroups, std::vector<Output> outputs,
             std::vector<ClassPropertyGroup> classPropertyGroups, std::vector<SeeAlso> seeAlso,
             std::vector<Example> examples, std::vector<Parameter> parameters) noexcept;
 

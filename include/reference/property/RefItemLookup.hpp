@@ -11,8 +11,8 @@ namespace reference::property {
 // One entry of a product's lookup index.
 class REFDOC_API RefItemLookup {
 public:
-    RefItemLookup(std::u16string name, RefEntityType::Value entityType, std::u16string purpose,
-                  bool deprecated, std::u16string href, FunctionType::Value functionType) noexcept;
+    RefItemLookup(std::u16string name, RefEntityType::Value entityType, std::u16string purpose, bool deprecated,
+                  std::u16string href, FunctionType::Value functionType) noexcept;
 
     RefItemLookup(const RefItemLookup&) = default;
     RefItemLookup(RefItemLookup&&) noexcept = default;

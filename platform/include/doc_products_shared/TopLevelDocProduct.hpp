@@ -13,9 +13,8 @@ class REFDOC_PLATFORM_API DocProduct {
 public:
     using StringPairList = std::vector<std::pair<std::string, std::string>>;
 
-    DocProduct(std::string shortName, std::string displayName, std::string helpLocation,
-               std::string baseCode, std::string altShortName, std::string availability,
-               StringPairList attributes = {});
+    DocProduct(std::string shortName, std::string displayName, std::string helpLocation, std::string baseCode,
+               std::string altShortName, std::string availability, StringPairList attributes = {});
     virtual ~DocProduct();
 
     DocProduct(const DocProduct&) = default;

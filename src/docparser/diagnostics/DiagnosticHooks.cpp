@@ -176,9 +176,8 @@ void recordFileDropped(Recorder& recorder, const ProductZipData& file, ExplainEm
 
 void recordPageFileDropped(Recorder& recorder, const std::u16string& path, ExplainEmptyText explainEmpty) noexcept {
     try {
-        FileDiagnostic* record = recorder.lastRecord([&path](const FileDiagnostic& candidate) {
-            return sameFile(candidate, DiagnosticSource::PageFile, path);
-        });
+        FileDiagnostic* record = recorder.lastRecord(
+            [&path](const FileDiagnostic& candidate) { return sameFile(candidate, DiagnosticSource::PageFile, path); });
         if (record != nullptr) {
             completeDrop(*record, recorder.textWasEmpty(), explainEmpty);
         }
@@ -194,9 +193,7 @@ void recordDocumentKey(Recorder& recorder, const std::u16string& key) noexcept {
     }
 }
 
-void recordFileEnd(Recorder& recorder) noexcept {
-    recorder.end();
-}
+void recordFileEnd(Recorder& recorder) noexcept { recorder.end(); }
 
 void recordReadFailure(Recorder& recorder, detail::ReadFailure failure, std::string_view key,
                        const void* node) noexcept {
@@ -263,12 +260,8 @@ void recordDocumentKeyTaken(Recorder& recorder, const boost::json::value& docume
     }
 }
 
-void recordWatchBegin(Recorder& recorder, const boost::json::value& root) noexcept {
-    recorder.watch(root);
-}
+void recordWatchBegin(Recorder& recorder, const boost::json::value& root) noexcept { recorder.watch(root); }
 
-void recordWatchEnd(Recorder& recorder) noexcept {
-    recorder.unwatch();
-}
+void recordWatchEnd(Recorder& recorder) noexcept { recorder.unwatch(); }
 
 } // namespace reference::docparser::diagnostics

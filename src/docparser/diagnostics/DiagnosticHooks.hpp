@@ -37,9 +37,7 @@ namespace diagnostics {
 // The active scope's recorder on this thread; null when there is none.
 extern constinit thread_local Recorder* tActiveRecorder;
 
-inline Recorder* activeRecorder() noexcept {
-    return tActiveRecorder;
-}
+inline Recorder* activeRecorder() noexcept { return tActiveRecorder; }
 
 // Why a reader gave no text for a file, which only the reader can tell: the file or entry
 // reader returns "" alike for a missing, unreadable, oversized and empty file.
@@ -79,8 +77,7 @@ void recordFileEnd(Recorder& recorder) noexcept;
 void recordReadFailure(Recorder& recorder, detail::ReadFailure failure, std::string_view key,
                        const void* node) noexcept;
 void recordUnknownEnumText(Recorder& recorder, const boost::json::value& member, std::string_view text) noexcept;
-void recordDocumentKeyTaken(Recorder& recorder, const boost::json::value& document,
-                            const std::u16string& key) noexcept;
+void recordDocumentKeyTaken(Recorder& recorder, const boost::json::value& document, const std::u16string& key) noexcept;
 void recordWatchBegin(Recorder& recorder, const boost::json::value& root) noexcept;
 void recordWatchEnd(Recorder& recorder) noexcept;
 

@@ -8,8 +8,6 @@ foundation::log::basic_diagnostic_logger<char> theLogger("referenceApi::docparse
 
 } // namespace
 
-foundation::log::basic_diagnostic_logger<char>& diagnosticLogger() noexcept {
-    return theLogger;
-}
+foundation::log::basic_diagnostic_logger<char>& diagnosticLogger() noexcept { return theLogger; }
 
 } // namespace reference::docparser

@@ -9,12 +9,8 @@ const boost::exception_detail::clone_base* DocParserException::clone() const {
     return new DocParserException(*this);
 }
 
-void DocParserException::rethrow() const {
-    throw *this;
-}
+void DocParserException::rethrow() const { throw *this; }
 
-const char* DocParserException::what() const noexcept {
-    return "resource::docparser::DocParserException";
-}
+const char* DocParserException::what() const noexcept { return "resource::docparser::DocParserException"; }
 
 } // namespace reference::docparser

@@ -19,9 +19,7 @@ ParseDiagnosticsScope::~ParseDiagnosticsScope() {
     }
 }
 
-const std::vector<FileDiagnostic>& ParseDiagnosticsScope::files() const noexcept {
-    return recorder_->files;
-}
+const std::vector<FileDiagnostic>& ParseDiagnosticsScope::files() const noexcept { return recorder_->files; }
 
 std::vector<FileDiagnostic> ParseDiagnosticsScope::takeFiles() noexcept {
     std::vector<FileDiagnostic> taken = std::move(recorder_->files);

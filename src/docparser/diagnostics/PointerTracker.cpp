@@ -66,8 +66,8 @@ void resolve(const Pending& pending, const std::string& pointer, const boost::js
 
 } // namespace
 
-void PointerTracker::walk(const boost::json::value& value, std::string& pointer, Wanted& wanted,
-                          std::size_t& remaining, std::vector<FileDiagnostic>& files) {
+void PointerTracker::walk(const boost::json::value& value, std::string& pointer, Wanted& wanted, std::size_t& remaining,
+                          std::vector<FileDiagnostic>& files) {
     if (remaining == 0) {
         return;
     }

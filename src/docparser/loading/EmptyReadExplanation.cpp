@@ -32,9 +32,7 @@ DropExplanation explainEmptyRead(const std::u16string& path, bool missingIsAbsen
     return {DropReason::Unreadable, "the file cannot be read"};
 }
 
-DropExplanation explainEmptyRead(const ProductPathData& file) {
-    return explainEmptyRead(file.getFullPath(), false);
-}
+DropExplanation explainEmptyRead(const ProductPathData& file) { return explainEmptyRead(file.getFullPath(), false); }
 
 DropExplanation explainEmptyRead(const ProductZipData& file) {
     try {

@@ -21,17 +21,11 @@ std::filesystem::path toNativePath(std::u16string_view path) {
     return std::filesystem::path(text::utf16ToUtf8(path));
 }
 
-FileNameParts<char> splitFileName(std::string_view fileName) noexcept {
-    return split(fileName);
-}
+FileNameParts<char> splitFileName(std::string_view fileName) noexcept { return split(fileName); }
 
-FileNameParts<char16_t> splitFileName(std::u16string_view fileName) noexcept {
-    return split(fileName);
-}
+FileNameParts<char16_t> splitFileName(std::u16string_view fileName) noexcept { return split(fileName); }
 
-bool isValidUtf8Name(std::string_view bytes) {
-    return text::utf16ToUtf8(text::utf8ToUtf16(bytes)) == bytes;
-}
+bool isValidUtf8Name(std::string_view bytes) { return text::utf16ToUtf8(text::utf8ToUtf16(bytes)) == bytes; }
 
 bool equalsAscii(std::string_view narrow, std::u16string_view wide) noexcept {
     if (narrow.size() != wide.size()) {

@@ -48,8 +48,9 @@ DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::parseMulti
 }
 
 template <PipelineResourceMap T>
-DocResourceParser::ParsingResults<T> DocResourceParser::ParsingTools::readZipFiles(
-    const std::vector<ProductPathData>& zipPackages, const ParsingInfo<T>& info) {
+DocResourceParser::ParsingResults<T>
+DocResourceParser::ParsingTools::readZipFiles(const std::vector<ProductPathData>& zipPackages,
+                                              const ParsingInfo<T>& info) {
     ParsingResults<T> results;
     for (const auto& packageFile : zipPackages) {
         diagnostics::packageBegin(packageFile);
@@ -102,8 +103,8 @@ void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files,
             diagnostics::fileParsed(parsed);
             for (auto it = parsed.begin(); it != parsed.end();) {
                 const auto current = it++;
-                T& target = info.isInstalledFcn(current->first) ? results.installedResources
-                                                                : results.uninstalledResources;
+                T& target =
+                    info.isInstalledFcn(current->first) ? results.installedResources : results.uninstalledResources;
                 const auto position = target.lower_bound(current->first);
                 if (position != target.end() && position->first == current->first) {
                     mergeResourceFiles(position->second, std::move(current->second), sourceTakesPrecedence);
@@ -122,10 +123,13 @@ void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files,
 
 using LookupMap = DocResourceParser::LookupResourceMap;
 
-template DocResourceParser::ParsingResults<LookupMap> DocResourceParser::ParsingTools::parseMultipleProductFiles<LookupMap>(
-    const std::u16string&, const ParsingInfo<LookupMap>::JsonParsingFcn&, const ParsingInfo<LookupMap>::IsInstalledFcn&);
-template DocResourceParser::ParsingResults<LookupMap> DocResourceParser::ParsingTools::readZipFiles<LookupMap>(
-    const std::vector<ProductPathData>&, const ParsingInfo<LookupMap>&);
+template DocResourceParser::ParsingResults<LookupMap>
+DocResourceParser::ParsingTools::parseMultipleProductFiles<LookupMap>(const std::u16string&,
+                                                                      const ParsingInfo<LookupMap>::JsonParsingFcn&,
+                                                                      const ParsingInfo<LookupMap>::IsInstalledFcn&);
+template DocResourceParser::ParsingResults<LookupMap>
+DocResourceParser::ParsingTools::readZipFiles<LookupMap>(const std::vector<ProductPathData>&,
+                                                         const ParsingInfo<LookupMap>&);
 template void DocResourceParser::ParsingTools::readJsonFiles<LookupMap, ProductPathData>(
     const std::vector<ProductPathData>&, const ParsingInfo<LookupMap>&, ParsingResults<LookupMap>&);
 template void DocResourceParser::ParsingTools::readJsonFiles<LookupMap, ProductZipData>(

@@ -10,8 +10,7 @@ ProductData::ProductData(std::u16string name, bool isNonEnglishLocale)
 ProductPathData::ProductPathData(std::u16string name, bool isNonEnglishLocale, std::u16string fullPath)
     : ProductData(std::move(name), isNonEnglishLocale), fullPath_(std::move(fullPath)) {}
 
-ProductZipData::ProductZipData(std::u16string name, bool isNonEnglishLocale, const ZipEntry& entry,
-                               ZipPackage& package)
+ProductZipData::ProductZipData(std::u16string name, bool isNonEnglishLocale, const ZipEntry& entry, ZipPackage& package)
     : ProductData(std::move(name), isNonEnglishLocale), entry_(entry), package_(&package) {}
 
 } // namespace reference::docparser

@@ -77,7 +77,8 @@ SupportPackageSet loadedSupportPackages() {
 
 } // namespace
 
-DocResourceParser::ReferenceRoots::ReferenceRoots() : ReferenceRoots(doc_products_shared::Docroot::getInstance().getDocDataRoot()) {}
+DocResourceParser::ReferenceRoots::ReferenceRoots()
+    : ReferenceRoots(doc_products_shared::Docroot::getInstance().getDocDataRoot()) {}
 
 // Plain concatenation on purpose: the root is taken as given, a trailing separator included.
 DocResourceParser::ReferenceRoots::ReferenceRoots(std::u16string root)

@@ -60,9 +60,7 @@ using ZipFile = std::unique_ptr<zip_file_t, FileCloser>;
 }
 
 // Zip names use '/', but some writers store '\'; either ends a folder part.
-bool isSeparator(char c) noexcept {
-    return c == '/' || c == '\\';
-}
+bool isSeparator(char c) noexcept { return c == '/' || c == '\\'; }
 
 // The end-of-central-directory record: its signature, where it keeps the central directory's size
 // and offset, and its length before the trailing comment, whose length it states last.
@@ -92,7 +90,8 @@ std::uint64_t leadingStubSize(const std::string& nativePath, std::uint64_t fileS
         !file.read(tail.data(), static_cast<std::streamsize>(tail.size()))) {
         return 0;
     }
-    for (std::size_t at = tail.rfind(kEndRecordSignature); at != std::string::npos && at + kEndRecordSize <= tail.size();
+    for (std::size_t at = tail.rfind(kEndRecordSignature);
+         at != std::string::npos && at + kEndRecordSize <= tail.size();
          at = at == 0 ? std::string::npos : tail.rfind(kEndRecordSignature, at - 1)) {
         if (littleEndian(tail, at + kCommentLengthAt, 2) != tail.size() - at - kEndRecordSize) {
             continue; // the signature's bytes inside the comment
@@ -138,9 +137,9 @@ zip_t* openArchive(const std::string& nativePath, std::uint64_t& archiveSize) {
     const int stubError = zip_error_code_zip(&error);
     zip_error_fini(&error);
     if (handle == nullptr) {
-        throw ZipError("cannot open zip package '" + nativePath + "': " + std::to_string(stub) +
-                       " bytes in front of the archive, and the archive after them is unreadable: " +
-                       libzipMessage(stubError));
+        throw ZipError(
+            "cannot open zip package '" + nativePath + "': " + std::to_string(stub) +
+            " bytes in front of the archive, and the archive after them is unreadable: " + libzipMessage(stubError));
     }
     archiveSize = fileSize - stub;
     return handle;
@@ -170,7 +169,8 @@ ZipPackage::ZipPackage(const std::u16string& path, ZipLimits limits) : limits_(l
     std::unordered_set<std::string_view> names;
     names.reserve(static_cast<std::size_t>(entryCount_));
     for (std::uint64_t index = 0; index < entryCount_; ++index) {
-        if (const char* name = zip_get_name(handle, index, ZIP_FL_ENC_RAW); name != nullptr && !names.insert(name).second) {
+        if (const char* name = zip_get_name(handle, index, ZIP_FL_ENC_RAW);
+            name != nullptr && !names.insert(name).second) {
             throw ZipError("zip package '" + nativePath + "' has two entries named '" + name + "'");
         }
         zip_stat_t stat;

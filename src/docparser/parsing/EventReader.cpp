@@ -66,9 +66,7 @@ std::uint32_t requiredBits(std::span<const MemberRule> members) noexcept {
 
 } // namespace detail
 
-void Reader::discardCurrent() noexcept {
-    discardRequested_ = true;
-}
+void Reader::discardCurrent() noexcept { discardRequested_ = true; }
 
 namespace {
 

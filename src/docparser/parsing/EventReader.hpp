@@ -179,8 +179,9 @@ MemberRule text(std::string_view key, bool required) {
 template <auto Store>
 MemberRule storedText(std::string_view key, bool required) {
     using Draft = typename detail::StoreOf<decltype(Store)>::DraftType;
-    return {key, Shape::String, required,
-            [](void* draft, std::string_view bytes, Reader& reader) { Store(*static_cast<Draft*>(draft), bytes, reader); }};
+    return {key, Shape::String, required, [](void* draft, std::string_view bytes, Reader& reader) {
+                Store(*static_cast<Draft*>(draft), bytes, reader);
+            }};
 }
 
 // An enumeration member: its raw bytes matched against E's spellings; an unknown text keeps the
@@ -197,8 +198,7 @@ MemberRule enumeration(std::string_view key) {
 template <auto Field, auto Convert>
 MemberRule textList(std::string_view key, bool required) {
     using Draft = typename detail::FieldOf<decltype(Field)>::DraftType;
-    return {key, Shape::StringArray, required,
-            [](void* draft, std::string_view bytes, Reader&) {
+    return {key, Shape::StringArray, required, [](void* draft, std::string_view bytes, Reader&) {
                 (static_cast<Draft*>(draft)->*Field).push_back(Convert(bytes));
             }};
 }
@@ -242,7 +242,7 @@ ObjectFormat objectFormat(std::span<const MemberRule> members) {
             detail::requiredBits(members),
             [](void* storage, void* parent) { new (storage) Draft(static_cast<Parent*>(parent)); },
             [](void* draft, void* parent) {
-                if constexpr (requires(Draft& d, Parent* p) { d.reset(p); }) {
+                if constexpr (requires(Draft & d, Parent * p) { d.reset(p); }) {
                     static_cast<Draft*>(draft)->reset(static_cast<Parent*>(parent));
                 } else {
                     *static_cast<Draft*>(draft) = Draft(static_cast<Parent*>(parent));

@@ -37,8 +37,7 @@ std::u16string Tools::getFluString(const boost::json::value& value, StringParsin
     return detail::toUtf16(detail::asStringBytes(value), type);
 }
 
-std::u16string Tools::getFluString(const boost::json::object& object, const std::string& key,
-                                   StringParsingType type) {
+std::u16string Tools::getFluString(const boost::json::object& object, const std::string& key, StringParsingType type) {
     return detail::requireString(object, key, type);
 }
 
@@ -47,9 +46,7 @@ std::u16string Tools::getFluStringWithFallback(const boost::json::object& object
     return detail::optionalString(object, key, type);
 }
 
-const boost::json::array& Tools::getJsonArray(const boost::json::value& value) {
-    return detail::asArray(value);
-}
+const boost::json::array& Tools::getJsonArray(const boost::json::value& value) { return detail::asArray(value); }
 
 const boost::json::array& Tools::getJsonArray(const boost::json::value& value, const std::string& key) {
     return detail::requireArray(detail::asObject(value), key);
@@ -60,12 +57,12 @@ typename T::Value Tools::getEnumFromJson(const boost::json::object& object, cons
     return detail::readEnum<T>(object, key);
 }
 
-template property::RefEntityType::Value
-Tools::getEnumFromJson<property::RefEntityType>(const boost::json::object&, const std::string&);
-template property::FunctionType::Value
-Tools::getEnumFromJson<property::FunctionType>(const boost::json::object&, const std::string&);
-template property::SyntaxType::Value
-Tools::getEnumFromJson<property::SyntaxType>(const boost::json::object&, const std::string&);
+template property::RefEntityType::Value Tools::getEnumFromJson<property::RefEntityType>(const boost::json::object&,
+                                                                                        const std::string&);
+template property::FunctionType::Value Tools::getEnumFromJson<property::FunctionType>(const boost::json::object&,
+                                                                                      const std::string&);
+template property::SyntaxType::Value Tools::getEnumFromJson<property::SyntaxType>(const boost::json::object&,
+                                                                                  const std::string&);
 template property::DeprecationStatus::Value
 Tools::getEnumFromJson<property::DeprecationStatus>(const boost::json::object&, const std::string&);
 

@@ -116,9 +116,7 @@ public:
 
 private:
     static constexpr std::size_t kBuckets = 32; // keys of 31 bytes or more share the last bucket
-    static bool sameKey(std::string_view wanted, std::string_view key) noexcept {
-        return text::sameBytes(wanted, key);
-    }
+    static bool sameKey(std::string_view wanted, std::string_view key) noexcept { return text::sameBytes(wanted, key); }
     static constexpr std::size_t bucket(std::size_t length) noexcept {
         return length < kBuckets ? length : kBuckets - 1;
     }
@@ -140,12 +138,8 @@ inline std::u16string toUtf16(std::string_view bytes, StringParsingType type) {
 }
 
 // The two readings of a text field, as functions for the streaming formats' tables.
-inline std::u16string asciiField(std::string_view bytes) {
-    return toUtf16(bytes, StringParsingType::Ascii);
-}
-inline std::u16string utf8Field(std::string_view bytes) {
-    return toUtf16(bytes, StringParsingType::Utf8);
-}
+inline std::u16string asciiField(std::string_view bytes) { return toUtf16(bytes, StringParsingType::Ascii); }
+inline std::u16string utf8Field(std::string_view bytes) { return toUtf16(bytes, StringParsingType::Utf8); }
 
 // The readers below take either the object and the key, or the member already found (nullptr
 // when absent) and its key, which names it when the read fails.
@@ -154,8 +148,7 @@ inline std::u16string requireString(FoundMember member, std::string_view key, St
     return toUtf16(asStringBytes(requireMember(member, key), key), type);
 }
 
-inline std::u16string requireString(const boost::json::object& object, std::string_view key,
-                                    StringParsingType type) {
+inline std::u16string requireString(const boost::json::object& object, std::string_view key, StringParsingType type) {
     return requireString(FoundMember{object.if_contains(key), &object}, key, type);
 }
 
@@ -166,8 +159,7 @@ inline std::u16string optionalString(const boost::json::value* member, std::stri
     return {};
 }
 
-inline std::u16string optionalString(const boost::json::object& object, std::string_view key,
-                                     StringParsingType type) {
+inline std::u16string optionalString(const boost::json::object& object, std::string_view key, StringParsingType type) {
     return optionalString(object.if_contains(key), key, type);
 }
 

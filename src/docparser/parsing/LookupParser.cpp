@@ -157,8 +157,8 @@ struct LookupDocumentDraft {
         auto& waiting = scratch.lookupEntries;
         if (sorted) {
             const std::u16string* previous = waiting.size() > firstEntry ? &waiting.back().getName()
-                                             : items.empty()              ? nullptr
-                                                                          : &items.rbegin()->first;
+                                             : items.empty()             ? nullptr
+                                                                         : &items.rbegin()->first;
             const int order = previous == nullptr ? -1 : text::compareText(*previous, entry.getName());
             if (order != 0) {
                 fileRun();
@@ -284,8 +284,8 @@ const ev::ObjectFormat kPackage = ev::objectFormat<closePackage>(kPackageMembers
 // The main document: a package document's members, and the packages (one level only: a package's
 // own "supportPackages" is not read).
 const ev::MemberRule kMainMembers[] = {
-    kPackageMembers[0], kPackageMembers[1], kPackageMembers[2], kPackageMembers[3], kPackageMembers[4],
-    ev::objects(keys::kSupportPackages, false, kPackage),
+    kPackageMembers[0], kPackageMembers[1], kPackageMembers[2],
+    kPackageMembers[3], kPackageMembers[4], ev::objects(keys::kSupportPackages, false, kPackage),
 };
 const ev::ObjectFormat kMain = ev::objectFormat<closeMain>(kMainMembers);
 
@@ -304,8 +304,6 @@ DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
     return parseLookupFileTree(text);
 }
 
-DocResourceParser::LookupResourceMap lookupFileParser(const std::string& text) {
-    return parseLookupFile(text);
-}
+DocResourceParser::LookupResourceMap lookupFileParser(const std::string& text) { return parseLookupFile(text); }
 
 } // namespace reference::docparser

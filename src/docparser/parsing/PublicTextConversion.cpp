@@ -7,13 +7,9 @@
 
 namespace reference::docparser {
 
-std::u16string utf8ToUtf16(std::string_view text) {
-    return text::utf8ToUtf16(text);
-}
+std::u16string utf8ToUtf16(std::string_view text) { return text::utf8ToUtf16(text); }
 
-std::string utf16ToUtf8(std::u16string_view text) {
-    return text::utf16ToUtf8(text);
-}
+std::string utf16ToUtf8(std::u16string_view text) { return text::utf16ToUtf8(text); }
 
 std::u32string utf16ToUtf32(std::u16string_view text) {
     std::u32string out;

@@ -25,7 +25,8 @@ RefItemFileMap parseRefItemFileTree(const std::string& text, const RefItemFileMa
     const boost::json::value root = parseResourceText(text, &arena);
     const diagnostics::WatchedDocument watch(root);
 
-    const auto replacedPages = [replacement](const std::u16string& key) -> const DocResource<property::RefItem>::ItemMap* {
+    const auto replacedPages =
+        [replacement](const std::u16string& key) -> const DocResource<property::RefItem>::ItemMap* {
         if (replacement == nullptr) {
             return nullptr;
         }
@@ -40,10 +41,11 @@ RefItemFileMap parseRefItemFileTree(const std::string& text, const RefItemFileMa
 
     if (const auto* packages = detail::optionalArray(detail::asObject(root), keys::kSupportPackages)) {
         for (const auto& document : *packages) {
-            DocResource<property::RefItem> package = parseRefItemDocument(document, [&](const property::HeaderInfo& header) {
-                const std::u16string key = header.getBaseCode();
-                return PageSelection{result.contains(key), replacedPages(key)};
-            });
+            DocResource<property::RefItem> package =
+                parseRefItemDocument(document, [&](const property::HeaderInfo& header) {
+                    const std::u16string key = header.getBaseCode();
+                    return PageSelection{result.contains(key), replacedPages(key)};
+                });
             if (!result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {
                 diagnostics::documentKeyTaken(document, package.getHeader().getBaseCode());
             }
@@ -258,7 +260,8 @@ struct ArgumentDraft {
         if (!item->hrefSeen) {
             reader.unsure();
         }
-        return ObjectInfo(std::move(name), std::move(purpose), ev::takeList(values), argumentAnchor(item->href, htmlId));
+        return ObjectInfo(std::move(name), std::move(purpose), ev::takeList(values),
+                          argumentAnchor(item->href, htmlId));
     }
 
     ItemDraft* item = nullptr;
@@ -327,7 +330,8 @@ void storeBaseCode(DocumentDraft& document, std::string_view bytes, ev::Reader&)
 void storeHref(ItemDraft& item, std::string_view bytes, ev::Reader& reader) {
     item.href = asciiField(bytes);
     item.hrefSeen = true;
-    if (const PageMap* replaced = item.document->replacedPages(); replaced != nullptr && replaced->contains(item.href)) {
+    if (const PageMap* replaced = item.document->replacedPages();
+        replaced != nullptr && replaced->contains(item.href)) {
         reader.discardCurrent();
     }
 }
@@ -340,13 +344,9 @@ void storePropertyName(PropertyDraft& property, std::string_view bytes, ev::Read
     property.name = property.item->memberName(bytes);
 }
 
-void storeHtmlId(ArgumentDraft& argument, std::string_view bytes, ev::Reader&) {
-    argument.htmlId.assign(bytes);
-}
+void storeHtmlId(ArgumentDraft& argument, std::string_view bytes, ev::Reader&) { argument.htmlId.assign(bytes); }
 
-void entitiesPresent(void* item) {
-    static_cast<ItemDraft*>(item)->entitiesSeen = true;
-}
+void entitiesPresent(void* item) { static_cast<ItemDraft*>(item)->entitiesSeen = true; }
 
 // -- records built as their objects close
 
@@ -388,9 +388,9 @@ void closeProperty(PropertyDraft& property, PropertyGroupDraft& group, std::uint
         reader.unsure();
     }
     auto anchor = propertyAnchor(property.item->href, property.name);
-    group.properties.emplace_back(
-        ObjectInfo(std::move(property.name), std::move(property.purpose), ev::takeList(property.values), std::move(anchor)),
-        std::move(property.defaultValue));
+    group.properties.emplace_back(ObjectInfo(std::move(property.name), std::move(property.purpose),
+                                             ev::takeList(property.values), std::move(anchor)),
+                                  std::move(property.defaultValue));
 }
 
 void closePropertyGroup(PropertyGroupDraft& group, ItemDraft& item, std::uint32_t, ev::Reader&) {
@@ -481,9 +481,7 @@ const ev::MemberRule kInputGroupRules[] = {
     ev::text<&InputGroupDraft::title, utf8Field>(keys::kTitle, false),
     ev::objects(keys::kNameValuePairs, false, kPairGroup),
 };
-constexpr std::uint32_t bit(InputGroupRow row) {
-    return std::uint32_t{1} << row;
-}
+constexpr std::uint32_t bit(InputGroupRow row) { return std::uint32_t{1} << row; }
 
 void closeInputGroup(InputGroupDraft& group, ItemDraft& item, std::uint32_t seen, ev::Reader&) {
     if ((seen & bit(kGroupPairs)) == 0) {
@@ -580,8 +578,8 @@ const ev::ObjectFormat kPackage = ev::objectFormat<closePackage>(kPackageRules);
 
 // The main document: a package document's members, and the packages (one level only).
 const ev::MemberRule kMainRules[] = {
-    kPackageRules[0], kPackageRules[1], kPackageRules[2], kPackageRules[3], kPackageRules[4],
-    ev::objects(keys::kSupportPackages, false, kPackage),
+    kPackageRules[0], kPackageRules[1], kPackageRules[2],
+    kPackageRules[3], kPackageRules[4], ev::objects(keys::kSupportPackages, false, kPackage),
 };
 const ev::ObjectFormat kMain = ev::objectFormat<closeMain>(kMainRules);
 

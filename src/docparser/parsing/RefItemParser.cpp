@@ -47,15 +47,15 @@ enum ItemMember : std::size_t {
     kItemParameters,
 };
 const detail::MemberLookup<15> kItemMembers({keys::kHref, keys::kRefPurpose, keys::kRefEntity, keys::kPackageName,
-                                              keys::kIntroduced, keys::kDescription, keys::kAppThumbnail,
-                                              keys::kDeprecationStatus, keys::kSyntaxGroup, keys::kInputGroup,
-                                              keys::kOutputs, keys::kClassPropertyGroup, keys::kSeeAlso,
-                                              keys::kExamples, keys::kParameters});
+                                             keys::kIntroduced, keys::kDescription, keys::kAppThumbnail,
+                                             keys::kDeprecationStatus, keys::kSyntaxGroup, keys::kInputGroup,
+                                             keys::kOutputs, keys::kClassPropertyGroup, keys::kSeeAlso, keys::kExamples,
+                                             keys::kParameters});
 
 // Inputs, outputs, parameters and class properties share these.
 enum ArgumentMember : std::size_t { kArgName, kArgPurpose, kArgValues, kArgHtmlId, kArgDefaultValue, kArgSyntaxType };
 const detail::MemberLookup<6> kArgumentMembers({keys::kName, keys::kPurpose, keys::kValue, keys::kHtmlId,
-                                                 keys::kDefaultValue, keys::kSyntaxType});
+                                                keys::kDefaultValue, keys::kSyntaxType});
 using ArgumentMembers = detail::MemberLookup<6>::Members;
 
 enum GroupMember : std::size_t { kGroupTitle, kGroupInputs, kGroupNameValuePairs, kGroupProperties };
@@ -70,7 +70,7 @@ const detail::MemberLookup<3> kSyntaxMembers({keys::kSyntaxType, keys::kTitle, k
 
 enum LinkMember : std::size_t { kLinkUrl, kLinkName, kLinkTitle, kLinkOpenCommand, kLinkFileRef, kLinkAlt };
 const detail::MemberLookup<6> kLinkMembers({keys::kUrl, keys::kName, keys::kTitle, keys::kOpenCommand, keys::kFileRef,
-                                             keys::kAlt});
+                                            keys::kAlt});
 
 // Reads the optional array `key` (its member, nullptr when absent) into a list reserved to the
 // array's length, one record per element; every element must be an object. An absent key gives
@@ -94,16 +94,17 @@ struct Entities {
 
 Entities parseEntities(const boost::json::value* entityList) {
     Entities entities;
-    entities.list = readObjectList<RefEntity>(entityList, keys::kRefEntity, [&entities](auto& list, const auto& entity) {
-        const auto member = kEntityMembers.find(entity);
-        const auto type = detail::readEnum<RefEntityType>(member[kEntityType], keys::kType);
-        const auto functionType = detail::readEnum<FunctionType>(member[kEntityFcnType], keys::kFcnType);
-        auto name = detail::requireString(member[kEntityName], keys::kName, StringParsingType::Utf8);
-        if (type == RefEntityType::Block) {
-            entities.memberNameParsing = StringParsingType::Utf8;
-        }
-        list.emplace_back(type, std::move(name), functionType);
-    });
+    entities.list =
+        readObjectList<RefEntity>(entityList, keys::kRefEntity, [&entities](auto& list, const auto& entity) {
+            const auto member = kEntityMembers.find(entity);
+            const auto type = detail::readEnum<RefEntityType>(member[kEntityType], keys::kType);
+            const auto functionType = detail::readEnum<FunctionType>(member[kEntityFcnType], keys::kFcnType);
+            auto name = detail::requireString(member[kEntityName], keys::kName, StringParsingType::Utf8);
+            if (type == RefEntityType::Block) {
+                entities.memberNameParsing = StringParsingType::Utf8;
+            }
+            list.emplace_back(type, std::move(name), functionType);
+        });
     return entities;
 }
 
@@ -189,24 +190,25 @@ std::vector<Output> parseOutputs(const boost::json::value* outputList, const std
 std::vector<ClassPropertyGroup> parseClassPropertyGroups(const boost::json::value* groupList,
                                                          const std::u16string& href,
                                                          StringParsingType memberNameParsing) {
-    return readObjectList<ClassPropertyGroup>(groupList, keys::kClassPropertyGroup, [&](auto& groups, const auto& object) {
-        const auto group = kGroupMembers.find(object);
-        auto title = detail::optionalString(group[kGroupTitle], keys::kTitle, StringParsingType::Utf8);
-        const auto& propertyArray = detail::requireArray(group[kGroupProperties], keys::kClassProperty);
-        std::vector<ClassProperty> properties;
-        properties.reserve(propertyArray.size());
-        for (const auto& propertyElement : propertyArray) {
-            const auto property = kArgumentMembers.find(detail::asObject(propertyElement));
-            auto name = detail::requireString(property[kArgName], keys::kName, memberNameParsing);
-            // Property anchors follow the name; "htmlid" is not consulted.
-            auto anchor = propertyAnchor(href, name);
-            auto info = readObjectInfo(property, std::move(name), std::move(anchor));
-            auto defaultValue =
-                detail::optionalString(property[kArgDefaultValue], keys::kDefaultValue, StringParsingType::Utf8);
-            properties.emplace_back(std::move(info), std::move(defaultValue));
-        }
-        groups.emplace_back(std::move(title), std::move(properties));
-    });
+    return readObjectList<ClassPropertyGroup>(
+        groupList, keys::kClassPropertyGroup, [&](auto& groups, const auto& object) {
+            const auto group = kGroupMembers.find(object);
+            auto title = detail::optionalString(group[kGroupTitle], keys::kTitle, StringParsingType::Utf8);
+            const auto& propertyArray = detail::requireArray(group[kGroupProperties], keys::kClassProperty);
+            std::vector<ClassProperty> properties;
+            properties.reserve(propertyArray.size());
+            for (const auto& propertyElement : propertyArray) {
+                const auto property = kArgumentMembers.find(detail::asObject(propertyElement));
+                auto name = detail::requireString(property[kArgName], keys::kName, memberNameParsing);
+                // Property anchors follow the name; "htmlid" is not consulted.
+                auto anchor = propertyAnchor(href, name);
+                auto info = readObjectInfo(property, std::move(name), std::move(anchor));
+                auto defaultValue =
+                    detail::optionalString(property[kArgDefaultValue], keys::kDefaultValue, StringParsingType::Utf8);
+                properties.emplace_back(std::move(info), std::move(defaultValue));
+            }
+            groups.emplace_back(std::move(title), std::move(properties));
+        });
 }
 
 std::vector<SeeAlso> parseSeeAlso(const boost::json::value* linkList) {
@@ -230,12 +232,13 @@ std::vector<Example> parseExamples(const boost::json::value* exampleList) {
 }
 
 std::vector<Parameter> parseParameters(const boost::json::value* parameterList, const std::u16string& href) {
-    return readObjectList<Parameter>(parameterList, keys::kParameters, [&href](auto& parameters, const auto& parameter) {
-        const auto member = kArgumentMembers.find(parameter);
-        auto defaultValue =
-            detail::optionalString(member[kArgDefaultValue], keys::kDefaultValue, StringParsingType::Utf8);
-        parameters.emplace_back(readArgument(member, href, StringParsingType::Utf8), std::move(defaultValue));
-    });
+    return readObjectList<Parameter>(
+        parameterList, keys::kParameters, [&href](auto& parameters, const auto& parameter) {
+            const auto member = kArgumentMembers.find(parameter);
+            auto defaultValue =
+                detail::optionalString(member[kArgDefaultValue], keys::kDefaultValue, StringParsingType::Utf8);
+            parameters.emplace_back(readArgument(member, href, StringParsingType::Utf8), std::move(defaultValue));
+        });
 }
 
 std::vector<SyntaxGroup> readSyntaxGroups(const boost::json::value* groupList) {
@@ -399,8 +402,8 @@ std::u16string propertyAnchor(const std::u16string& href, const std::u16string& 
 // and only links far out of order take the map's search. The result is that of an ordinary
 // find-or-insert.
 DocResource<RefItem>::ItemMap::iterator pageEntry(DocResource<RefItem>::ItemMap& pages,
-                                                 DocResource<RefItem>::ItemMap::iterator previous,
-                                                 const std::u16string& href) {
+                                                  DocResource<RefItem>::ItemMap::iterator previous,
+                                                  const std::u16string& href) {
     if (previous == pages.end()) {
         return pages.try_emplace(pages.end(), href);
     }
@@ -415,8 +418,7 @@ ObjectInfo makeObjectInfo(const boost::json::object& object, std::u16string&& na
     return readObjectInfo(kArgumentMembers.find(object), std::move(name), std::move(anchor));
 }
 
-ObjectInfo makeObjectInfo(const boost::json::object& object, const std::u16string& name,
-                          const std::u16string& anchor) {
+ObjectInfo makeObjectInfo(const boost::json::object& object, const std::u16string& name, const std::u16string& anchor) {
     return makeObjectInfo(object, std::u16string(name), std::u16string(anchor));
 }
 
@@ -425,8 +427,8 @@ ObjectInfo parseObjectInfo(const boost::json::object& object, const std::u16stri
     return readArgument(kArgumentMembers.find(object), href, nameParsing);
 }
 
-InputGroup parseInputGroup(const boost::json::object& group, const std::u16string& href,
-                           StringParsingType nameParsing, bool isNameValuePair) {
+InputGroup parseInputGroup(const boost::json::object& group, const std::u16string& href, StringParsingType nameParsing,
+                           bool isNameValuePair) {
     return readInputGroup(kGroupMembers.find(group), href, nameParsing, isNameValuePair);
 }
 
@@ -454,7 +456,8 @@ DocResource<RefItem> parseRefItemDocument(const boost::json::value& document, co
             continue;
         }
         if (selection.replacedPages != nullptr) {
-            const auto hrefBytes = detail::asStringBytes(detail::requireMember(member[kItemHref], keys::kHref), keys::kHref);
+            const auto hrefBytes =
+                detail::asStringBytes(detail::requireMember(member[kItemHref], keys::kHref), keys::kHref);
             replacedHref.resize(hrefBytes.size());
             text::widenAscii(hrefBytes, replacedHref.data());
             if (selection.replacedPages->contains(replacedHref)) {
@@ -491,12 +494,11 @@ DocResource<RefItem> parseRefItemDocument(const boost::json::value& document, co
         auto parameters = parseParameters(member[kItemParameters], href);
 
         hint = pageEntry(byHref, hint, href);
-        hint->second.emplace_back(std::move(href), std::move(entities.list), std::move(packageName),
-                                  std::move(purpose), std::move(introduced), std::move(description),
-                                  std::move(thumbnailFileRef), std::move(thumbnailAltText), deprecationStatus,
-                                  std::move(syntaxGroups), std::move(inputGroups), std::move(outputs),
-                                  std::move(classPropertyGroups), std::move(seeAlso), std::move(examples),
-                                  std::move(parameters));
+        hint->second.emplace_back(std::move(href), std::move(entities.list), std::move(packageName), std::move(purpose),
+                                  std::move(introduced), std::move(description), std::move(thumbnailFileRef),
+                                  std::move(thumbnailAltText), deprecationStatus, std::move(syntaxGroups),
+                                  std::move(inputGroups), std::move(outputs), std::move(classPropertyGroups),
+                                  std::move(seeAlso), std::move(examples), std::move(parameters));
     }
     return DocResource<RefItem>(std::move(header), std::move(byHref));
 }

@@ -51,8 +51,7 @@ property::ObjectInfo parseObjectInfo(const boost::json::object& object, const st
 // The rest of an ObjectInfo ("purpose", "value") around an already decoded name and anchor.
 property::ObjectInfo makeObjectInfo(const boost::json::object& object, const std::u16string& name,
                                     const std::u16string& anchor);
-property::ObjectInfo makeObjectInfo(const boost::json::object& object, std::u16string&& name,
-                                    std::u16string&& anchor);
+property::ObjectInfo makeObjectInfo(const boost::json::object& object, std::u16string&& name, std::u16string&& anchor);
 
 // Anchors: href + "#" + the ASCII html id of an input, output or parameter; href + "#prop_" +
 // the decoded name of a class property.

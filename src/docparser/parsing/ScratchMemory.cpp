@@ -6,16 +6,10 @@ namespace {
 constinit thread_local ScratchMemory* tActive = nullptr;
 }
 
-ScratchScope::ScratchScope() noexcept : previous_(tActive) {
-    tActive = &memory_;
-}
+ScratchScope::ScratchScope() noexcept : previous_(tActive) { tActive = &memory_; }
 
-ScratchScope::~ScratchScope() {
-    tActive = previous_;
-}
+ScratchScope::~ScratchScope() { tActive = previous_; }
 
-ScratchMemory* ScratchScope::active() noexcept {
-    return tActive;
-}
+ScratchMemory* ScratchScope::active() noexcept { return tActive; }
 
 } // namespace reference::docparser

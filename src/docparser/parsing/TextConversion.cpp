@@ -34,8 +34,8 @@ std::uint64_t load8(const Byte* p) noexcept {
 // so no carry crosses into the neighbouring byte.
 std::uint64_t outsidePlainAscii8(std::uint64_t word) noexcept {
     const std::uint64_t low7 = word & kLow7Bits;
-    const std::uint64_t isDel = low7 + kOnes;        // high bit set when low7 == 0x7F
-    const std::uint64_t notNul = low7 + kLow7Bits;   // high bit clear when low7 == 0
+    const std::uint64_t isDel = low7 + kOnes;      // high bit set when low7 == 0x7F
+    const std::uint64_t notNul = low7 + kLow7Bits; // high bit clear when low7 == 0
     return (word | isDel | ~notNul) & kHighBits;
 }
 
@@ -68,8 +68,8 @@ void widen8(const Byte* in, char16_t* out) noexcept {
 bool plainAscii16(const Byte* in) noexcept {
     const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
     // Signed view: 0x01..0x7E are exactly the bytes in 1..126.
-    const __m128i inside = _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_setzero_si128()),
-                                         _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x7F)));
+    const __m128i inside =
+        _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_setzero_si128()), _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x7F)));
     return _mm_movemask_epi8(inside) == 0xFFFF;
 }
 
@@ -138,9 +138,7 @@ void narrow8(const char16_t* in, char* out) noexcept {
 
 #endif
 
-bool isContinuation(Byte b) noexcept {
-    return (b & 0xC0) == 0x80;
-}
+bool isContinuation(Byte b) noexcept { return (b & 0xC0) == 0x80; }
 
 // Writes one code point (never a surrogate) as one or two units; returns the units written.
 std::size_t putCodePoint(std::uint32_t cp, char16_t* out) noexcept {
@@ -377,13 +375,9 @@ int compareText(std::u16string_view a, std::u16string_view b) noexcept {
 
 namespace {
 
-bool isHighSurrogate(char16_t c) noexcept {
-    return c >= 0xD800 && c <= 0xDBFF;
-}
+bool isHighSurrogate(char16_t c) noexcept { return c >= 0xD800 && c <= 0xDBFF; }
 
-bool isLowSurrogate(char16_t c) noexcept {
-    return c >= 0xDC00 && c <= 0xDFFF;
-}
+bool isLowSurrogate(char16_t c) noexcept { return c >= 0xDC00 && c <= 0xDFFF; }
 
 } // namespace
 

@@ -3,8 +3,8 @@
 #include <platform/Export.hpp>
 
 #include <boost/log/core/record.hpp>
-#include <boost/log/sources/severity_channel_logger.hpp>
 #include <boost/log/sources/record_ostream.hpp>
+#include <boost/log/sources/severity_channel_logger.hpp>
 
 #include <atomic>
 #include <cstdint>
@@ -27,8 +27,7 @@ public:
 
     class Record;
 
-    explicit basic_diagnostic_logger(std::string channel,
-                                     severity_type enabledSeverities = kDefaultEnabledSeverities);
+    explicit basic_diagnostic_logger(std::string channel, severity_type enabledSeverities = kDefaultEnabledSeverities);
     basic_diagnostic_logger(const basic_diagnostic_logger&) = delete;
     basic_diagnostic_logger& operator=(const basic_diagnostic_logger&) = delete;
 
@@ -86,10 +85,9 @@ inline basic_diagnostic_logger<char>::Record basic_diagnostic_logger<char>::open
 // Writes one statement to a diagnostic logger:
 //   FOUNDATION_DIAG_LOG(logger, 16) << "Reading file: " << path;
 // The pieces are evaluated only when the severity is enabled and a record is open.
-#define FOUNDATION_DIAG_LOG(logger, severity)                                               \
-    if (!(logger).isEnabled(severity)) {                                                    \
-    } else                                                                                  \
-        for (::foundation::log::basic_diagnostic_logger<char>::Record diagRecord_((logger), \
-                                                                              (severity));  \
-             diagRecord_; diagRecord_.push())                                               \
-    diagRecord_
+#define FOUNDATION_DIAG_LOG(logger, severity)                                                                          \
+    if (!(logger).isEnabled(severity)) {                                                                               \
+    } else                                                                                                             \
+        for (::foundation::log::basic_diagnostic_logger<char>::Record diagRecord_((logger), (severity)); diagRecord_;  \
+             diagRecord_.push())                                                                                       \
+        diagRecord_
