@@ -1,4 +1,5 @@
-# Every installed header compiles on its own: one generated source per header includes only it,
+# Every installed header compiles on its own: one generated source per header includes only it
+# (twice, so that a missing include guard shows too),
 # built with the project's warnings as part of the default build. A header that leans on an
 # include its user happened to make first fails here, not in a user's project.
 set(_header_roots ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/platform/include)
@@ -8,7 +9,7 @@ foreach(_root ${_header_roots})
   foreach(_header ${_headers})
     string(MAKE_C_IDENTIFIER ${_header} _name)
     set(_source ${CMAKE_CURRENT_BINARY_DIR}/header_check/${_name}.cpp)
-    file(CONFIGURE OUTPUT ${_source} CONTENT "#include <${_header}>\n")
+    file(CONFIGURE OUTPUT ${_source} CONTENT "#include <${_header}>\n#include <${_header}>\n")
     list(APPEND _check_sources ${_source})
   endforeach()
 endforeach()

@@ -32,14 +32,13 @@ Stream& operator<<(Stream&, const ThrowingPiece&) {
     throw std::runtime_error("interrupted");
 }
 
-TEST(DiagnosticLogger, IsNamedAndStartsWithOnlyTheErrorSeverity) {
-    EXPECT_EQ(diagnosticLogger().channel(), "referenceApi::docparser");
-    EXPECT_EQ(foundation::log::basic_diagnostic_logger<char>::kDefaultEnabledSeverities, 512u);
+// A host that configures nothing sees the errors only.
+TEST(DiagnosticLogger, StartsWithOnlyTheErrorSeverity) {
     EXPECT_TRUE(diagnosticLogger().isEnabled(512));
     EXPECT_FALSE(diagnosticLogger().isEnabled(16));
 }
 
-TEST(DiagnosticLogger, EnabledRecordCarriesChannelSeverityAndConvertedText) {
+TEST(DiagnosticLogger, EnabledRecordCarriesChannelSeverityAndUtf8Text) {
     LogCapture capture(16 | 512);
     FOUNDATION_DIAG_LOG(diagnosticLogger(), 16)
         << "Reading file: " << std::u16string(u"/docs/\u65E5\u672C/a\U0001F600.json");
@@ -51,10 +50,14 @@ TEST(DiagnosticLogger, EnabledRecordCarriesChannelSeverityAndConvertedText) {
     EXPECT_EQ(capture.records(), expected);
 }
 
-TEST(DiagnosticLogger, DisabledSeverityWritesNothingAndConvertsNothing) {
+// A record that is not written costs nothing: its pieces are never converted.
+TEST(DiagnosticLogger, DisabledSeverityOrCoreConvertsAndWritesNothing) {
     LogCapture capture(512);
     int writes = 0;
     FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "Reading file: " << CountingPiece{&writes};
+    boost::log::core::get()->set_logging_enabled(false);
+    FOUNDATION_DIAG_LOG(diagnosticLogger(), 512) << CountingPiece{&writes};
+    boost::log::core::get()->set_logging_enabled(true);
     EXPECT_EQ(writes, 0);
     EXPECT_TRUE(capture.records().empty());
 
@@ -63,16 +66,6 @@ TEST(DiagnosticLogger, DisabledSeverityWritesNothingAndConvertsNothing) {
     FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << "Reading file: " << CountingPiece{&writes};
     EXPECT_EQ(writes, 1);
     EXPECT_EQ(capture.messages(), std::vector<std::string>{"Reading file: piece"});
-}
-
-TEST(DiagnosticLogger, NoRecordOpensWhenTheCoreIsDisabled) {
-    LogCapture capture(16 | 512);
-    int writes = 0;
-    boost::log::core::get()->set_logging_enabled(false);
-    FOUNDATION_DIAG_LOG(diagnosticLogger(), 16) << CountingPiece{&writes};
-    boost::log::core::get()->set_logging_enabled(true);
-    EXPECT_EQ(writes, 0);
-    EXPECT_TRUE(capture.records().empty());
 }
 
 TEST(DiagnosticLogger, StatementLeftByAnExceptionLeavesNoPartialRecord) {
@@ -92,7 +85,6 @@ TEST(DiagnosticLogger, StatementBindsCorrectlyInsideIfElse) {
     else
         elseTaken = true;
     EXPECT_TRUE(elseTaken);
-    EXPECT_TRUE(capture.records().empty());
 }
 
 } // namespace

@@ -37,6 +37,18 @@ std::string lookupText(const std::string& helpFolder) {
     return fileText(lookupDocument({"Product " + helpFolder, helpFolder, helpFolder}, {{"item", "does things"}}));
 }
 
+// A lookup file whose second support package has 12 items, the last without "href".
+std::string deepMissingHref() {
+    std::vector<Entry> items;
+    for (int i = 0; i < 12; ++i) {
+        items.push_back({"f" + std::to_string(i), "function " + std::to_string(i)});
+    }
+    std::string text = fileText(lookupDocument({"M", "MH", "missinghref"}, {{"a", "a"}}),
+                                {lookupDocument({"P0", "p0", "p0"}, {}), lookupDocument({"P1", "p1", "p1"}, items)});
+    const std::string last = "\"href\":\"f11.html\",";
+    return text.replace(text.find(last), last.size(), "");
+}
+
 // Finds the record of the file (or package entry) whose last path part is `name`.
 const FileDiagnostic* findRecord(const std::vector<FileDiagnostic>& files, const std::string& name) {
     const auto found = std::find_if(files.begin(), files.end(), [&name](const FileDiagnostic& file) {
@@ -95,14 +107,9 @@ TEST_F(ParseDiagnostics, EachDroppedLookupFileCarriesItsExactReason) {
         {"deep.json", std::string(33, '[') + std::string(33, ']'), DropReason::SyntaxError, "too deep", "", 1, 33},
         {"badutf8.json", "{\"productName\": \"\xC3\x28\"}", DropReason::SyntaxError, "syntax error", "", 1, 18},
         {"empty.json", "", DropReason::NoData, "the file is empty", ""},
-        {"missinghref.json",
-         R"({"productName": "M", "baseCode": "MH", "helpFolder": "missinghref", "helpLocation": "h",
-             "refItems": [{"name": "a", "refpurpose": "a", "href": "a.html"}],
-             "supportPackages": [
-               {"productName": "P0", "baseCode": "p0", "helpFolder": "p0", "helpLocation": "h", "refItems": []},
-               {"productName": "P1", "baseCode": "p1", "helpFolder": "p1", "helpLocation": "h",
-                "refItems": [{"name": "c", "refpurpose": "c", "href": "c.html"}, {"name": "d", "refpurpose": "d"}]}]})",
-         DropReason::MissingKey, "missing required member \"href\"", "/supportPackages/1/refItems/1/href"},
+        // The pointer reaches into the second support package and past index 9.
+        {"missinghref.json", deepMissingHref(), DropReason::MissingKey, "missing required member \"href\"",
+         "/supportPackages/1/refItems/11/href"},
         {"missingheader.json", R"({"productName": "H", "baseCode": "H", "helpFolder": "h", "refItems": []})",
          DropReason::MissingKey, "missing required member \"helpLocation\"", "/helpLocation"},
         {"itemsnotarray.json",

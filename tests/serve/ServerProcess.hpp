@@ -104,6 +104,4 @@ private:
     std::string printed_;
 };
 
-inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
-
 } // namespace refdoc::test

@@ -64,16 +64,14 @@ TEST(ToolArguments, UsageErrorsExitWithStatusTwoAndAMessage) {
     }
 }
 
-TEST(ToolArguments, EveryCommandHasHelp) {
+TEST(ToolArguments, EveryCommandHasHelpAndHelpWinsOverWrongArguments) {
     const ToolRun overview = runTool({"--help"});
     EXPECT_EQ(overview.status, 0);
     for (const char* command : {"lookup", "page", "find", "check", "serve"}) {
         SCOPED_TRACE(command);
         EXPECT_TRUE(contains(overview.out, std::string("\n  ") + command + " ")) << overview.out;
         for (const std::vector<std::string>& args :
-             {std::vector<std::string>{command, "--help"}, std::vector<std::string>{"help", command},
-              // Help wins over arguments that are wrong.
-              std::vector<std::string>{command, "--bogus", "-h"}}) {
+             {std::vector<std::string>{command, "--help"}, {"help", command}, {command, "--bogus", "-h"}}) {
             const ToolRun help = runTool(args);
             EXPECT_EQ(help.status, 0);
             EXPECT_TRUE(help.out.starts_with(std::string("Usage: refdoc ") + command)) << help.out;
@@ -81,18 +79,7 @@ TEST(ToolArguments, EveryCommandHasHelp) {
             EXPECT_TRUE(help.err.empty());
         }
     }
-    // What another address exposes is said where the option is.
-    EXPECT_TRUE(contains(runTool({"serve", "--help"}).out, "--bind ADDRESS")) << runTool({"serve", "--help"}).out;
-    const ToolRun version = runTool({"--version"});
-    EXPECT_EQ(version.status, 0);
-    EXPECT_TRUE(version.out.starts_with("refdoc ")) << version.out;
-}
-
-TEST(ToolArguments, OptionsAfterDoubleDashArePositional) {
-    const ToolRun result = runTool({"find", "--", "--json"});
-    // "--json" is the search text: nothing in the sample is named so, and the output is not JSON.
-    EXPECT_EQ(result.status, 1) << ::testing::PrintToString(result);
-    EXPECT_TRUE(contains(result.err, "no lookup entry matches --json")) << result.err;
+    EXPECT_TRUE(runTool({"--version"}).out.starts_with("refdoc "));
 }
 
 } // namespace

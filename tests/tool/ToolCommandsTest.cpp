@@ -1,19 +1,26 @@
-// refdoc lookup, page and find, run as a program on documentation roots generated in temp folders.
+// refdoc lookup, page and find, run as a program on documentation roots generated in temp folders
+// and on the bundled sample root.
 
+#include "docparser/loading/ZipPackage.hpp"
 #include "support/DocrootBuilder.hpp"
 #include "support/TempDir.hpp"
 #include "support/ZipBuilder.hpp"
 #include "tool/ToolRunner.hpp"
 
-#include <boost/json/serialize.hpp>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <map>
 
 namespace {
 
 using namespace refdoc::test;
 namespace json = boost::json;
+namespace fs = std::filesystem;
+using reference::docparser::ZipPackage;
+
+const fs::path kExamples = REFDOC_EXAMPLES_DIR;
 
 const std::filesystem::path kLookup = "docCatalog/referenceapi_lookup";
 const std::filesystem::path kPages = "docCatalog/referenceapi";
@@ -59,8 +66,6 @@ protected:
                  fileText(lookupDocument({"ベータ", "BE", "beta"}, {{"Ärger", "トラブル", "aerger.html"}})))
             .write(root_.path() / kLookup / "beta.zip");
         write(kPages / "alpha.json", kFullPage);
-        write(kPages / "alpha_ja.json",
-              fileText(pageDocument({"アルファ", "AL", "alpha"}, {{"alpha/plot.html", "データをプロット"}})));
     }
 
     void write(const std::filesystem::path& relative, const std::string& text) const { root_.write(relative, text); }
@@ -74,37 +79,25 @@ protected:
     TempDir root_;
 };
 
-TEST_F(ToolCommands, LookupListsEachProductKeyWithInstalledStateCountAndName) {
-    const ToolRun english = run({"lookup", "--installed", "alpha", "--support-packages", "sp_a"});
-    ASSERT_EQ(english.status, 0) << ::testing::PrintToString(english);
-    EXPECT_TRUE(english.err.empty());
-    EXPECT_EQ(linesWith(english.out, "alpha  "), std::vector<std::string>{"alpha  yes            4  Alpha"});
-    EXPECT_EQ(linesWith(english.out, "beta  "), std::vector<std::string>{"beta   no             1  Beta"});
-    EXPECT_EQ(linesWith(english.out, "sp_a  "), std::vector<std::string>{"sp_a   yes            1  Alpha Support"});
-    EXPECT_TRUE(contains(english.out, "3 products: 2 installed, 1 not installed"));
+TEST_F(ToolCommands, LookupListsEachProductAndItsJsonHoldsTheWholeResult) {
+    const ToolRun text = run({"lookup", "--installed", "alpha", "--support-packages", "sp_a"});
+    ASSERT_EQ(text.status, 0) << ::testing::PrintToString(text);
+    EXPECT_TRUE(contains(text.out, "KEY    INSTALLED  ITEMS  PRODUCT\n"
+                                   "alpha  yes            4  Alpha\n"
+                                   "beta   no             1  Beta\n"
+                                   "sp_a   yes            1  Alpha Support\n"))
+        << text.out;
+    EXPECT_TRUE(contains(text.out, "3 products: 2 installed, 1 not installed"));
 
-    // Japanese: the variants' product names win; nothing is installed without --installed.
-    const ToolRun japanese = run({"lookup", "--lang", "ja", "--languages", "en,ja"});
-    ASSERT_EQ(japanese.status, 0) << ::testing::PrintToString(japanese);
-    EXPECT_EQ(linesWith(japanese.out, "alpha  "), std::vector<std::string>{"alpha  no             4  アルファ"});
-    EXPECT_EQ(linesWith(japanese.out, "beta  "), std::vector<std::string>{"beta   no             1  ベータ"});
-}
-
-TEST_F(ToolCommands, LookupJsonHoldsTheWholeResult) {
-    const ToolRun result = run({"lookup", "--json", "--lang", "ja", "--installed", "beta"});
-    ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);
-    const json::value value = result.json();
-    const auto& installed = value.at("installedResources").as_object();
-    const auto& uninstalled = value.at("uninstalledResources").as_object();
-    EXPECT_EQ(installed.size(), 1u);
-    EXPECT_EQ(uninstalled.size(), 2u);
-    const json::value expectedBeta = json::parse(R"({
+    const ToolRun asJson = run({"lookup", "--json", "--lang", "ja", "--installed", "beta"});
+    ASSERT_EQ(asJson.status, 0) << ::testing::PrintToString(asJson);
+    const json::value value = asJson.json();
+    EXPECT_EQ(value.at("installedResources"), json::parse(R"({"beta": {
         "productName": "ベータ", "baseCode": "BE", "helpFolder": "beta", "helpLocation": "help/beta",
         "items": {"Ärger": [{"name": "Ärger", "type": "function", "purpose": "トラブル", "deprecated": false,
-                             "href": "aerger.html", "fcntype": null}]}})");
-    EXPECT_EQ(installed.at("beta"), expectedBeta) << json::serialize(installed.at("beta"));
-    EXPECT_EQ(uninstalled.at("alpha").at("items").at("plot").at(0).at("purpose"), "データをプロット");
-    EXPECT_EQ(uninstalled.at("alpha").at("items").at("plotter").at(0).at("purpose"), "A plotting object");
+                             "href": "aerger.html", "fcntype": null}]}}})"))
+        << asJson.out;
+    EXPECT_EQ(value.at("uninstalledResources").as_object().size(), 2u);
 }
 
 TEST_F(ToolCommands, HostFileSuppliesDefaultsThatTheCommandLineOverrides) {
@@ -146,71 +139,96 @@ TEST_F(ToolCommands, PageRendersEverySectionOfAPage) {
          }) {
         EXPECT_TRUE(contains(result.out, expected)) << "missing:\n" << expected << "\nin:\n" << result.out;
     }
-}
 
-TEST_F(ToolCommands, PageJsonHoldsTheFullRecordsAndTheTranslationWins) {
-    const ToolRun english = run({"page", "alpha", "--json"});
-    ASSERT_EQ(english.status, 0) << ::testing::PrintToString(english);
-    const json::value page = english.json().at("alpha").at("items").at("alpha/plot.html").at(0);
-    EXPECT_EQ(page.at("deprecationStatus"), "notrecommended");
+    const ToolRun asJson = run({"page", "alpha", "--json"});
+    ASSERT_EQ(asJson.status, 0) << ::testing::PrintToString(asJson);
+    const json::value page = asJson.json().at("alpha").at("items").at("alpha/plot.html").at(0);
     EXPECT_EQ(page.at("thumbnail"), json::parse(R"({"fileRef": "alpha/plot.png", "altText": "A line chart"})"));
     EXPECT_EQ(page.at("inputGroups").at(1),
               json::parse(R"({"title": "Options", "inputs": [{"name": "Color", "purpose": "Line colour", "values": [],
                               "anchor": "alpha/plot.html#nv_color", "syntaxType": null,
                               "defaultValue": "\"blue\"", "nameValuePair": true}]})"));
-    EXPECT_EQ(page.at("parameters").at(0).at("name"), "Größe");
-    EXPECT_EQ(page.at("examples").at(0).at("openCommand"), "showExample('plot1')");
-
-    const ToolRun japanese = run({"page", "alpha", "--json", "--lang", "ja"});
-    ASSERT_EQ(japanese.status, 0) << ::testing::PrintToString(japanese);
-    const json::value translated = japanese.json().at("alpha");
-    EXPECT_EQ(translated.at("productName"), "アルファ");
-    EXPECT_EQ(translated.at("items").at("alpha/plot.html").at(0).at("purpose"), "データをプロット");
 }
 
-TEST_F(ToolCommands, PageWithoutPagesSaysSoAndFails) {
-    const ToolRun result = run({"page", "nosuchproduct"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.out.empty());
-    EXPECT_TRUE(contains(result.err, "no reference pages for 'nosuchproduct'")) << result.err;
-}
-
-TEST_F(ToolCommands, FindRanksExactThenPrefixThenSubstringIgnoringCase) {
-    const ToolRun result = run({"find", "PLOT"});
+TEST_F(ToolCommands, FindRanksExactThenPrefixThenSubstringFoldingCaseAndLimits) {
+    const ToolRun result = run({"find", "PLOT", "--limit", "3"});
     ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);
-    const auto names = linesWith(result.out, "  —  ");
-    const std::vector<std::string> expected = {
-        "Plot  —  Plot class",
-        "plot  —  Plot data",
-        "plotter  —  A plotting object",
-        "replot  —  Plot again",
-    };
-    EXPECT_EQ(names, expected);
+    EXPECT_EQ(linesWith(result.out, "  —  "),
+              (std::vector<std::string>{"Plot  —  Plot class", "plot  —  Plot data", "plotter  —  A plotting object"}));
     EXPECT_TRUE(contains(result.out, "    plotter.html   Alpha [alpha, not installed]   (prefix)"));
-    EXPECT_TRUE(contains(result.out, "    replot.html   Alpha [alpha, not installed]   (substring)"));
-}
+    EXPECT_TRUE(contains(result.out, "(1 more; raise --limit to see them)"));
 
-TEST_F(ToolCommands, FindTakesSeveralTextsFoldsNonAsciiAndLimits) {
-    const ToolRun result = run({"find", "ärg", "SPREAD", "--json", "--installed", "beta"});
-    ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);
-    const json::value expected = json::parse(R"([
+    // Several texts, non-ASCII folded, as JSON.
+    const ToolRun asJson = run({"find", "ärg", "SPREAD", "--json", "--installed", "beta"});
+    ASSERT_EQ(asJson.status, 0) << ::testing::PrintToString(asJson);
+    EXPECT_EQ(asJson.json(), json::parse(R"([
         {"match": "exact", "name": "spread", "purpose": "Spread out", "href": "spread.html",
          "productKey": "sp_a", "productName": "Alpha Support", "installed": false},
         {"match": "prefix", "name": "Ärger", "purpose": "Trouble", "href": "aerger.html",
-         "productKey": "beta", "productName": "Beta", "installed": true}])");
-    EXPECT_EQ(result.json(), expected) << result.out;
-
-    const ToolRun limited = run({"find", "plot", "--limit", "2"});
-    ASSERT_EQ(limited.status, 0) << ::testing::PrintToString(limited);
-    EXPECT_EQ(linesWith(limited.out, "  —  ").size(), 2u);
-    EXPECT_TRUE(contains(limited.out, "(2 more; raise --limit to see them)"));
+         "productKey": "beta", "productName": "Beta", "installed": true}])"))
+        << asJson.out;
 }
 
-TEST_F(ToolCommands, FindWithoutAMatchFails) {
-    const ToolRun result = run({"find", "zzz"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.out.empty());
-    EXPECT_TRUE(contains(result.err, "no lookup entry matches zzz"));
+// Nothing to show is a failure of its own: status 1, said on stderr, nothing on stdout.
+TEST_F(ToolCommands, NothingFoundExitsWithStatusOne) {
+    const struct {
+        std::vector<std::string> args;
+        std::string message;
+    } cases[] = {
+        {{"page", "nosuchproduct"}, "no reference pages for 'nosuchproduct'"},
+        {{"find", "zzz"}, "no lookup entry matches zzz"},
+        // After "--" an option is search text.
+        {{"find", "--", "--json"}, "no lookup entry matches --json"},
+    };
+    for (const auto& c : cases) {
+        const ToolRun result = run(c.args);
+        EXPECT_EQ(result.status, 1) << ::testing::PrintToString(result);
+        EXPECT_TRUE(result.out.empty()) << result.out;
+        EXPECT_TRUE(contains(result.err, c.message)) << result.err;
+    }
+}
+
+// The bundled sample root, shown when no --root is given, as the README describes it.
+TEST(SampleRoot, ToolShowsItsProductsAndItsBrokenFile) {
+    const ToolRun lookup = runTool({"lookup"});
+    ASSERT_EQ(lookup.status, 0) << ::testing::PrintToString(lookup);
+    EXPECT_TRUE(contains(lookup.out, "(bundled sample)"));
+    EXPECT_TRUE(contains(lookup.out,
+                         "KEY      INSTALLED  ITEMS  PRODUCT\n"
+                         "geodesy  no             2  Geodesy Library\n"
+                         "mapping  yes            3  Mapping Kit\n"
+                         "optics   no             2  Optics Kit\n"
+                         "signal   yes            5  Signal Toolkit\n"
+                         "usbdaq   yes            2  Signal Toolkit Support Package for USB Data Acquisition\n"))
+        << lookup.out;
+
+    const ToolRun check = runTool({"check", "--quiet"});
+    EXPECT_EQ(check.status, 1);
+    EXPECT_EQ(linesWith(check.out, "docCatalog/"),
+              std::vector<std::string>{"  DROPPED  docCatalog/referenceapi_lookup/instrument.json"})
+        << check.out;
+}
+
+TEST(SampleRoot, EveryPackageHoldsExactlyItsCommittedSources) {
+    const fs::path lookupFolder = kExamples / "docroot" / kLookup;
+    std::size_t packages = 0;
+    for (const auto& source : fs::directory_iterator(kExamples / "docroot-packages")) {
+        std::map<std::string, std::string> expected;
+        for (const auto& file : fs::directory_iterator(source.path())) {
+            expected[file.path().filename().string()] = readWhole(file.path());
+        }
+        const ZipPackage package((lookupFolder / (source.path().filename().string() + ".zip")).u16string());
+        std::map<std::string, std::string> actual;
+        for (const auto& leaf : package.getAllLeafs()) {
+            actual[leaf.entry.getName()] = package.readEntry(leaf.entry);
+        }
+        EXPECT_EQ(actual, expected) << source.path() << ": run examples/make-docroot-packages.sh after changing it";
+        ++packages;
+    }
+    const auto zips = std::count_if(fs::directory_iterator(lookupFolder), fs::directory_iterator(),
+                                    [](const auto& file) { return file.path().extension() == ".zip"; });
+    EXPECT_EQ(packages, static_cast<std::size_t>(zips)) << "every package in the sample root has its sources";
+    EXPECT_GE(packages, 2u);
 }
 
 } // namespace
