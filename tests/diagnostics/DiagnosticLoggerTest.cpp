@@ -32,12 +32,6 @@ Stream& operator<<(Stream&, const ThrowingPiece&) {
     throw std::runtime_error("interrupted");
 }
 
-// A host that configures nothing sees the errors only.
-TEST(DiagnosticLogger, StartsWithOnlyTheErrorSeverity) {
-    EXPECT_TRUE(diagnosticLogger().isEnabled(512));
-    EXPECT_FALSE(diagnosticLogger().isEnabled(16));
-}
-
 TEST(DiagnosticLogger, EnabledRecordCarriesChannelSeverityAndUtf8Text) {
     LogCapture capture(16 | 512);
     FOUNDATION_DIAG_LOG(diagnosticLogger(), 16)

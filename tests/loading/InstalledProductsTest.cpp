@@ -26,25 +26,6 @@ protected:
     }
 };
 
-TEST_F(InstalledProductsTest, TestProductsCarryTheirNamesAndFixedFields) {
-    DocResourceParser::setTestProducts({u"alpha", u"\u65e5\u672c", u"alpha"}, {});
-
-    const auto products = DocResourceParser::getTopLevelProducts();
-    ASSERT_EQ(products->size(), 3u);
-    const std::string expectedShortNames[] = {"alpha", "\xe6\x97\xa5\xe6\x9c\xac", "alpha"};
-    for (std::size_t i = 0; i < products->size(); ++i) {
-        const auto& product = *(*products)[i];
-        EXPECT_EQ(product.getShortName(), expectedShortNames[i]);
-        EXPECT_EQ(product.getDisplayName(), "testDisplayName");
-        EXPECT_EQ(product.getHelpLocation(), "testHelpLocation");
-        EXPECT_EQ(product.getBaseCode(), "testBaseCode");
-        EXPECT_EQ(product.getAltShortName(), "testAltShortName");
-        EXPECT_EQ(product.getAvailability(), "testAvailability");
-        EXPECT_TRUE(product.getAttributes().empty());
-    }
-    EXPECT_EQ(products, DocResourceParser::getTopLevelProducts()) << "the test provider returns one list";
-}
-
 TEST_F(InstalledProductsTest, InstalledMeansExactShortNameOrSupportPackageName) {
     DocResourceParser::setTestProducts({u"alpha", u"\u65e5\u672c"}, {u"beta", u"beta"});
     const struct {

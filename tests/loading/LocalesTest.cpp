@@ -36,11 +36,4 @@ TEST_F(LocalesTest, SupportedLocalesBecomeSuffixesWithoutEnglish) {
     }
 }
 
-TEST_F(LocalesTest, CurrentLocaleIsTheServiceValueUnchanged) {
-    for (const std::u16string language : {u"en", u"ja", u"", u"zh_CN", u" JA ", u"en-US"}) {
-        doclanguage::DocLanguage::getInstance().setDocLanguage(language);
-        EXPECT_EQ(ParsingTools::getCurrentLocale(), language);
-    }
-}
-
 } // namespace

@@ -263,22 +263,6 @@ TEST_F(ZipPackageTest, EntryOfAnotherPackageIsRefused) {
     EXPECT_EQ(first.readEntry(entry), "first");
 }
 
-TEST_F(ZipPackageTest, RecordCopiesShareTheEntryAndThePackage) {
-    ZipBuilder().add("dir/pname_ja.json", "{\"x\":1}").write(packagePath());
-    ZipPackage package(packagePath().u16string());
-    std::optional<ProductZipData> original;
-    original.emplace(u"pname_ja", true, package.getAllLeafs().at(0).entry, package);
-
-    const ProductZipData copy = *original;
-    original.reset();
-
-    EXPECT_EQ(&copy.getFileSystemManager(), &package);
-    EXPECT_EQ(copy.getName(), u"pname_ja");
-    EXPECT_TRUE(copy.isNonEnglishLocale());
-    EXPECT_EQ(copy.getEntry().getName(), "dir/pname_ja.json");
-    EXPECT_EQ(DocResourceParser::openAndReadFile(copy), "{\"x\":1}");
-}
-
 TEST_F(ZipPackageTest, EntriesOfOnePackageCanBeReadFromSeveralThreads) {
     ZipBuilder builder;
     std::vector<std::string> contents;

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <boost/system/system_error.hpp>
-
 #include <string>
 #include <vector>
 
@@ -13,10 +11,8 @@ namespace {
 
 using reference::docparser::DocParserException;
 using reference::docparser::DocResourceParser;
-using reference::docparser::lookupFileParser;
 using reference::docparser::parseLookupDocument;
 using reference::docparser::parseLookupFile;
-using reference::docparser::ParsingInfo;
 using namespace reference::property;
 using refdoc::test::documentObject;
 using refdoc::test::parseJson;
@@ -127,13 +123,6 @@ TEST(LookupParser, EqualNamesGatherInFileOrderWhateverTheInputOrder) {
     EXPECT_EQ(purposesOf(items.at(u"area")), (std::vector<std::u16string>{u"2", u"5"}));
 }
 
-TEST(LookupParser, EmptyItemListStillYieldsTheDocument) {
-    const auto result = parseLookupFile(toText(documentObject("signal", "SG", "[]")));
-    ASSERT_EQ(keysOf(result), std::vector<std::u16string>{u"signal"});
-    EXPECT_TRUE(result.at(u"signal").getItems().empty());
-    EXPECT_EQ(result.at(u"signal").getHeader().getBaseCode(), u"SG");
-}
-
 TEST(LookupParser, SupportPackagesAreKeyedByBaseCodeAndTheFirstClaimWins) {
     auto root = documentObject("main", "MAIN", "[" + item("fromMain") + "]", "Main product");
     boost::json::array packages;
@@ -157,13 +146,6 @@ TEST(LookupParser, SupportPackagesAreKeyedByBaseCodeAndTheFirstClaimWins) {
     EXPECT_TRUE(result.at(u"pkgA").getItems().contains(u"a1"));
     EXPECT_FALSE(result.at(u"pkgA").getItems().contains(u"a2"));
     EXPECT_EQ(result.at(u"pkgB").getHeader().getHelpFolder(), u"pkgB-folder");
-}
-
-TEST(LookupParser, NoOrEmptySupportPackagesGiveOnlyTheMainDocument) {
-    auto root = documentObject("main", "MAIN");
-    EXPECT_EQ(keysOf(parseLookupFile(toText(root))), std::vector<std::u16string>{u"main"});
-    root["supportPackages"] = boost::json::array{};
-    EXPECT_EQ(keysOf(parseLookupFile(toText(root))), std::vector<std::u16string>{u"main"});
 }
 
 // Required keys: a file missing any of them fails whole, wherever the gap is, even in a
@@ -204,16 +186,6 @@ TEST(LookupParser, MissingRequiredKeyFailsTheWholeFile) {
     for (const auto& [what, root] : cases) {
         EXPECT_THROW(parseLookupFile(toText(root)), DocParserException) << what;
     }
-}
-
-// Wrong kinds, strict JSON and the nesting limit: the cases of the parser equivalence table, which
-// names the outcome of each.
-
-TEST(LookupParser, ForwardingFunctionServesAsThePipelinesParser) {
-    const ParsingInfo<DocResourceParser::LookupResourceMap>::JsonParsingFcn parser = lookupFileParser;
-    const std::string text = toText(documentObject("main", "MAIN", "[" + item("a") + "]"));
-    EXPECT_EQ(parser(text), parseLookupFile(text));
-    EXPECT_THROW(parser("{"), boost::system::system_error);
 }
 
 } // namespace

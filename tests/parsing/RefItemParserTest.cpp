@@ -11,12 +11,8 @@
 namespace {
 
 using reference::docparser::DocParserException;
-using reference::docparser::makeObjectInfo;
-using reference::docparser::parseInputGroup;
-using reference::docparser::parseObjectInfo;
 using reference::docparser::parseRefItemDocument;
 using reference::docparser::parseSyntaxGroups;
-using Tools = reference::docparser::DocResourceParser::ParsingTools;
 using namespace reference::property;
 using refdoc::test::documentObject;
 using refdoc::test::parseJson;
@@ -93,20 +89,6 @@ TEST(RefItemParser, ReadsEverySectionOfAFullPage) {
     // Equality covers the engine value slots too: every one of them is empty after parsing.
     EXPECT_EQ(onlyItem(resource), expected);
     EXPECT_TRUE(onlyItem(resource).engineValues().allEmpty());
-}
-
-TEST(RefItemParser, PageWithOnlyRequiredKeysHasEmptySections) {
-    const auto item = parseJson(R"({"href": "ref/a.html", "refpurpose": "A"})").as_object();
-    const auto resource = parseRefItemDocument(documentWith({item}));
-    const RefItem& page = onlyItem(resource);
-    EXPECT_EQ(page, RefItem(u"ref/a.html", {}, u"", u"A", u"", u"", u"", u"", DeprecationStatus::getDefaultValue(), {},
-                            {}, {}, {}, {}, {}, {}));
-}
-
-TEST(RefItemParser, EmptyItemListYieldsHeaderOnly) {
-    const auto resource = parseRefItemDocument(documentObject("tb", "TB", "[]"));
-    EXPECT_EQ(resource.getHeader().getHelpFolder(), u"tb");
-    EXPECT_TRUE(resource.getItems().empty());
 }
 
 // Input and class property names are UTF-8 only on pages documenting a block; output and
@@ -260,35 +242,6 @@ TEST(RefItemParser, DocumentsMissingPartsOrOfTheWrongKindFail) {
     auto itemNotObject = documentWith({});
     itemNotObject["refItems"] = parseJson(R"(["ref/a.html"])");
     EXPECT_THROW(parseRefItemDocument(itemNotObject), DocParserException);
-}
-
-TEST(RefItemParser, ObjectInfoReadersKeepTheGivenNameAndAnchor) {
-    const auto object = parseJson(R"({"htmlid": "id", "name": "N\u00e9", "purpose": "P \u00e9",
-                                      "value": ["v1", "v\u00e9"]})")
-                            .as_object();
-    EXPECT_EQ(makeObjectInfo(object, u"given", u"anchor"),
-              ObjectInfo(u"given", u"P \u00E9", {u"v1", u"v\u00E9"}, u"anchor"));
-    EXPECT_EQ(parseObjectInfo(object, u"h.html", Tools::Utf8),
-              ObjectInfo(u"N\u00E9", u"P \u00E9", {u"v1", u"v\u00E9"}, u"h.html#id"));
-    EXPECT_EQ(parseObjectInfo(object, u"h.html", Tools::Ascii).getName(), u"N\u00C3\u00A9");
-}
-
-TEST(RefItemParser, InputGroupMarksItsInputsAndNeedsATitle) {
-    const auto group = parseJson(R"({"title": "T", "inputs": [{"name": "a", "purpose": "p", "defaultvalue": "1"},
-                                                              {"name": "b", "purpose": "p"}]})")
-                           .as_object();
-    const InputGroup parsed = parseInputGroup(group, u"h.html", Tools::Ascii, true);
-    EXPECT_EQ(parsed.getTitle(), u"T");
-    ASSERT_EQ(parsed.getInputs().size(), 2u);
-    EXPECT_TRUE(parsed.getInputs()[0].isNameValuePair());
-    EXPECT_TRUE(parsed.getInputs()[1].isNameValuePair());
-    EXPECT_EQ(parsed.getInputs()[0].getDefaultValue(), u"1");
-    EXPECT_FALSE(parseInputGroup(group, u"h.html", Tools::Ascii, false).getInputs()[0].isNameValuePair());
-
-    EXPECT_EQ(parseInputGroup(parseJson(R"({"title": "Empty"})").as_object(), u"h", Tools::Ascii, false),
-              InputGroup(u"Empty", {}));
-    EXPECT_THROW(parseInputGroup(parseJson(R"({"inputs": []})").as_object(), u"h", Tools::Ascii, false),
-                 DocParserException);
 }
 
 } // namespace
