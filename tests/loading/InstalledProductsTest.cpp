@@ -26,31 +26,9 @@ protected:
     }
 };
 
+// Installed means an exact short name of a product or an exact support-package name; test
+// products replace the catalogue's, and a catalogue product matches by its short name only.
 TEST_F(InstalledProductsTest, InstalledMeansExactShortNameOrSupportPackageName) {
-    DocResourceParser::setTestProducts({u"alpha", u"\u65e5\u672c"}, {u"beta", u"beta"});
-    const struct {
-        std::u16string name;
-        bool installed;
-    } cases[] = {
-        {u"alpha", true},
-        {u"beta", true},
-        {u"\u65e5\u672c", true},
-        {u"Alpha", false},
-        {u"BETA", false},
-        {u"alpha ", false},
-        {u"alph", false},
-        {u"", false},
-        {u"testDisplayName", false},
-        {u"testBaseCode", false},
-        {u"testAltShortName", false},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(DocResourceParser::isProductInstalled(c.name), c.installed);
-    }
-    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"beta"}));
-}
-
-TEST_F(InstalledProductsTest, CatalogueProductsMatchByShortNameOnly) {
     doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache()->setInstalledTopLevelDocProducts(
         {std::make_shared<const doc_products_shared::TopLevelDocProduct>("short", "display", "help/loc", "base",
                                                                          "altShort", "available")});
@@ -58,67 +36,50 @@ TEST_F(InstalledProductsTest, CatalogueProductsMatchByShortNameOnly) {
     for (const auto* other : {u"display", u"help/loc", u"base", u"altShort", u"available"}) {
         EXPECT_FALSE(DocResourceParser::isProductInstalled(other)) << "matched a field other than the short name";
     }
-}
 
-TEST_F(InstalledProductsTest, EmptyTestProductListLeavesOnlySupportPackagesInstalled) {
-    doc_products_shared::DocProductCacheManager::getInstance().getDocProductCache()->setInstalledTopLevelDocProducts(
-        {std::make_shared<const doc_products_shared::TopLevelDocProduct>("catalogued", "", "", "", "", "")});
+    DocResourceParser::setTestProducts({u"alpha", u"\u65e5\u672c"}, {u"beta", u"beta"});
+    for (const auto* installed : {u"alpha", u"beta", u"\u65e5\u672c"}) {
+        EXPECT_TRUE(DocResourceParser::isProductInstalled(installed));
+    }
+    for (const auto* other : {u"short", u"Alpha", u"BETA", u"alpha ", u"alph", u"", u"testBaseCode"}) {
+        EXPECT_FALSE(DocResourceParser::isProductInstalled(other));
+    }
+    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"beta"}));
+
     DocResourceParser::setTestProducts({}, {u"package"});
-
     EXPECT_TRUE(DocResourceParser::getTopLevelProducts()->empty());
-    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"catalogued"));
+    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"alpha"));
     EXPECT_TRUE(DocResourceParser::isProductInstalled(u"package"));
 }
 
+// The support-package root is read once, a failed read included, until the cache is cleared;
+// clearing also drops test packages in favour of the installation's, and keeps test products.
 TEST_F(InstalledProductsTest, SupportPackagesAreReadOnceUntilTheCacheIsCleared) {
-    refdoc::test::TempDir root;
-    std::filesystem::create_directory(root.path() / "hspA");
-    std::filesystem::create_directory(root.path() / "hspB");
-    root.write("notAPackage.txt", "a file, not a package");
-    useSupportPackageRoot(root.path());
-
-    const auto first = DocResourceParser::getHardwareSupportPackages();
-    EXPECT_EQ(*first, (NameSet{u"hspA", u"hspB"}));
-
-    std::filesystem::create_directory(root.path() / "hspC");
-    EXPECT_EQ(DocResourceParser::getHardwareSupportPackages(), first);
-    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"hspC"));
-
-    DocResourceParser::clearSupportPackageCache();
-    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"hspA", u"hspB", u"hspC"}));
-    EXPECT_TRUE(DocResourceParser::isProductInstalled(u"hspC"));
-    EXPECT_EQ(*first, (NameSet{u"hspA", u"hspB"})) << "a set handed out never changes";
-}
-
-TEST_F(InstalledProductsTest, FailedSupportPackageLoadIsCachedAsEmpty) {
     refdoc::test::TempDir temp;
     const auto root = temp.path() / "notYetThere";
     useSupportPackageRoot(root);
-
     const auto failed = DocResourceParser::getHardwareSupportPackages();
     ASSERT_NE(failed, nullptr);
     EXPECT_TRUE(failed->empty());
 
-    std::filesystem::create_directories(root / "hsp");
+    std::filesystem::create_directories(root / "hspA");
+    temp.write("notYetThere/notAPackage.txt", "a file, not a package");
     EXPECT_EQ(DocResourceParser::getHardwareSupportPackages(), failed);
-    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"hsp"));
+    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"hspA"));
 
     DocResourceParser::clearSupportPackageCache();
-    EXPECT_TRUE(DocResourceParser::isProductInstalled(u"hsp"));
-}
+    const auto first = DocResourceParser::getHardwareSupportPackages();
+    EXPECT_EQ(*first, (NameSet{u"hspA"}));
+    std::filesystem::create_directory(root / "hspB");
+    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"hspB"));
 
-TEST_F(InstalledProductsTest, ClearingTheCacheDropsTestPackagesButKeepsTestProducts) {
-    refdoc::test::TempDir root;
-    std::filesystem::create_directory(root.path() / "realPackage");
-    SupportPackageRootReader::setSupportPackageRoot(root.u16());
     DocResourceParser::setTestProducts({u"alpha"}, {u"testPackage"});
-    ASSERT_FALSE(DocResourceParser::isProductInstalled(u"realPackage")) << "test packages replace the installation";
-
+    EXPECT_FALSE(DocResourceParser::isProductInstalled(u"hspA")) << "test packages replace the installation";
     DocResourceParser::clearSupportPackageCache();
-
-    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"realPackage"}));
+    EXPECT_EQ(*DocResourceParser::getHardwareSupportPackages(), (NameSet{u"hspA", u"hspB"}));
     EXPECT_FALSE(DocResourceParser::isProductInstalled(u"testPackage"));
     EXPECT_TRUE(DocResourceParser::isProductInstalled(u"alpha"));
+    EXPECT_EQ(*first, (NameSet{u"hspA"})) << "a set handed out never changes";
 }
 
 TEST_F(InstalledProductsTest, ListsHandedOutSurviveNewTestProducts) {

@@ -8,9 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <random>
@@ -132,13 +130,6 @@ TEST_F(ZipPackageTest, DamagedEntriesFailAlone) {
         std::function<void(const fs::path&)> damage;
         ZipLimits limits;
     } cases[] = {
-        {"declared size above the bound",
-         ZipBuilder::Compression::Deflate,
-         [](const fs::path& p) {
-             refdoc::test::patchZipEntryUncompressedSize(
-                 p, "bad.json", static_cast<std::uint32_t>(reference::docparser::kMaxZipEntrySize + 1));
-         },
-         {}},
         {"actual size above the declared size",
          ZipBuilder::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 10); },
@@ -151,17 +142,9 @@ TEST_F(ZipPackageTest, DamagedEntriesFailAlone) {
          ZipBuilder::Compression::Store,
          [](const fs::path&) {},
          {.maxEntrySize = 3999}},
-        {"size above the bound (deflated)",
-         ZipBuilder::Compression::Deflate,
-         [](const fs::path&) {},
-         {.maxEntrySize = 3999}},
         {"declared size above the actual size",
          ZipBuilder::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 4001); },
-         {}},
-        {"declared size far above the actual size",
-         ZipBuilder::Compression::Deflate,
-         [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 200u << 20); },
          {}},
         {"CRC mismatch (stored)",
          ZipBuilder::Compression::Store,
@@ -174,10 +157,6 @@ TEST_F(ZipPackageTest, DamagedEntriesFailAlone) {
         {"corrupt deflate stream",
          ZipBuilder::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::corruptZipEntryData(p, "bad.json", 0, 8); },
-         {}},
-        {"changed stored bytes",
-         ZipBuilder::Compression::Store,
-         [](const fs::path& p) { refdoc::test::corruptZipEntryData(p, "bad.json", 100, 1); },
          {}},
         {"compressed data cut short",
          ZipBuilder::Compression::Deflate,
@@ -214,10 +193,7 @@ TEST_F(ZipPackageTest, EntryAtTheBoundIsRead) {
 
 TEST_F(ZipPackageTest, UnopenablePackagesThrow) {
     ZipBuilder().add("a.json", std::string(5000, 'a')).add("b.json", "{}").write(packagePath("whole.zip"));
-    const std::string bytes = [&] {
-        std::ifstream in(packagePath("whole.zip"), std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }();
+    const std::string bytes = refdoc::test::readBytes(packagePath("whole.zip"));
     const struct {
         const char* what;
         std::optional<std::string> content; // nullopt: nothing is created at the path
@@ -226,9 +202,6 @@ TEST_F(ZipPackageTest, UnopenablePackagesThrow) {
         {"empty file", std::string()},
         {"JSON text", std::string("{\"not\":\"a zip\"}")},
         {"cut in half", bytes.substr(0, bytes.size() / 2)},
-        {"last byte missing", bytes.substr(0, bytes.size() - 1)},
-        {"central directory missing",
-         bytes.substr(0, refdoc::test::locateZipEntry(packagePath("whole.zip"), "a.json").dataOffset + 10)},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

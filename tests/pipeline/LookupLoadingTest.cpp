@@ -181,19 +181,16 @@ TEST_F(LookupLoading, InstalledStatusFollowsTheProductsAndPackages) {
     EXPECT_EQ(results.uninstalledResources.count(u"sp_a"), 1u);
 }
 
-TEST_F(LookupLoading, MissingFolderYieldsNothing) {
-    DocResourceParser::setReferenceRoot(root_.u16() + u"/nowhere");
-    const auto results = loadIn(u"ja");
-    EXPECT_TRUE(results.installedResources.empty());
-    EXPECT_TRUE(results.uninstalledResources.empty());
-}
-
-TEST_F(LookupLoading, UnreadablePackageIsSkippedAndTheRestLoads) {
+TEST_F(LookupLoading, UnreadablePackageIsSkippedAndAMissingFolderYieldsNothing) {
     root_.write("docCatalog/referenceapi_lookup/truncated.zip", "PK\x03\x04 not really a package");
     std::filesystem::create_directories(lookup_ / "folder.json"); // a folder named like a data file
     const auto results = loadIn(u"en");
     EXPECT_EQ(results.installedResources.size(), 6u);
     EXPECT_EQ(results.uninstalledResources.size(), 2u);
+
+    DocResourceParser::setReferenceRoot(root_.u16() + u"/nowhere");
+    const auto nothing = loadIn(u"ja");
+    EXPECT_TRUE(nothing.installedResources.empty() && nothing.uninstalledResources.empty());
 }
 
 } // namespace

@@ -9,13 +9,12 @@
 #include "FuzzTargets.hpp"
 
 #include "support/HostSettingsFixture.hpp"
+#include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,8 +50,7 @@ void replay(std::string_view targetName, std::string_view seedFolders) {
     ASSERT_FALSE(inputs.empty()) << "no seeds for " << targetName;
     const Target target;
     for (const auto& input : inputs) {
-        std::ifstream in(input, std::ios::binary);
-        const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        const std::string bytes = refdoc::test::readBytes(input);
         try {
             target.run(bytes);
         } catch (const std::exception& failure) {

@@ -4,14 +4,14 @@
 
 #include "HostileRoot.hpp"
 
+#include "support/TempDir.hpp"
 #include "support/ZipBuilder.hpp"
 
 #include "docparser/loading/ZipPackage.hpp"
 
-#include <array>
-#include <fstream>
+#include <zlib.h>
+
 #include <functional>
-#include <iterator>
 #include <set>
 
 namespace refdoc::test {
@@ -25,35 +25,6 @@ constexpr std::size_t kMiB = std::size_t{1} << 20;
 // shows as the set of item names under "hostile".
 std::string hostileLookup(const std::string& itemName) {
     return fileText(lookupDocument({"Hostile", "HOS", "hostile"}, {{itemName, "from the package"}}));
-}
-
-std::string readAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-void writeAll(const fs::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary | std::ios::trunc)
-        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
-std::uint32_t crc32(std::string_view bytes) {
-    static const auto table = [] {
-        std::array<std::uint32_t, 256> entries{};
-        for (std::uint32_t i = 0; i < 256; ++i) {
-            std::uint32_t c = i;
-            for (int k = 0; k < 8; ++k) {
-                c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
-            }
-            entries[i] = c;
-        }
-        return entries;
-    }();
-    std::uint32_t crc = 0xFFFFFFFFu;
-    for (const char byte : bytes) {
-        crc = table[(crc ^ static_cast<unsigned char>(byte)) & 0xFFu] ^ (crc >> 8);
-    }
-    return crc ^ 0xFFFFFFFFu;
 }
 
 void putLe(std::string& out, std::uint32_t value, int width) {
@@ -74,7 +45,8 @@ std::string entriesSharingTheirData(int entryCount, const std::string& payload) 
     auto nameOf = [](int i) { return "e" + std::string(i < 10 ? "0" : "") + std::to_string(i) + ".json"; };
     for (int i = entryCount - 1; i >= 0; --i) {
         const auto index = static_cast<std::size_t>(i);
-        crcs[index] = crc32(tail);
+        crcs[index] = static_cast<std::uint32_t>(
+            ::crc32(0, reinterpret_cast<const Bytef*>(tail.data()), static_cast<uInt>(tail.size())));
         sizes[index] = static_cast<std::uint32_t>(tail.size());
         std::string& header = headers[index];
         putLe(header, 0x04034b50, 4);
@@ -132,11 +104,11 @@ void truncatedCentralDirectory(const fs::path& package, bool keepEndRecord) {
         .add("b.json", hostileLookup("b"))
         .add("c.json", hostileLookup("c"))
         .write(package);
-    const std::string bytes = readAll(package);
+    const std::string bytes = readBytes(package);
     const std::string endRecord = bytes.substr(bytes.size() - 22);
     const auto centralOffset = locateZipEntry(package, "a.json").centralHeaderOffset;
     const std::string cut = bytes.substr(0, centralOffset + (bytes.size() - 22 - centralOffset) / 2);
-    writeAll(package, keepEndRecord ? cut + endRecord : cut);
+    writeBytes(package, keepEndRecord ? cut + endRecord : cut);
 }
 
 struct ZipCase {
@@ -188,17 +160,17 @@ const ZipCase kCases[] = {
      {"kept"}},
     {"entries_sharing_their_data",
      [](const fs::path& package) {
-         writeAll(package, entriesSharingTheirData(96, hostileLookup("shared") + std::string(kMiB / 2, ' ')));
+         writeBytes(package, entriesSharingTheirData(96, hostileLookup("shared") + std::string(kMiB / 2, ' ')));
      },
      {}},
     {"duplicate_entry_names",
      [](const fs::path& package) {
          ZipBuilder().add("dup.json", hostileLookup("first")).add("dux.json", hostileLookup("second")).write(package);
-         std::string bytes = readAll(package);
+         std::string bytes = readBytes(package);
          for (auto at = bytes.find("dux.json"); at != std::string::npos; at = bytes.find("dux.json", at)) {
              bytes.replace(at, 8, "dup.json");
          }
-         writeAll(package, bytes);
+         writeBytes(package, bytes);
      },
      {}},
     // Nothing is ever extracted: folder parts of a name, however they point, only lead to the base

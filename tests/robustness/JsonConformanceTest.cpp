@@ -25,9 +25,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <vector>
 
 namespace refdoc::test {
@@ -49,8 +47,7 @@ std::vector<Document> documents(const std::string& prefix) {
     for (const auto& entry : fs::directory_iterator(kCorpus)) {
         const std::string name = entry.path().filename().string();
         if (name.starts_with(prefix) && entry.path().extension() == ".json") {
-            std::ifstream in(entry.path(), std::ios::binary);
-            found.push_back({name, std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>())});
+            found.push_back({name, readBytes(entry.path())});
         }
     }
     std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });

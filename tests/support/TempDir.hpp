@@ -24,4 +24,9 @@ private:
     std::filesystem::path path_;
 };
 
+// A whole file's bytes; throws std::runtime_error when it cannot be read.
+std::string readBytes(const std::filesystem::path& path);
+// Replaces the file at `path` with `bytes`; throws std::runtime_error when it cannot be written.
+void writeBytes(const std::filesystem::path& path, std::string_view bytes);
+
 } // namespace refdoc::test

@@ -1,9 +1,9 @@
 #include "support/ZipBuilder.hpp"
 
+#include "support/TempDir.hpp"
+
 #include <zip.h>
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace refdoc::test {
@@ -13,22 +13,6 @@ namespace {
     std::string message = what + ": " + zip_strerror(archive);
     zip_discard(archive);
     throw std::runtime_error(message);
-}
-
-std::string readAll(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        throw std::runtime_error("cannot read " + path.string());
-    }
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-void writeAll(const std::filesystem::path& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (!out) {
-        throw std::runtime_error("cannot write " + path.string());
-    }
 }
 
 std::uint32_t readLe(const std::string& bytes, std::uint64_t offset, int width) {
@@ -94,11 +78,11 @@ ZipEntryLayout locate(const std::string& bytes, const std::string& entryName) {
 // Offsets of a field in the central header and in the local header.
 void patchField(const std::filesystem::path& package, const std::string& entryName, std::uint64_t centralOffset,
                 std::uint64_t localOffset, std::uint32_t value) {
-    std::string bytes = readAll(package);
+    std::string bytes = readBytes(package);
     const ZipEntryLayout layout = locate(bytes, entryName);
     writeLe32(bytes, layout.centralHeaderOffset + centralOffset, value);
     writeLe32(bytes, layout.localHeaderOffset + localOffset, value);
-    writeAll(package, bytes);
+    writeBytes(package, bytes);
 }
 
 } // namespace
@@ -159,7 +143,7 @@ const std::filesystem::path& ZipBuilder::write(const std::filesystem::path& path
 }
 
 ZipEntryLayout locateZipEntry(const std::filesystem::path& package, const std::string& entryName) {
-    return locate(readAll(package), entryName);
+    return locate(readBytes(package), entryName);
 }
 
 void patchZipEntryCrc(const std::filesystem::path& package, const std::string& entryName, std::uint32_t crc) {
@@ -178,7 +162,7 @@ void patchZipEntryCompressedSize(const std::filesystem::path& package, const std
 
 void corruptZipEntryData(const std::filesystem::path& package, const std::string& entryName, std::uint64_t offset,
                          std::uint64_t count) {
-    std::string bytes = readAll(package);
+    std::string bytes = readBytes(package);
     const ZipEntryLayout layout = locate(bytes, entryName);
     if (offset + count > layout.compressedSize) {
         throw std::runtime_error("corruption range outside the entry's data");
@@ -186,7 +170,7 @@ void corruptZipEntryData(const std::filesystem::path& package, const std::string
     for (std::uint64_t i = 0; i < count; ++i) {
         bytes[layout.dataOffset + offset + i] = '\xFF';
     }
-    writeAll(package, bytes);
+    writeBytes(package, bytes);
 }
 
 } // namespace refdoc::test

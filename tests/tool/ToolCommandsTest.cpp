@@ -215,7 +215,7 @@ TEST(SampleRoot, EveryPackageHoldsExactlyItsCommittedSources) {
     for (const auto& source : fs::directory_iterator(kExamples / "docroot-packages")) {
         std::map<std::string, std::string> expected;
         for (const auto& file : fs::directory_iterator(source.path())) {
-            expected[file.path().filename().string()] = readWhole(file.path());
+            expected[file.path().filename().string()] = readBytes(file.path());
         }
         const ZipPackage package((lookupFolder / (source.path().filename().string() + ".zip")).u16string());
         std::map<std::string, std::string> actual;

@@ -10,8 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -35,11 +33,6 @@ struct ToolRun {
 
 inline void PrintTo(const ToolRun& run, std::ostream* os) {
     *os << "status " << run.status << "\n--- stdout\n" << run.out << "--- stderr\n" << run.err;
-}
-
-inline std::string readWhole(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
 // Runs the tool; stdout and stderr go to files in a private temp folder, so neither can block.
@@ -76,8 +69,8 @@ inline ToolRun runTool(const std::vector<std::string>& args) {
     }
     ToolRun run;
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.out = readWhole(outPath);
-    run.err = readWhole(errPath);
+    run.out = readBytes(outPath);
+    run.err = readBytes(errPath);
     return run;
 }
 
