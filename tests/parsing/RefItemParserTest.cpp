@@ -140,27 +140,6 @@ TEST(RefItemParser, BlockPagesDecodeMemberNamesAsUtf8) {
     }
 }
 
-TEST(RefItemParser, AnchorsJoinHrefWithHtmlIdOrPropertyName) {
-    const auto item = parseJson(R"({
-        "href": "ref/foo.html", "refpurpose": "p",
-        "inputgroup": [{"title": "T", "inputs": [{"htmlid": "in_x", "name": "x", "purpose": "p"},
-                                                 {"name": "y", "purpose": "p"}]}],
-        "outputs": [{"name": "z", "purpose": "p"}],
-        "parameters": [{"htmlid": "par", "name": "w", "purpose": "p"}],
-        "classpropertygroup": [{"classproperty": [{"name": "Color", "htmlid": "prop_other", "purpose": "p"}]}]
-    })")
-                          .as_object();
-    const auto resource = parseRefItemDocument(documentWith({item}));
-    const RefItem& page = onlyItem(resource);
-    const auto& inputs = page.getInputGroups().at(0).getInputs();
-    EXPECT_EQ(inputs.at(0).getInfo().getAnchor(), u"ref/foo.html#in_x");
-    EXPECT_EQ(inputs.at(1).getInfo().getAnchor(), u"ref/foo.html#");
-    EXPECT_EQ(page.getOutputs().at(0).getInfo().getAnchor(), u"ref/foo.html#");
-    EXPECT_EQ(page.getParameters().at(0).getInfo().getAnchor(), u"ref/foo.html#par");
-    EXPECT_EQ(page.getClassPropertyGroups().at(0).getProperties().at(0).getInfo().getAnchor(),
-              u"ref/foo.html#prop_Color");
-}
-
 TEST(RefItemParser, NameValuePairGroupsExpandInPlace) {
     const auto item = parseJson(R"({
         "href": "ref/f.html", "refpurpose": "p",
@@ -214,6 +193,7 @@ TEST(RefItemParser, OptionalMembersTakeTheirDefaults) {
     const auto& input = page.getInputGroups().at(0).getInputs().at(0);
     EXPECT_EQ(input.getSyntaxType(), SyntaxType::getDefaultValue());
     EXPECT_EQ(input.getDefaultValue(), u"");
+    EXPECT_EQ(input.getInfo().getAnchor(), u"ref/f.html#") << "no html id: the href and a bare '#'";
     EXPECT_TRUE(input.getInfo().getValues().empty());
     EXPECT_EQ(page.getClassPropertyGroups().at(0).getTitle(), u"");
     EXPECT_EQ(page.getExamples().at(0).getOpenCommand(), u"");

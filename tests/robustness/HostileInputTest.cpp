@@ -7,7 +7,6 @@
 
 #include <doclanguage/DocLanguage.hpp>
 
-#include <fstream>
 #include <functional>
 
 #include <sys/stat.h>
@@ -38,12 +37,6 @@ std::string itemWithPurpose(std::string_view purposeJson) {
         .append(R"(,"href":"hostile/probe.html"})");
 }
 
-void writeFile(const fs::path& path, std::string_view bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    ASSERT_TRUE(out.good()) << path;
-}
-
 struct HostileCase {
     const char* name;
     // Makes the hostile entry at the given path: hostile.json and hostile.zip in the lookup folder
@@ -52,7 +45,7 @@ struct HostileCase {
 };
 
 std::function<void(const fs::path&)> bytes(std::string text) {
-    return [text = std::move(text)](const fs::path& path) { writeFile(path, text); };
+    return [text = std::move(text)](const fs::path& path) { writeBytes(path, text); };
 }
 
 void PrintTo(const HostileCase& hostileCase, std::ostream* out) { *out << hostileCase.name; }
@@ -97,7 +90,7 @@ const HostileCase kCases[] = {
     {"a_folder",
      [](const fs::path& path) {
          fs::create_directories(path / "inside");
-         writeFile(path / "inside" / "hostile.json", document());
+         writeBytes(path / "inside" / "hostile.json", document());
      }},
     {"a_symbolic_link_loop",
      [](const fs::path& path) {
@@ -111,7 +104,7 @@ const HostileCase kCases[] = {
     {"a_fifo", [](const fs::path& path) { ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0) << path; }},
     {"a_sparse_file_past_the_size_bound",
      [](const fs::path& path) {
-         writeFile(path, document());
+         writeBytes(path, document());
          fs::resize_file(path, reference::docparser::kMaxDataFileSize + 1);
      }},
 };
@@ -120,8 +113,8 @@ class HostileInput : public HostileRoot {};
 class HostileFile : public HostileRoot, public ::testing::WithParamInterface<HostileCase> {};
 
 TEST_F(HostileInput, TheUnbrokenDocumentLoadsInBothFormats) {
-    writeFile(lookupFolder() / "hostile.json", document());
-    writeFile(referenceFolder() / "hostile.json", document());
+    writeBytes(lookupFolder() / "hostile.json", document());
+    writeBytes(referenceFolder() / "hostile.json", document());
     const Loaded loaded = load(u"hostile");
     EXPECT_EQ(summarize(loaded.lookups.installedResources),
               (LookupSummary{{"control", {"Control", {{"probe", {"Always here"}}}}},
@@ -151,8 +144,8 @@ TEST_F(HostileInput, MegabyteStringsLoadWholeInMemoryProportionalToTheFile) {
     const std::string text =
         document(R"({"name":")" + accented + R"(","refpurpose":")" + ascii + R"(","href":"hostile/probe.html"})",
                  R"(,"ignored":")" + ascii + "\"");
-    writeFile(lookupFolder() / "hostile.json", text);
-    writeFile(referenceFolder() / "hostile.json", text);
+    writeBytes(lookupFolder() / "hostile.json", text);
+    writeBytes(referenceFolder() / "hostile.json", text);
 
     const Loaded loaded = load(u"hostile");
 
@@ -173,8 +166,8 @@ TEST_F(HostileInput, MegabyteStringsLoadWholeInMemoryProportionalToTheFile) {
 TEST_F(HostileInput, EscapedNulsAreKeptInValuesAndNameKeysOfTheirOwn) {
     const std::string text =
         document(R"({"name":"nul\u0000name","refpurpose":"a\u0000b","href":"hostile/probe.html","x\u0000":1})");
-    writeFile(lookupFolder() / "hostile.json", text);
-    writeFile(referenceFolder() / "hostile.json", text);
+    writeBytes(lookupFolder() / "hostile.json", text);
+    writeBytes(referenceFolder() / "hostile.json", text);
 
     const Loaded loaded = load(u"hostile");
 
@@ -196,7 +189,7 @@ TEST_F(HostileInput, ManyNameValueHoldersTakeLinearWork) {
     }
     const std::string text =
         document(R"({"href":"hostile/probe.html","refpurpose":"p","inputgroup":[)" + holders + "]}");
-    writeFile(referenceFolder() / "hostile.json", text);
+    writeBytes(referenceFolder() / "hostile.json", text);
 
     const Loaded loaded = load(u"hostile");
 
@@ -212,9 +205,9 @@ TEST_F(HostileInput, ALongFallbackListMergesInLinearWork) {
         items += (i == 0 ? "" : ",");
         items += R"({"name":"a","refpurpose":"p","href":"hostile/ref/item)" + std::to_string(i) + R"(.html"})";
     }
-    writeFile(lookupFolder() / "hostile.json", document(items));
-    writeFile(lookupFolder() / "hostile_ja.json",
-              document(R"({"name":"a","refpurpose":"ja","href":"hostile/ref/item0.html"})"));
+    writeBytes(lookupFolder() / "hostile.json", document(items));
+    writeBytes(lookupFolder() / "hostile_ja.json",
+               document(R"({"name":"a","refpurpose":"ja","href":"hostile/ref/item0.html"})"));
     doclanguage::DocLanguage::getInstance().setSupportedDocLanguages({u"en", u"ja"});
     doclanguage::DocLanguage::getInstance().setDocLanguage(u"ja");
 
