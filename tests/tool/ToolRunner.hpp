@@ -7,19 +7,17 @@
 
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
+#include <boost/process/args.hpp>
+#include <boost/process/child.hpp>
+#include <boost/process/io.hpp>
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <cerrno>
-
-#include <fcntl.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 namespace refdoc::test {
 
@@ -40,38 +38,11 @@ inline ToolRun runTool(const std::vector<std::string>& args) {
     const TempDir capture;
     const auto outPath = capture.path() / "out";
     const auto errPath = capture.path() / "err";
-    std::vector<std::string> argv{REFDOC_TOOL_PATH};
-    argv.insert(argv.end(), args.begin(), args.end());
-    std::vector<char*> pointers;
-    for (auto& arg : argv) {
-        pointers.push_back(arg.data());
-    }
-    pointers.push_back(nullptr);
-
-    const pid_t child = ::fork();
-    if (child < 0) {
-        throw std::runtime_error("fork failed");
-    }
-    if (child == 0) {
-        const int out = ::open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        const int err = ::open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        if (out < 0 || err < 0 || ::dup2(out, 1) < 0 || ::dup2(err, 2) < 0) {
-            ::_exit(127);
-        }
-        ::execv(pointers[0], pointers.data());
-        ::_exit(127);
-    }
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR) {
-            throw std::runtime_error("waitpid failed");
-        }
-    }
-    ToolRun run;
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.out = readBytes(outPath);
-    run.err = readBytes(errPath);
-    return run;
+    boost::process::child child(std::string(REFDOC_TOOL_PATH), boost::process::args(args),
+                                boost::process::std_out > outPath, boost::process::std_err > errPath);
+    child.wait();
+    const int status = child.native_exit_code();
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readBytes(outPath), readBytes(errPath)};
 }
 
 // Skips the whole suite in a build that leaves the tool out.

@@ -7,3 +7,5 @@ else()
   target_compile_definitions(${REFDOC_SUITE_TARGET} PRIVATE REFDOC_TOOL_PATH="")
 endif()
 target_compile_definitions(${REFDOC_SUITE_TARGET} PRIVATE REFDOC_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples")
+# The tool is started through Boost.Process, on std::filesystem rather than Boost.Filesystem.
+target_compile_definitions(${REFDOC_SUITE_TARGET} PRIVATE BOOST_PROCESS_USE_STD_FS)
