@@ -12,6 +12,7 @@
 #include <boost/process/io.hpp>
 #include <boost/process/pipe.hpp>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -54,20 +55,20 @@ public:
 
     // SIGTERM, then the exit status (-1 when it did not exit normally).
     int stop() {
-        if (child_.valid() && status_ == -2) {
+        if (child_.valid() && !status_) {
             ::kill(child_.id(), SIGTERM);
             child_.wait();
             const int status = child_.native_exit_code();
             status_ = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
         }
-        return status_;
+        return status_.value_or(-1);
     }
 
 private:
     boost::process::ipstream printed_;
     boost::process::child child_;
     int port_ = 0;
-    int status_ = -2; // -2 while running
+    std::optional<int> status_; // set once stopped
 };
 
 } // namespace refdoc::test
