@@ -86,20 +86,4 @@ private:
     std::shared_ptr<LogSink> sink_;
 };
 
-// The text of a lookup file through the streaming and the tree reading (Differential.hpp): the
-// outcomes (result or failure, and the diagnostics recorded) must be identical.
-class LookupDiffTarget {
-public:
-    void run(std::string_view input) const;
-};
-
-// The same for page files, each read without a replacement, with a replacement that covers every
-// page and with one that covers some. The replacement is the tree reading of the part after
-// PageFileTarget::kLocalizedSeparator when there is one and it parses, else of the file itself;
-// that part is compared as a file of its own too.
-class PageDiffTarget {
-public:
-    void run(std::string_view input) const;
-};
-
 } // namespace refdoc::fuzz

@@ -108,16 +108,29 @@ void checkMerges(const ResourceMap& parsed) {
 void LookupParserTarget::run(std::string_view input) const {
     const std::string text(input);
     ResourceMap parsed;
+    bool accepted = true;
     try {
-        parsed = reference::docparser::parseLookupFile(text);
+        parsed = reference::docparser::lookupFileParser(text);
     } catch (const DocParserException&) {
-        return; // valid JSON that breaks the lookup format
+        accepted = false; // valid JSON that breaks the lookup format
     } catch (const boost::system::system_error&) {
         return; // not strict JSON
     }
 
-    // Accepted, so the text is strict JSON and every member the format reads has its kind.
+    // The same tables read the parsed value: the same records, or the same refusal.
     const boost::json::value root = boost::json::parse(text);
+    bool valueAccepted = true;
+    ResourceMap fromValue;
+    try {
+        fromValue = reference::docparser::parseLookupFile(root);
+    } catch (const DocParserException&) {
+        valueAccepted = false;
+    }
+    require(valueAccepted == accepted && fromValue == parsed, "the text and its parsed value give the same records");
+    if (!accepted) {
+        return;
+    }
+    // Accepted, so every member the format reads has its kind.
     const auto& main = root.as_object();
     std::vector<std::pair<std::u16string, const boost::json::object*>> claims{
         {widened(bytesOf(main.at("helpFolder"))), &main}};

@@ -1,6 +1,8 @@
 #include "FuzzTargets.hpp"
 
-#include "docparser/parsing/RefItemFile.hpp"
+#include "docparser/parsing/RefItemParser.hpp"
+
+#include <boost/json/parse.hpp>
 
 #include <reference/docparser/DocResourceParser.hpp>
 
@@ -17,13 +19,27 @@ using reference::docparser::DocParserException;
 using reference::docparser::DocResourceParser;
 using PageMap = DocResourceParser::RefItemFileMap;
 
+// The file's pages, or nothing for a file that counts as absent. The same tables read the
+// parsed value of strict JSON text: it must give the same pages, or the same refusal.
 PageMap parsedOrAbsent(const std::string& text) {
+    PageMap pages;
+    bool accepted = true;
     try {
-        return reference::docparser::parseRefItemFile(text);
+        pages = reference::docparser::parseRefItemFile(text, nullptr, nullptr);
     } catch (const DocParserException&) {
+        accepted = false;
     } catch (const boost::system::system_error&) {
+        return {};
     }
-    return {};
+    bool valueAccepted = true;
+    PageMap fromValue;
+    try {
+        fromValue = reference::docparser::parseRefItemFile(boost::json::parse(text));
+    } catch (const DocParserException&) {
+        valueAccepted = false;
+    }
+    require(valueAccepted == accepted && fromValue == pages, "the text and its parsed value give the same pages");
+    return pages;
 }
 
 // Per document the translation's header wins; per link its pages win and English pages fill the

@@ -22,7 +22,7 @@ foreach(_line IN LISTS _refdoc_fuzz_lines)
   string(APPEND _refdoc_fuzz_list "REFDOC_FUZZ_TARGET(${_name}, ${_class}, \"${_seeds}\")\n")
 endforeach()
 
-set(REFDOC_FUZZ_TARGET_SOURCES ${REFDOC_FUZZ_DIR}/ScratchRoot.cpp ${REFDOC_FUZZ_DIR}/Differential.cpp)
+set(REFDOC_FUZZ_TARGET_SOURCES ${REFDOC_FUZZ_DIR}/ScratchRoot.cpp)
 foreach(_class IN LISTS REFDOC_FUZZ_TARGET_CLASSES)
   list(APPEND REFDOC_FUZZ_TARGET_SOURCES ${REFDOC_FUZZ_DIR}/${_class}.cpp)
 endforeach()

@@ -23,6 +23,7 @@ namespace {
 
 using refdoc::test::CapturedRecord;
 using refdoc::test::LogCapture;
+using reference::docparser::DropReason;
 using reference::docparser::DocResourceParser;
 using reference::docparser::kFileAccessSeverity;
 using reference::docparser::kFileReadErrorSeverity;
@@ -63,12 +64,12 @@ TEST_F(FileAccessTest, DiskFilesComeBackByteForByte) {
     std::string reused = "left over from an earlier file";
     for (const auto& content : contents) {
         const auto path = dir.write("file.json", content).u16string();
-        reference::docparser::readFileContents(path, reused);
+        EXPECT_EQ(reference::docparser::readFileContents(path, reused).reason,
+                  content.empty() ? DropReason::NoData : DropReason::None);
         EXPECT_EQ(reused, content);
         capture.clear();
         EXPECT_EQ(DocResourceParser::openAndReadFile(path), content);
         EXPECT_EQ(DocResourceParser::openAndReadFile(ProductPathData(u"file", false, path)), content);
-        EXPECT_EQ(reference::docparser::readFileContents(path), content);
         const std::string narrowPath = fs::path(path).string();
         EXPECT_EQ(capture.records(), (std::vector<CapturedRecord>{reading(narrowPath), reading(narrowPath)}))
             << "no error record for a readable file, not even an empty one";
@@ -85,10 +86,13 @@ TEST_F(FileAccessTest, PathsThatAreNoRegularFileGiveNothingSilently) {
     const struct {
         const char* name;
         std::string content;
+        DropReason reason; // what the reader says of it
     } cases[] = {
-        {"missing.json", ""},  {"folder.json", ""},
-        {"pipe.json", ""}, // a FIFO must not block the reader
-        {"dangling.json", ""}, {"link.json", "{\"via\":\"link\"}"},
+        {"missing.json", "", DropReason::Missing},
+        {"folder.json", "", DropReason::Unreadable},
+        {"pipe.json", "", DropReason::Unreadable}, // a FIFO must not block the reader
+        {"dangling.json", "", DropReason::Missing},
+        {"link.json", "{\"via\":\"link\"}", DropReason::None},
     };
     LogCapture capture(kBoth);
     for (const auto& c : cases) {
@@ -97,6 +101,8 @@ TEST_F(FileAccessTest, PathsThatAreNoRegularFileGiveNothingSilently) {
         const auto path = dir.path() / c.name;
         EXPECT_EQ(DocResourceParser::openAndReadFile(path.u16string()), c.content);
         EXPECT_EQ(capture.records(), std::vector<CapturedRecord>{reading(path.string())});
+        std::string text;
+        EXPECT_EQ(reference::docparser::readFileContents(path.u16string(), text).reason, c.reason);
     }
 }
 

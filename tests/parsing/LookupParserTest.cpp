@@ -12,7 +12,7 @@ namespace {
 using reference::docparser::DocParserException;
 using reference::docparser::DocResourceParser;
 using reference::docparser::parseLookupDocument;
-using reference::docparser::parseLookupFile;
+using reference::docparser::lookupFileParser;
 using namespace reference::property;
 using refdoc::test::documentObject;
 using refdoc::test::parseJson;
@@ -49,7 +49,7 @@ TEST(LookupParser, ReadsHeaderAndEveryFieldOfAnEntry) {
              "type": "function", "fcntype": "builtin", "other": {"x": 1}}
         ]
     })";
-    const auto result = parseLookupFile(text);
+    const auto result = lookupFileParser(text);
     ASSERT_EQ(keysOf(result), std::vector<std::u16string>{u"signal"});
 
     const auto& resource = result.at(u"signal");
@@ -138,7 +138,7 @@ TEST(LookupParser, SupportPackagesAreKeyedByBaseCodeAndTheFirstClaimWins) {
     packages.push_back(nested);
     root["supportPackages"] = packages;
 
-    const auto result = parseLookupFile(toText(root));
+    const auto result = lookupFileParser(toText(root));
     EXPECT_EQ(keysOf(result), (std::vector<std::u16string>{u"main", u"pkgA", u"pkgB", u"pkgC"}));
     EXPECT_EQ(result.at(u"main").getHeader().getProductName(), u"Main product");
     EXPECT_TRUE(result.at(u"main").getItems().contains(u"fromMain"));
@@ -184,7 +184,7 @@ TEST(LookupParser, MissingRequiredKeyFailsTheWholeFile) {
                                         {documentObject("d", "DUPLICATE", goodItems), package}));
     }
     for (const auto& [what, root] : cases) {
-        EXPECT_THROW(parseLookupFile(toText(root)), DocParserException) << what;
+        EXPECT_THROW(lookupFileParser(toText(root)), DocParserException) << what;
     }
 }
 

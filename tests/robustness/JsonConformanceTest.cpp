@@ -11,7 +11,7 @@
 // one, used as the value of a member the formats do not read, changes nothing.
 
 #include "docparser/parsing/LookupParser.hpp"
-#include "docparser/parsing/RefItemFile.hpp"
+#include "docparser/parsing/RefItemParser.hpp"
 
 #include "HostileRoot.hpp"
 
@@ -84,11 +84,11 @@ Outcome outcomeOf(const std::function<void()>& parse) {
 }
 
 Outcome lookupOutcome(const std::string& text) {
-    return outcomeOf([&] { reference::docparser::parseLookupFile(text); });
+    return outcomeOf([&] { reference::docparser::lookupFileParser(text); });
 }
 
 Outcome pageOutcome(const std::string& text) {
-    return outcomeOf([&] { reference::docparser::parseRefItemFile(text); });
+    return outcomeOf([&] { reference::docparser::parseRefItemFile(text, nullptr, nullptr); });
 }
 
 // A document of the product `folder` that both formats accept, its item's purpose given as JSON

@@ -33,6 +33,10 @@ class TopLevelDocProduct;
 
 namespace reference::docparser {
 
+namespace detail {
+struct LoadContext; // inside the library
+}
+
 // The pipeline and the merge are compiled into the library for the lookup resources only; these
 // constraints turn any other type into a compile-time error here instead of a link error.
 template <class T>
@@ -48,7 +52,7 @@ concept PropertyEnumeration = std::same_as<T, property::RefEntityType> || std::s
 
 // What one run of the multi-product pipeline needs: the caller's parser and installed-product
 // test (used by reference, so they must outlive the run), the supported locale suffixes
-// ("_ja", ...) and the current locale's suffix.
+// ("_ja", ...), the current locale's suffix and the call's context.
 template <PipelineResourceMap T>
 struct ParsingInfo {
     using JsonParsingFcn = std::function<T(const std::string&)>;
@@ -58,6 +62,9 @@ struct ParsingInfo {
     const IsInstalledFcn& isInstalledFcn;
     std::vector<std::u16string> supportedLocales;
     std::u16string localeSuffix;
+    // The loading call's own state (memory reused from file to file, the diagnostics scope that
+    // records the call), made by parseMultipleProductFiles; null: each step uses its own.
+    detail::LoadContext* context = nullptr;
 };
 
 class REFDOC_API DocResourceParser {

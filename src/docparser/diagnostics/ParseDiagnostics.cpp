@@ -2,10 +2,11 @@
 
 #include <reference/docparser/ParseDiagnostics.hpp>
 
-#include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/diagnostics/Recorder.hpp"
 
 namespace reference::docparser {
+
+constinit thread_local diagnostics::Recorder* diagnostics::tActiveRecorder = nullptr;
 
 ParseDiagnosticsScope::ParseDiagnosticsScope()
     : recorder_(std::make_unique<diagnostics::Recorder>()), previous_(diagnostics::tActiveRecorder) {
@@ -24,7 +25,6 @@ const std::vector<FileDiagnostic>& ParseDiagnosticsScope::files() const noexcept
 std::vector<FileDiagnostic> ParseDiagnosticsScope::takeFiles() noexcept {
     std::vector<FileDiagnostic> taken = std::move(recorder_->files);
     recorder_->files.clear();
-    recorder_->end();
     return taken;
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <reference/docparser/ParseDiagnostics.hpp>
+#include <reference/docparser/ProductData.hpp>
+
 #include <cstdint>
 #include <string>
-
-#include <reference/docparser/ProductData.hpp>
 
 namespace reference::docparser {
 
@@ -11,18 +12,27 @@ namespace reference::docparser {
 // documentation data, and the bound keeps a stray huge file from exhausting memory.
 inline constexpr std::uint64_t kMaxDataFileSize = std::uint64_t{1} << 30; // 1 GiB
 
-// The bytes of the regular file at `path`, unchanged. "" without a record when the path names no
-// readable regular file (missing, no permission, a folder, a device); "" and the record
-// "Problem reading JSON file: " + path when an opened file cannot be read whole (larger than
-// kMaxDataFileSize, or failing while being read). Never throws for a file error.
-std::string readFileContents(const std::u16string& path);
-// The same into `content`, whose memory is reused ("" as above).
-void readFileContents(const std::u16string& path, std::string& content);
+// Why a read gave no text, said by the code that failed: Missing (no such file), Unreadable (not
+// a regular file, the system refused, over the size bound, a damaged or encrypted package entry)
+// or NoData (the file or entry is empty). None: the text was read.
+struct ReadResult {
+    DropReason reason = DropReason::None;
+    std::string message;
+
+    bool read() const noexcept { return reason == DropReason::None; }
+};
+
+// The bytes of the regular file at `path`, unchanged, into `content` (whose memory is reused);
+// "" when the read fails. Without a log record when the path names no readable regular file
+// (missing, no permission, a folder, a device); with the record "Problem reading JSON file: " +
+// path when an opened file cannot be read whole (larger than kMaxDataFileSize, or failing while
+// being read). Never throws for a file error.
+ReadResult readFileContents(const std::u16string& path, std::string& content);
 
 // What openAndReadFile does for a lookup file on disk or in a package, log records included,
 // into `text`, whose memory is reused: a loading call reads every file into one buffer, so that
 // reading a file does not allocate after the many small frees of merging the previous one.
-void readResourceText(const ProductPathData& file, std::string& text);
-void readResourceText(const ProductZipData& file, std::string& text);
+ReadResult readResourceText(const ProductPathData& file, std::string& text);
+ReadResult readResourceText(const ProductZipData& file, std::string& text);
 
 } // namespace reference::docparser

@@ -1,20 +1,20 @@
 // The two public loading operations: every product's lookup index, and one product's pages.
 
-#include "docparser/diagnostics/DiagnosticHooks.hpp"
-#include "docparser/loading/EmptyReadExplanation.hpp"
+#include "docparser/loading/FileAccess.hpp"
+#include "docparser/loading/FileNames.hpp"
+#include "docparser/loading/LoadContext.hpp"
 #include "docparser/loading/OrderedMerge.hpp"
+#include "docparser/loading/Pipeline.hpp"
 #include "docparser/loading/Settings.hpp"
-#include "docparser/parsing/FieldAccess.hpp"
-#include "docparser/parsing/JsonKeys.hpp"
 #include "docparser/parsing/LookupParser.hpp"
-#include "docparser/parsing/RefItemFile.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
 
+#include <reference/docparser/DiagnosticLogger.hpp>
+#include <reference/docparser/DocParserException.hpp>
 #include <reference/docparser/DocResourceParser.hpp>
 
-#include <boost/json/monotonic_resource.hpp>
-#include <boost/json/parse.hpp>
-
+#include <exception>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -24,26 +24,48 @@ using RefItemFileMap = DocResourceParser::RefItemFileMap;
 
 namespace {
 
-// A page file that is missing, unreadable or broken counts as absent.
-RefItemFileMap parsePageFile(const std::u16string& path, const std::string& text,
-                             const RefItemFileMap* replacement = nullptr) {
-    diagnostics::pageFileBegin(path);
-    try {
-        RefItemFileMap pages = parseRefItemFile(text, replacement);
-        diagnostics::fileParsed(pages);
-        return pages;
-    } catch (...) {
-        diagnostics::pageFileDropped(path, [&path] { return explainEmptyRead(path, true); });
-        return {};
-    }
-}
+// One page file, read whole: what openAndReadFile does, and why it gave no text.
+struct PageText {
+    std::u16string path;
+    std::string text;
+    ReadResult read;
 
-std::string readPageText(const std::u16string& path) {
-    try {
-        return DocResourceParser::openAndReadFile(path);
-    } catch (...) {
-        return {}; // parses as nothing, like a missing file
+    explicit PageText(std::u16string filePath) : path(std::move(filePath)) {
+        FOUNDATION_DIAG_LOG(diagnosticLogger(), kFileAccessSeverity) << "Reading file: " << path;
+        try {
+            read = readFileContents(path, text);
+        } catch (const std::exception& e) {
+            text.clear(); // parses as nothing, like a missing file
+            read = {DropReason::Unreadable, e.what()};
+        }
     }
+};
+
+// A page file that is missing, unreadable or broken counts as absent.
+RefItemFileMap parsePageFile(const PageText& file, detail::LoadContext& context,
+                             const RefItemFileMap* replacement = nullptr) {
+    FileDiagnostic description;
+    description.source = DiagnosticSource::PageFile;
+    description.path = file.path;
+    const std::u16string_view path(file.path);
+    description.productName = std::u16string(splitFileName(path.substr(path.find_last_of(u'/') + 1)).stem);
+    FileDiagnostic* record = context.begin(std::move(description));
+    try {
+        RefItemFileMap pages = parseRefItemFile(file.text, replacement, record);
+        if (record != nullptr) {
+            for (const auto& entry : pages) {
+                record->documentKeys.push_back(entry.first);
+            }
+        }
+        return pages;
+    } catch (const std::bad_alloc&) {
+        detail::recordDrop(record, file.read, DropReason::Other, "out of memory");
+    } catch (const DocParserException&) {
+        detail::recordDrop(record, file.read, DropReason::Other, "a required member is missing or has the wrong kind");
+    } catch (const std::exception& e) {
+        detail::recordDrop(record, file.read, DropReason::Other, e.what());
+    }
+    return {};
 }
 
 // Joins a folder and a file name with one separator; an empty folder leaves the name alone.
@@ -68,14 +90,17 @@ DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> DocResou
     const std::shared_ptr<const ReferenceRoots> roots = getReferenceRoots();
     std::optional<InstalledProducts> installed;
 
-    const ParsingInfo<LookupResourceMap>::JsonParsingFcn parser = lookupFileParser;
+    detail::LoadContext context;
+    const ParsingInfo<LookupResourceMap>::JsonParsingFcn parser = [&context](const std::string& text) {
+        return parseLookupFile(text, context.scratch, context.file);
+    };
     const ParsingInfo<LookupResourceMap>::IsInstalledFcn isInstalled = [&installed](const std::u16string& key) {
         if (!installed) {
             installed = takeInstalledProducts();
         }
         return installed->contains(key);
     };
-    return ParsingTools::parseMultipleProductFiles<LookupResourceMap>(roots->lookupFolder, parser, isInstalled);
+    return detail::parseProductFiles(roots->lookupFolder, parser, isInstalled, context);
 }
 
 DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::u16string& name) {
@@ -84,36 +109,36 @@ DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::
 
     // The files are read in this order, English first; the English text is parsed last, when the
     // translation is known, so that English pages the translation replaces are never built.
-    const std::u16string englishPath = joinPath(folder, name + ParsingTools::kDotJsonExt);
-    const std::string englishText = readPageText(englishPath);
+    detail::LoadContext context;
+    const PageText english(joinPath(folder, name + ParsingTools::kDotJsonExt));
     const std::u16string locale = ParsingTools::getCurrentLocale();
     if (locale == ParsingTools::kEnglishLocale) {
-        return parsePageFile(englishPath, englishText);
+        return parsePageFile(english, context);
     }
-    const std::u16string localizedPath =
-        joinPath(folder, name + ParsingTools::kLocaleSeparator + locale + ParsingTools::kDotJsonExt);
-    RefItemFileMap localized = parsePageFile(localizedPath, readPageText(localizedPath));
+    RefItemFileMap localized = parsePageFile(
+        PageText(joinPath(folder, name + ParsingTools::kLocaleSeparator + locale + ParsingTools::kDotJsonExt)),
+        context);
     if (localized.empty()) {
-        return parsePageFile(englishPath, englishText);
+        return parsePageFile(english, context);
     }
-    RefItemFileMap english = parsePageFile(englishPath, englishText, &localized);
-    if (english.empty()) {
+    RefItemFileMap englishPages = parsePageFile(english, context, &localized);
+    if (englishPages.empty()) {
         return localized;
     }
     // Per document the localized header and items win; English pages whose link the
     // translation lacks move over into it, and English pages it has are dropped.
     for (auto it = localized.begin(); it != localized.end();) {
         const auto current = it++;
-        const auto englishEntry = english.find(current->first);
-        if (englishEntry == english.end()) {
-            english.insert(localized.extract(current));
+        const auto englishEntry = englishPages.find(current->first);
+        if (englishEntry == englishPages.end()) {
+            englishPages.insert(localized.extract(current));
             continue;
         }
         // English pages whose link the translation lacks move over; the others are dropped.
         mergeOrderedMaps(englishEntry->second.getItems(), current->second.getItems(), [](auto&, auto&) {});
         englishEntry->second = std::move(current->second);
     }
-    return english;
+    return englishPages;
 }
 
 } // namespace reference::docparser

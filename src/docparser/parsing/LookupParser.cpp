@@ -1,19 +1,15 @@
 #include "docparser/parsing/LookupParser.hpp"
 
-#include "docparser/diagnostics/DiagnosticHooks.hpp"
 #include "docparser/parsing/EventReader.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
-#include "docparser/parsing/ResourceText.hpp"
-#include "docparser/parsing/ScratchMemory.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
-#include <boost/json/monotonic_resource.hpp>
-#include <boost/json/parse.hpp>
-#include <boost/json/parse_options.hpp>
+#include <boost/json/value.hpp>
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -21,77 +17,9 @@ namespace reference::docparser {
 
 namespace {
 
-using detail::StringParsingType;
 using property::FunctionType;
 using property::RefEntityType;
 using property::RefItemLookup;
-
-// The arena's first block; later blocks grow geometrically with the file.
-constexpr std::size_t kFirstArenaBlock = 1024;
-
-// The members of a lookup entry, found in one pass over it.
-enum EntryMember : std::size_t { kEntryName, kEntryPurpose, kEntryHref, kEntryType, kEntryFcnType, kEntryDeprecated };
-const detail::MemberLookup<6> kEntryMembers({keys::kName, keys::kRefPurpose, keys::kHref, keys::kType, keys::kFcnType,
-                                             keys::kDeprecated});
-
-} // namespace
-
-DocResource<RefItemLookup> parseLookupDocument(const boost::json::object& document) {
-    auto header = detail::readHeader(document);
-    const auto& items = detail::requireArray(document, keys::kRefItems);
-
-    DocResource<RefItemLookup>::ItemMap byName;
-    // Files are mostly sorted by name: a name equal to the previous one joins its entry without
-    // a search, and a new name is tried after the last entry first, which sorted input passes at
-    // once. Unsorted input still finds its place (or its entry) by a search of the tree.
-    auto hint = byName.end();
-    for (const auto& element : items) {
-        const auto& item = detail::asObject(element);
-        const auto member = kEntryMembers.find(item);
-        auto name = detail::requireString(member[kEntryName], keys::kName, StringParsingType::Utf8);
-        auto purpose = detail::requireString(member[kEntryPurpose], keys::kRefPurpose, StringParsingType::Utf8);
-        auto href = detail::requireString(member[kEntryHref], keys::kHref, StringParsingType::Ascii);
-        const auto entityType = detail::readEnum<RefEntityType>(member[kEntryType], keys::kType);
-        const auto functionType = detail::readEnum<FunctionType>(member[kEntryFcnType], keys::kFcnType);
-        // Only the key's presence counts: "deprecated": false marks the entry as well.
-        const bool deprecated = member[kEntryDeprecated] != nullptr;
-
-        if (hint == byName.end() || !text::sameText(hint->first, name)) {
-            hint = byName.try_emplace(byName.end(), name);
-        }
-        hint->second.emplace_back(std::move(name), entityType, std::move(purpose), deprecated, std::move(href),
-                                  functionType);
-    }
-    return DocResource<RefItemLookup>(std::move(header), std::move(byName));
-}
-
-DocResourceParser::LookupResourceMap parseLookupFileTree(const std::string& text) {
-    DocResourceParser::LookupResourceMap result;
-
-    // The whole tree lives in one arena and goes with it at once, also when parsing fails.
-    boost::json::monotonic_resource arena(kFirstArenaBlock);
-    const boost::json::value root = parseResourceText(text, &arena);
-    const diagnostics::WatchedDocument watch(root);
-    const auto& mainDocument = detail::asObject(root);
-
-    auto main = parseLookupDocument(mainDocument);
-    result.emplace(main.getHeader().getHelpFolder(), std::move(main));
-
-    if (const auto* packages = detail::optionalArray(mainDocument, keys::kSupportPackages)) {
-        for (const auto& element : *packages) {
-            auto package = parseLookupDocument(detail::asObject(element));
-            // First come, first kept: the main document and earlier packages win a shared key.
-            if (!result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {
-                diagnostics::documentKeyTaken(element, package.getHeader().getBaseCode());
-            }
-        }
-    }
-    return result;
-}
-
-// ---- the lookup format as the event reader's tables ----------------------------------------
-
-namespace {
 
 namespace ev = events;
 
@@ -108,7 +36,13 @@ std::uint64_t namePrefix(const std::u16string& name) noexcept {
 // The file being read: where its documents go, and the memory its entries pass through.
 struct LookupFile {
     DocResourceParser::LookupResourceMap& result;
-    ScratchMemory& scratch;
+    detail::ScratchMemory& scratch;
+};
+
+// One document read on its own.
+struct LookupDocument {
+    std::optional<DocResource<RefItemLookup>> document;
+    detail::ScratchMemory scratch;
 };
 
 struct LookupDocumentDraft;
@@ -135,11 +69,13 @@ struct EntryDraft {
 struct LookupDocumentDraft {
     explicit LookupDocumentDraft(LookupFile* file) noexcept : scratch(file->scratch) { reset(file); }
     explicit LookupDocumentDraft(LookupDocumentDraft* main) noexcept : scratch(main->scratch) { reset(main); }
+    explicit LookupDocumentDraft(LookupDocument* alone) noexcept : scratch(alone->scratch) { reset(alone); }
 
     void reset(LookupFile*) noexcept {
         scratch.lookupEntries.clear(); // what an unfinished read of an earlier file left
         clear(0);
     }
+    void reset(LookupDocument*) noexcept { reset(static_cast<LookupFile*>(nullptr)); }
     void reset(LookupDocumentDraft*) noexcept { clear(scratch.lookupEntries.size()); }
 
     void clear(std::size_t first) noexcept {
@@ -150,7 +86,20 @@ struct LookupDocumentDraft {
         helpFolder.clear();
         helpLocation.clear();
         items.clear();
+        forgetPackages();
+    }
+
+    void forgetPackages() noexcept {
         packages.clear();
+        packageIndex.clear();
+    }
+
+    // "refItems" came again: the entries of the earlier array go.
+    void forgetEntries() noexcept {
+        auto& waiting = scratch.lookupEntries;
+        waiting.erase(waiting.begin() + static_cast<std::ptrdiff_t>(firstEntry), waiting.end());
+        items.clear();
+        sorted = true;
     }
 
     void add(RefItemLookup&& entry) {
@@ -232,7 +181,7 @@ struct LookupDocumentDraft {
         waiting.erase(waiting.begin() + static_cast<std::ptrdiff_t>(firstEntry), waiting.end());
     }
 
-    ScratchMemory& scratch;
+    detail::ScratchMemory& scratch;
     std::size_t firstEntry = 0; // this document's waiting entries start here
     bool sorted = true;         // every name so far came in order
     std::u16string productName;
@@ -241,6 +190,7 @@ struct LookupDocumentDraft {
     std::u16string helpLocation;
     DocResource<RefItemLookup>::ItemMap items;
     std::vector<DocResource<RefItemLookup>> packages;
+    std::vector<std::size_t> packageIndex; // each package's place in "supportPackages"
 };
 
 void closeEntry(EntryDraft& entry, LookupDocumentDraft& document, std::uint32_t, ev::Reader&) {
@@ -248,17 +198,34 @@ void closeEntry(EntryDraft& entry, LookupDocumentDraft& document, std::uint32_t,
                                std::move(entry.href), entry.functionType));
 }
 
-void closePackage(LookupDocumentDraft& package, LookupDocumentDraft& main, std::uint32_t, ev::Reader&) {
+void closePackage(LookupDocumentDraft& package, LookupDocumentDraft& main, std::uint32_t, ev::Reader& reader) {
     main.packages.push_back(package.take());
+    main.packageIndex.push_back(reader.elementIndex());
 }
 
-void closeMain(LookupDocumentDraft& main, LookupFile& file, std::uint32_t, ev::Reader&) {
+void closeMain(LookupDocumentDraft& main, LookupFile& file, std::uint32_t, ev::Reader& reader) {
     std::u16string key = main.helpFolder;
     file.result.emplace(std::move(key), main.take());
     // First come, first kept: the main document and earlier packages win a shared key.
-    for (auto& package : main.packages) {
-        file.result.try_emplace(package.getHeader().getBaseCode(), std::move(package));
+    for (std::size_t i = 0; i < main.packages.size(); ++i) {
+        auto& package = main.packages[i];
+        if (!file.result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {
+            reader.documentKeyTaken(keys::kSupportPackages, main.packageIndex[i], package.getHeader().getBaseCode(),
+                                    true);
+        }
     }
+}
+
+// A file that fails still reports the packages dropped before the failure.
+void abandonMain(LookupDocumentDraft& main, ev::Reader& reader) {
+    ev::reportTakenKeys(
+        reader, keys::kSupportPackages, main.helpFolder, main.packages, main.packageIndex,
+        [](const DocResource<RefItemLookup>& package) { return package.getHeader().getBaseCode(); },
+        true);
+}
+
+void closeAlone(LookupDocumentDraft& document, LookupDocument& alone, std::uint32_t, ev::Reader&) {
+    alone.document.emplace(document.take());
 }
 
 const ev::MemberRule kEntryRules[] = {
@@ -272,38 +239,53 @@ const ev::MemberRule kEntryRules[] = {
 };
 const ev::ObjectFormat kEntry = ev::objectFormat<closeEntry>(kEntryRules);
 
-const ev::MemberRule kPackageMembers[] = {
+void forgetEntries(LookupDocumentDraft& document) { document.forgetEntries(); }
+void forgetPackages(LookupDocumentDraft& document) { document.forgetPackages(); }
+
+// A support package document; the main document has the same members and the packages (one
+// level only: a package's own "supportPackages" is not read).
+const ev::MemberRule kDocumentRules[] = {
     ev::text<&LookupDocumentDraft::productName, detail::utf8Field>(keys::kProductName, true),
     ev::text<&LookupDocumentDraft::baseCode, detail::asciiField>(keys::kBaseCode, true),
     ev::text<&LookupDocumentDraft::helpFolder, detail::asciiField>(keys::kHelpFolder, true),
     ev::text<&LookupDocumentDraft::helpLocation, detail::asciiField>(keys::kHelpLocation, true),
-    ev::objects(keys::kRefItems, true, kEntry),
+    ev::objects<forgetEntries>(keys::kRefItems, true, kEntry),
 };
-const ev::ObjectFormat kPackage = ev::objectFormat<closePackage>(kPackageMembers);
+const ev::ObjectFormat kPackage = ev::objectFormat<closePackage>(kDocumentRules);
+const ev::ObjectFormat kAlone = ev::objectFormat<closeAlone>(kDocumentRules);
 
-// The main document: a package document's members, and the packages (one level only: a package's
-// own "supportPackages" is not read).
-const ev::MemberRule kMainMembers[] = {
-    kPackageMembers[0], kPackageMembers[1], kPackageMembers[2],
-    kPackageMembers[3], kPackageMembers[4], ev::objects(keys::kSupportPackages, false, kPackage),
+const ev::MemberRule kMainRules[] = {
+    kDocumentRules[0], kDocumentRules[1], kDocumentRules[2], kDocumentRules[3], kDocumentRules[4],
+    ev::objects<forgetPackages>(keys::kSupportPackages, false, kPackage),
 };
-const ev::ObjectFormat kMain = ev::objectFormat<closeMain>(kMainMembers);
+const ev::ObjectFormat kMain = ev::objectFormat<closeMain, abandonMain>(kMainRules);
 
 } // namespace
 
-DocResourceParser::LookupResourceMap parseLookupFile(const std::string& text) {
-    if (diagnostics::activeRecorder() == nullptr) {
-        DocResourceParser::LookupResourceMap result;
-        ScratchMemory ownScratch;
-        ScratchMemory* scratch = ScratchScope::active();
-        LookupFile file{result, scratch != nullptr ? *scratch : ownScratch};
-        if (events::readDocument(text, kMain, &file) == events::Outcome::Read) {
-            return result;
-        }
-    }
-    return parseLookupFileTree(text);
+DocResourceParser::LookupResourceMap parseLookupFile(std::string_view text, detail::ScratchMemory& scratch, FileDiagnostic* record) {
+    DocResourceParser::LookupResourceMap result;
+    LookupFile file{result, scratch};
+    events::readText(text, kMain, &file, record);
+    return result;
 }
 
-DocResourceParser::LookupResourceMap lookupFileParser(const std::string& text) { return parseLookupFile(text); }
+DocResourceParser::LookupResourceMap parseLookupFile(const boost::json::value& value) {
+    DocResourceParser::LookupResourceMap result;
+    detail::ScratchMemory scratch;
+    LookupFile file{result, scratch};
+    events::readValue(value, kMain, &file, nullptr);
+    return result;
+}
+
+DocResource<RefItemLookup> parseLookupDocument(const boost::json::object& document) {
+    LookupDocument alone;
+    events::readValue(document, kAlone, &alone, nullptr);
+    return std::move(*alone.document);
+}
+
+DocResourceParser::LookupResourceMap lookupFileParser(const std::string& text) {
+    detail::ScratchMemory scratch;
+    return parseLookupFile(text, scratch, nullptr);
+}
 
 } // namespace reference::docparser

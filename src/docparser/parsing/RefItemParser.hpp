@@ -1,45 +1,47 @@
 #pragma once
 
 // The reference page format: one document object (header plus "refItems") to the pages it
-// holds, keyed by href. Internal to the library; the reference page loading entry parses a
-// file's text and calls parseRefItemDocument for the root and for each support package.
+// holds, keyed by href; a page file is a main document and its "supportPackages". Internal to
+// the library; the reference page loading entry reads a product's page files with
+// parseRefItemFile.
 //
 // Every function throws DocParserException for a missing required key or a member of the
 // wrong JSON kind; nothing of a failed document is returned.
 
 #include <reference/docparser/DocResourceParser.hpp>
+#include <reference/docparser/ParseDiagnostics.hpp>
 
-#include <boost/json/object.hpp>
-#include <boost/json/value.hpp>
+#include <boost/json/fwd.hpp>
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace reference::docparser {
 
-// `document` must be a JSON object (anything else throws).
+// The JSON text of one page file: the main document under its help folder, each support package
+// document under its base code; the first document to claim a key keeps it. Throws
+// boost::system::system_error for text that is not strict JSON and DocParserException for a
+// document that breaks the page format.
+//
+// `replacement` is the localized file that will be merged over this one, if any: pages it holds
+// under the same document key, and documents whose key is taken, would be discarded, so they are
+// only checked (the file still fails wherever a full read fails) and never built.
+// `record`, when not null, gets the reason of a failure and the warnings.
+DocResourceParser::RefItemFileMap parseRefItemFile(std::string_view text,
+                                                   const DocResourceParser::RefItemFileMap* replacement,
+                                                   FileDiagnostic* record);
+// The same for a parsed value (the same tables read it, so it gives the same records).
+DocResourceParser::RefItemFileMap parseRefItemFile(const boost::json::value& file);
+
+// One document (which must be a JSON object) to its header and pages.
 DocResource<property::RefItem> parseRefItemDocument(const boost::json::value& document);
-
-// What a loader will keep of a page document, decided from its header.
-struct PageSelection {
-    bool dropDocument = false; // the whole document will be discarded
-    // Pages (by href) that the loader replaces with others; nullptr: none.
-    const DocResource<property::RefItem>::ItemMap* replacedPages = nullptr;
-};
-using PageSelector = std::function<PageSelection(const property::HeaderInfo&)>;
-
-// As above, but the pages the loader would discard are only checked, not built: the document
-// fails exactly where a full parse fails, and the result lacks those pages (all of them when the
-// document is dropped). `select` is asked once, after the header is read.
-DocResource<property::RefItem> parseRefItemDocument(const boost::json::value& document, const PageSelector& select);
 
 // The item's "syntaxgroup" list; empty when the item has none.
 std::vector<property::SyntaxGroup> parseSyntaxGroups(const boost::json::object& item);
 
-// One input group. Input names are decoded with `nameParsing`; every input gets
-// `isNameValuePair`. The group's "title" is required even when "inputs" is empty.
+// One input group ("inputs" and "title"). Input names are decoded with `nameParsing`; every
+// input gets `isNameValuePair`. The title is required even when "inputs" is empty.
 property::InputGroup parseInputGroup(const boost::json::object& group, const std::u16string& href,
                                      DocResourceParser::ParsingTools::StringParsingType nameParsing,
                                      bool isNameValuePair);
@@ -51,17 +53,5 @@ property::ObjectInfo parseObjectInfo(const boost::json::object& object, const st
 // The rest of an ObjectInfo ("purpose", "value") around an already decoded name and anchor.
 property::ObjectInfo makeObjectInfo(const boost::json::object& object, const std::u16string& name,
                                     const std::u16string& anchor);
-property::ObjectInfo makeObjectInfo(const boost::json::object& object, std::u16string&& name, std::u16string&& anchor);
-
-// Anchors: href + "#" + the ASCII html id of an input, output or parameter; href + "#prop_" +
-// the decoded name of a class property.
-std::u16string argumentAnchor(const std::u16string& href, std::string_view htmlId);
-std::u16string propertyAnchor(const std::u16string& href, const std::u16string& name);
-
-// The map entry for a page's href, found or made next to `previous`, the entry the last page of
-// the document went to (end() for the first). The result is that of an ordinary find-or-insert.
-DocResource<property::RefItem>::ItemMap::iterator pageEntry(DocResource<property::RefItem>::ItemMap& pages,
-                                                            DocResource<property::RefItem>::ItemMap::iterator previous,
-                                                            const std::u16string& href);
 
 } // namespace reference::docparser
