@@ -210,18 +210,5 @@ TEST(RefItemParser, SyntaxLinesAreWidenedAndTitlesDecoded) {
 
 // Failures of the document as a whole; every failure inside a page is in the mutation table of
 // the page check test, which runs it through building and checking alike.
-TEST(RefItemParser, DocumentsMissingPartsOrOfTheWrongKindFail) {
-    auto withoutItems = documentWith({fullItem()});
-    withoutItems.erase("refItems");
-    EXPECT_THROW(parseRefItemDocument(withoutItems), DocParserException);
-    auto withoutHeaderKey = documentWith({fullItem()});
-    withoutHeaderKey.erase("helpLocation");
-    EXPECT_THROW(parseRefItemDocument(withoutHeaderKey), DocParserException);
-    EXPECT_THROW(parseRefItemDocument(parseJson("[]")), DocParserException);
-    EXPECT_THROW(parseRefItemDocument(parseJson("null")), DocParserException);
-    auto itemNotObject = documentWith({});
-    itemNotObject["refItems"] = parseJson(R"(["ref/a.html"])");
-    EXPECT_THROW(parseRefItemDocument(itemNotObject), DocParserException);
-}
 
 } // namespace

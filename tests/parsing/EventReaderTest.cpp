@@ -1,0 +1,188 @@
+// What the one reader decides for every format: the last of a repeated key counts, members may
+// come in any order, the failure reported is the first in the tables' order (a syntax error
+// anywhere wins), and a text and its parsed value give the same records.
+
+#include "docparser/parsing/LookupParser.hpp"
+#include "docparser/parsing/RefItemParser.hpp"
+
+#include "support/JsonFixtures.hpp"
+
+#include <gtest/gtest.h>
+
+#include <boost/system/system_error.hpp>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace reference::docparser;
+using namespace reference::property;
+using refdoc::test::parseJson;
+
+constexpr const char* kHeader = R"("productName": "P", "baseCode": "B", "helpFolder": "p", "helpLocation": "h")";
+
+std::string lookupFile(const std::string& items, const std::string& extra = "") {
+    return std::string("{") + kHeader + R"(, "refItems": [)" + items + "]" + extra + "}";
+}
+
+// What a lookup file gave: its record when it failed (reason, message, pointer, warnings).
+struct Outcome {
+    DocResourceParser::LookupResourceMap result;
+    FileDiagnostic record;
+    bool failed = false;
+};
+
+Outcome readLookup(const std::string& text) {
+    Outcome outcome;
+    detail::ScratchMemory scratch;
+    try {
+        outcome.result = parseLookupFile(text, scratch, &outcome.record);
+    } catch (const DocParserException&) {
+        outcome.failed = true;
+    } catch (const boost::system::system_error&) {
+        outcome.failed = true;
+    }
+    // The same tables read the parsed value of strict JSON text: the same records or refusal.
+    if (outcome.record.dropReason != DropReason::SyntaxError) {
+        try {
+            EXPECT_EQ(parseLookupFile(parseJson(text)), outcome.result) << text;
+            EXPECT_FALSE(outcome.failed) << "the parsed value is accepted, the text was not: " << text;
+        } catch (const DocParserException&) {
+            EXPECT_TRUE(outcome.failed) << "the parsed value is refused, the text was not: " << text;
+        }
+    }
+    return outcome;
+}
+
+std::vector<ParseWarning> enumWarnings(std::initializer_list<std::pair<const char*, const char*>> places) {
+    std::vector<ParseWarning> warnings;
+    for (const auto& [pointer, text] : places) {
+        warnings.push_back({WarningKind::UnknownEnumText, pointer, text});
+    }
+    return warnings;
+}
+
+TEST(EventReader, FailureReportedIsTheFirstInTableOrderAndASyntaxErrorWins) {
+    const struct Case {
+        const char* what;
+        std::string text;
+        DropReason reason;
+        const char* message;
+        const char* pointer;
+        std::vector<ParseWarning> warnings;
+    } cases[] = {
+        {"members in table order, not text order",
+         lookupFile(R"({"href": 5, "refpurpose": "p"})"), DropReason::MissingKey, "missing required member \"name\"",
+         "/refItems/0/name", {}},
+        {"earlier element first, whatever comes later in it",
+         lookupFile(R"({"name": "a", "href": "h", "refpurpose": 1}, {"href": "h"})"), DropReason::WrongKind,
+         "expected a string, found a number", "/refItems/0/refpurpose", {}},
+        {"the header before the items, wherever it stands",
+         R"({"refItems": [{"name": 1}], "productName": "P", "baseCode": "B", "helpFolder": [], "helpLocation": "h"})",
+         DropReason::WrongKind, "expected a string, found an array", "/helpFolder", {}},
+        {"an array element of the wrong kind", lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"}, [])"),
+         DropReason::WrongKind, "expected an object, found an array", "/refItems/1", {}},
+        {"the whole document of the wrong kind", R"(["a"])", DropReason::WrongKind,
+         "expected an object, found an array at the top level", "", {}},
+        {"keys escaped in pointers",
+         R"({"productName": "P", "baseCode": "B", "helpFolder": "p", "helpLocation": "h", "refItems": [],
+             "supportPackages": [{"productName": "Q", "baseCode": "a/b~c"}]})",
+         DropReason::MissingKey, "missing required member \"helpFolder\"", "/supportPackages/0/helpFolder", {}},
+        {"warnings before the failure stay, later ones go",
+         lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "type": "odd"}, {"name": "b", "refpurpose": "p"},
+                       {"name": "c", "refpurpose": "p", "href": "h", "type": "later"})"),
+         DropReason::MissingKey, "missing required member \"href\"", "/refItems/1/href",
+         enumWarnings({{"/refItems/0/type", "odd"}})},
+        {"a failure inside a value that a repeated key replaces does not count",
+         lookupFile(R"({"name": "a"})", R"(, "refItems": [{"name": "b", "refpurpose": "p", "href": "h"}])"),
+         DropReason::None, "", "", {}},
+        {"nor do its warnings; warnings come in table order",
+         lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "fcntype": "f1", "type": "t1", "type": "class"},
+                       {"name": "b", "refpurpose": "p", "href": "h", "fcntype": "f2", "type": "t2"})"),
+         DropReason::None, "", "", enumWarnings({{"/refItems/0/fcntype", "f1"}, {"/refItems/1/type", "t2"}, {"/refItems/1/fcntype", "f2"}})},
+        {"a syntax error after a failure", lookupFile(R"({"name": "a"},)"), DropReason::SyntaxError,
+         "syntax error", "", {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const Outcome outcome = readLookup(c.text);
+        EXPECT_EQ(outcome.failed, c.reason != DropReason::None);
+        EXPECT_EQ(outcome.record.dropReason, c.reason);
+        EXPECT_EQ(outcome.record.message, c.message);
+        EXPECT_EQ(outcome.record.jsonPath, c.pointer);
+        EXPECT_EQ(outcome.record.warnings, c.warnings);
+    }
+}
+
+TEST(EventReader, TheLastOfARepeatedKeyCountsWholly) {
+    const Outcome outcome = readLookup(lookupFile(
+        R"({"name": "x", "refpurpose": "p", "href": "h"})",
+        R"(, "refItems": [{"name": "a", "name": "b", "refpurpose": "p", "href": "h", "type": "class", "type": "odd"}],
+             "supportPackages": [{"productName": "Q", "baseCode": "Q", "helpFolder": "q", "helpLocation": "h",
+                                  "refItems": []}],
+             "supportPackages": [], "helpFolder": "last")"));
+    ASSERT_FALSE(outcome.failed);
+    ASSERT_EQ(outcome.result.size(), 1u);
+    const auto& [key, resource] = *outcome.result.begin();
+    EXPECT_EQ(key, u"last");
+    ASSERT_EQ(resource.getItems().size(), 1u);
+    const auto& entry = resource.getItems().at(u"b").at(0);
+    EXPECT_EQ(entry.getEntityType(), RefEntityType::getDefaultValue()) << "an unknown last text is not the first";
+}
+
+// What a page's records depend on may come after them in the text or change with a repeated
+// key: the href in every anchor, the block entity in member names, the href in whether a
+// replacing file holds the page.
+TEST(EventReader, PageRecordsFollowTheFinalHrefAndEntitiesWhereverTheyStand) {
+    const auto page = [](const std::string& item) {
+        return std::string("{") + kHeader + R"(, "refItems": [)" + item + "]}";
+    };
+    const std::string input = R"("inputgroup": [{"title": "T", "inputs": [{"htmlid": "in", "name": "n\u00e9", "purpose": "p"}]}],
+                                  "classpropertygroup": [{"classproperty": [{"name": "c\u00e9", "purpose": "p"}]}],
+                                  "outputs": [{"htmlid": "out", "name": "o", "purpose": "p"}])";
+    const std::string block = R"("refentity": [{"type": "block", "name": "b"}])";
+    const std::string function = R"("refentity": [{"type": "function", "name": "f"}])";
+    const struct Case {
+        const char* what;
+        std::string item;
+        std::u16string href;
+        bool utf8Names;
+    } cases[] = {
+        {"href and entities first", R"({"href": "a.html", "refpurpose": "p", )" + block + ", " + input + "}",
+         u"a.html", true},
+        {"href and entities last", "{" + input + R"(, "refpurpose": "p", )" + block + R"(, "href": "a.html"})",
+         u"a.html", true},
+        {"repeated href and entities", R"({"href": "x.html", "refpurpose": "p", )" + block + ", " + input + ", " +
+                                           function + R"(, "href": "a.html"})",
+         u"a.html", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string text = page(c.item);
+        const auto pages = parseRefItemFile(text, nullptr, nullptr);
+        EXPECT_EQ(parseRefItemFile(parseJson(text)), pages);
+        const RefItem& item = pages.at(u"p").getItems().at(c.href).at(0);
+        const std::u16string inputName = c.utf8Names ? u"n\u00e9" : u"n\u00c3\u00a9";
+        const std::u16string propertyName = c.utf8Names ? u"c\u00e9" : u"c\u00c3\u00a9";
+        EXPECT_EQ(item.getInputGroups().at(0).getInputs().at(0).getInfo().getName(), inputName);
+        EXPECT_EQ(item.getInputGroups().at(0).getInputs().at(0).getInfo().getAnchor(), c.href + u"#in");
+        EXPECT_EQ(item.getClassPropertyGroups().at(0).getProperties().at(0).getInfo().getAnchor(),
+                  c.href + u"#prop_" + propertyName);
+        EXPECT_EQ(item.getOutputs().at(0).getInfo().getAnchor(), c.href + u"#out");
+    }
+
+    // A page that the replacing file holds is only checked, decided by its last href.
+    const std::string english = page(R"({"href": "a.html", "refpurpose": "english a"},
+                                        {"href": "b.html", "refpurpose": "english b", "href": "c.html"},
+                                        {"href": "c.html", "refpurpose": "english c", "href": "b.html"})");
+    const auto translation = parseRefItemFile(page(R"({"href": "a.html", "refpurpose": "a"},
+                                                      {"href": "b.html", "refpurpose": "b"})"),
+                                              nullptr, nullptr);
+    const auto kept = parseRefItemFile(english, &translation, nullptr).at(u"p").getItems();
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_EQ(kept.begin()->first, u"c.html");
+    EXPECT_EQ(kept.begin()->second.at(0).getPurpose(), u"english b");
+}
+
+} // namespace
