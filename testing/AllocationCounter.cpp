@@ -25,7 +25,7 @@ void raiseTo(std::atomic<T>& value, T candidate) noexcept {
 }
 
 void noteAllocation(void* block, std::size_t size) noexcept {
-    if (block == nullptr || !counting.load(std::memory_order_relaxed)) {
+    if (!counting.load(std::memory_order_relaxed) || block == nullptr) {
         return;
     }
     const auto usable = static_cast<long long>(::malloc_usable_size(block));
@@ -56,7 +56,7 @@ void* allocateOrThrow(std::size_t size, std::size_t alignment) {
 }
 
 void release(void* block) noexcept {
-    if (block != nullptr && counting.load(std::memory_order_relaxed)) {
+    if (counting.load(std::memory_order_relaxed) && block != nullptr) {
         live.fetch_sub(static_cast<long long>(::malloc_usable_size(block)), std::memory_order_relaxed);
         blocks.fetch_sub(1, std::memory_order_relaxed);
     }
@@ -67,20 +67,19 @@ void release(void* block) noexcept {
 
 AllocationWatch::AllocationWatch() noexcept {
     for (auto* figure : {&live, &blocks, &peak}) {
-        figure->store(0, std::memory_order_relaxed);
+        figure->store(0);
     }
     for (auto* figure : {&largest, &count, &total}) {
-        figure->store(0, std::memory_order_relaxed);
+        figure->store(0);
     }
-    counting.store(true, std::memory_order_seq_cst);
+    counting.store(true);
 }
 
-AllocationWatch::~AllocationWatch() { counting.store(false, std::memory_order_seq_cst); }
+AllocationWatch::~AllocationWatch() { counting.store(false); }
 
 AllocationStats AllocationWatch::stats() const noexcept {
-    return {live.load(std::memory_order_relaxed),    blocks.load(std::memory_order_relaxed),
-            static_cast<std::size_t>(peak.load()),   largest.load(std::memory_order_relaxed),
-            count.load(std::memory_order_relaxed),   total.load(std::memory_order_relaxed)};
+    return {live.load(),    blocks.load(), static_cast<std::size_t>(peak.load()),
+            largest.load(), count.load(),  total.load()};
 }
 
 } // namespace refdoc::test

@@ -67,8 +67,8 @@ const std::filesystem::path& ZipWriter::write(const std::filesystem::path& path)
             continue;
         }
         const bool store = item.compression == Compression::Store;
-        if (zip_set_file_compression(archive, entry, store ? ZIP_CM_STORE : ZIP_CM_DEFLATE, store ? 0 : kDeflateLevel) !=
-            0) {
+        if (zip_set_file_compression(archive, entry, store ? ZIP_CM_STORE : ZIP_CM_DEFLATE,
+                                     store ? 0 : kDeflateLevel) != 0) {
             fail(archive, "zip_set_file_compression");
         }
         if (item.kind == Item::Kind::EncryptedFile &&

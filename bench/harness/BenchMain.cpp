@@ -8,9 +8,9 @@
 // Each --corpus is measured under the profile its manifest names. Without --corpus a corpus of
 // each --profile (both by default) is generated into a temporary folder and removed at exit.
 
+#include "AllocationCounter.hpp"
 #include "Corpus.hpp"
 #include "Floor.hpp"
-#include "AllocationCounter.hpp"
 #include "Host.hpp"
 #include "Peer.hpp"
 #include "Summary.hpp"
