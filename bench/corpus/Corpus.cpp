@@ -1,12 +1,12 @@
 #include "Corpus.hpp"
 
-#include "JsonWriter.hpp"
 #include "Random.hpp"
+
+#include "JsonWriter.hpp"
+#include "ZipWriter.hpp"
 
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
-
-#include <zip.h>
 
 #include <algorithm>
 #include <array>
@@ -22,6 +22,7 @@ namespace refdoc::bench {
 namespace {
 
 namespace fs = std::filesystem;
+using test::JsonWriter;
 
 constexpr std::array kLocalized{Language::Japanese, Language::Korean};
 // Share of products translated into each language, and of a translated product's entries that
@@ -762,35 +763,6 @@ void writeFile(const fs::path& path, const std::string& bytes) {
     }
 }
 
-// A deflated zip package; entry times are fixed so that the bytes depend on the seed alone.
-void writeZip(const fs::path& path, const std::vector<std::pair<std::string, std::string>>& entries) {
-    fs::remove(path);
-    int error = 0;
-    zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-    if (archive == nullptr) {
-        throw std::runtime_error("cannot create " + path.string());
-    }
-    for (const auto& [name, bytes] : entries) {
-        zip_source_t* source = zip_source_buffer(archive, bytes.data(), bytes.size(), 0);
-        const zip_int64_t index =
-            source == nullptr ? -1 : zip_file_add(archive, name.c_str(), source, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE);
-        if (index < 0) {
-            if (source != nullptr) {
-                zip_source_free(source);
-            }
-            zip_discard(archive);
-            throw std::runtime_error("cannot add " + name + " to " + path.string());
-        }
-        zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), ZIP_CM_DEFLATE, 6);
-        zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), 1700000000, 0);
-    }
-    if (zip_close(archive) != 0) {
-        const std::string message = zip_strerror(archive);
-        zip_discard(archive);
-        throw std::runtime_error("cannot write " + path.string() + ": " + message);
-    }
-}
-
 std::string variantStem(const std::string& name, Language language) {
     return language == Language::English ? name : name + "_" + std::string(languageCode(language));
 }
@@ -987,8 +959,9 @@ Manifest generateCorpus(const fs::path& root, const CorpusOptions& options) {
         }
 
         // Lookup data, and which reads a load makes of it in each current language: English
-        // files always, a variant only when its language is current.
-        std::vector<std::pair<std::string, std::string>> leaves;
+        // files always, a variant only when its language is current. The zip writer fixes entry
+        // times, so packages too depend on the seed alone.
+        test::ZipWriter multiLeaf;
         for (const auto language : written) {
             const std::string stem = variantStem(name, language);
             const std::string text = lookupFile(product, language, options.seed, shape);
@@ -999,11 +972,11 @@ Manifest generateCorpus(const fs::path& root, const CorpusOptions& options) {
                 read = {lookupPrefix + stem + ".json", "", text.size()};
                 break;
             case Packaging::MultiLeafZip:
-                leaves.emplace_back(stem + ".json", text);
+                multiLeaf.add(stem + ".json", text);
                 read = {lookupPrefix + name + ".zip", stem + ".json", text.size()};
                 break;
             case Packaging::SingleLeafZips:
-                writeZip(lookupFolder / (stem + ".zip"), {{stem + ".json", text}});
+                test::ZipWriter().add(stem + ".json", text).write(lookupFolder / (stem + ".zip"));
                 read = {lookupPrefix + stem + ".zip", stem + ".json", text.size()};
                 break;
             }
@@ -1014,7 +987,7 @@ Manifest generateCorpus(const fs::path& root, const CorpusOptions& options) {
             }
         }
         if (product.packaging == Packaging::MultiLeafZip) {
-            writeZip(lookupFolder / (name + ".zip"), leaves);
+            multiLeaf.write(lookupFolder / (name + ".zip"));
         }
 
         if (options.pages) {

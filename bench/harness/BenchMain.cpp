@@ -8,9 +8,9 @@
 // Each --corpus is measured under the profile its manifest names. Without --corpus a corpus of
 // each --profile (both by default) is generated into a temporary folder and removed at exit.
 
+#include "AllocationCounter.hpp"
 #include "Corpus.hpp"
 #include "Floor.hpp"
-#include "HeapCounter.hpp"
 #include "Host.hpp"
 #include "Peer.hpp"
 #include "Summary.hpp"
@@ -41,6 +41,7 @@ namespace {
 namespace fs = std::filesystem;
 using reference::docparser::DocResourceParser;
 using namespace refdoc::bench;
+using refdoc::test::AllocationWatch;
 
 struct Options {
     std::vector<fs::path> corpora;         // --corpus, in order
@@ -294,21 +295,18 @@ MemoryFigure measureMemory(const Context& context, const std::string& name, std:
     figure.largestReadBytes = largestRead;
     static_cast<void>(load()); // settings, caches and the logger exist before counting starts
 
-    heap::start();
-    figure.jsonBytes = floor().bytes;
-    figure.floorPeakBytes = heap::current().peakBytes;
-    heap::stop();
-
-    heap::start();
     {
-        auto result = load();
-        const auto held = heap::current();
-        figure.retainedBytes = held.liveBytes;
-        figure.retainedBlocks = held.liveBlocks;
-        figure.peakBytes = held.peakBytes;
-        benchmark::DoNotOptimize(result);
+        const AllocationWatch watch;
+        figure.jsonBytes = floor().bytes;
+        figure.floorPeakBytes = static_cast<long long>(watch.stats().peakGrowth);
     }
-    heap::stop();
+    const AllocationWatch watch;
+    auto result = load();
+    const auto held = watch.stats();
+    figure.retainedBytes = held.liveBytes;
+    figure.retainedBlocks = held.liveBlocks;
+    figure.peakBytes = static_cast<long long>(held.peakGrowth);
+    benchmark::DoNotOptimize(result);
     return figure;
 }
 

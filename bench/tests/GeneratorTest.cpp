@@ -1,5 +1,5 @@
-// The generator's building blocks: what it writes must be strict JSON whatever the text holds,
-// and each profile must have the shape the benchmark claims.
+// The generator's building blocks: what the JSON writer (the test fixtures' too) writes must be
+// strict JSON whatever the text holds, and each profile must have the shape the benchmark claims.
 
 #include "Corpus.hpp"
 #include "Floor.hpp"
@@ -27,6 +27,7 @@
 namespace {
 
 using namespace refdoc::bench;
+using refdoc::test::JsonWriter;
 
 // Pretty printing must not change what is written: the same calls give the same value.
 TEST(JsonWriter, PrettyAndCompactWriteTheSameValue) {
@@ -87,6 +88,9 @@ TEST(JsonWriter, AnyTextRoundTripsThroughTheStrictParser) {
         EXPECT_EQ(object.at("list").as_array().at(1).as_string(), text);
         EXPECT_EQ(object.at("flag").as_bool(), false);
         EXPECT_EQ(object.at("nested").as_array().size(), 2u);
+        JsonWriter tree; // the test fixtures are written from trees
+        tree.value(value);
+        EXPECT_EQ(tree.text(), json.text());
     }
 }
 

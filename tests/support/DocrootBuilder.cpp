@@ -1,11 +1,11 @@
 #include "support/DocrootBuilder.hpp"
 
+#include "support/JsonFixtures.hpp"
 #include "support/ZipBuilder.hpp"
 
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <boost/json/array.hpp>
-#include <boost/json/serialize.hpp>
 
 namespace refdoc::test {
 namespace {
@@ -71,13 +71,9 @@ boost::json::object pageDocument(const Header& header, const std::vector<Entry>&
 
 std::string fileText(boost::json::object main, const std::vector<boost::json::object>& supportPackages) {
     if (!supportPackages.empty()) {
-        boost::json::array packages;
-        for (const auto& package : supportPackages) {
-            packages.push_back(package);
-        }
-        main["supportPackages"] = std::move(packages);
+        main["supportPackages"] = boost::json::array(supportPackages.begin(), supportPackages.end());
     }
-    return boost::json::serialize(main);
+    return toText(main);
 }
 
 LookupSummary summarize(const reference::docparser::DocResourceParser::LookupResourceMap& resources) {

@@ -2,9 +2,10 @@
 
 // Small builders for the JSON documents the parser suites feed in. Header-only.
 
+#include "JsonWriter.hpp"
+
 #include <boost/json/object.hpp>
 #include <boost/json/parse.hpp>
-#include <boost/json/serialize.hpp>
 #include <boost/json/string.hpp>
 #include <boost/json/value.hpp>
 
@@ -39,6 +40,10 @@ inline boost::json::object documentObject(std::string_view helpFolder, std::stri
     return document;
 }
 
-inline std::string toText(const boost::json::value& value) { return boost::json::serialize(value); }
+inline std::string toText(const boost::json::value& value) {
+    JsonWriter json;
+    json.value(value);
+    return json.take();
+}
 
 } // namespace refdoc::test

@@ -2,18 +2,10 @@
 
 #include "support/TempDir.hpp"
 
-#include <zip.h>
-
 #include <stdexcept>
 
 namespace refdoc::test {
 namespace {
-
-[[noreturn]] void fail(zip_t* archive, const std::string& what) {
-    std::string message = what + ": " + zip_strerror(archive);
-    zip_discard(archive);
-    throw std::runtime_error(message);
-}
 
 std::uint32_t readLe(const std::string& bytes, std::uint64_t offset, int width) {
     if (offset + static_cast<std::uint64_t>(width) > bytes.size()) {
@@ -86,61 +78,6 @@ void patchField(const std::filesystem::path& package, const std::string& entryNa
 }
 
 } // namespace
-
-ZipBuilder& ZipBuilder::add(std::string name, std::string content, Compression compression) {
-    items_.push_back({Item::Kind::File, std::move(name), std::move(content), compression, {}});
-    return *this;
-}
-
-ZipBuilder& ZipBuilder::addEncrypted(std::string name, std::string content, std::string password) {
-    items_.push_back(
-        {Item::Kind::EncryptedFile, std::move(name), std::move(content), Compression::Deflate, std::move(password)});
-    return *this;
-}
-
-ZipBuilder& ZipBuilder::addDirectory(std::string name) {
-    items_.push_back({Item::Kind::Directory, std::move(name), {}, Compression::Store, {}});
-    return *this;
-}
-
-const std::filesystem::path& ZipBuilder::write(const std::filesystem::path& path) const {
-    int error = 0;
-    zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-    if (archive == nullptr) {
-        throw std::runtime_error("cannot create " + path.string());
-    }
-    for (const auto& item : items_) {
-        if (item.kind == Item::Kind::Directory) {
-            if (zip_dir_add(archive, item.name.c_str(), ZIP_FL_ENC_UTF_8) < 0) {
-                fail(archive, "zip_dir_add " + item.name);
-            }
-            continue;
-        }
-        // The builder's own strings outlive zip_close, so the source need not copy them.
-        zip_source_t* source = zip_source_buffer(archive, item.content.data(), item.content.size(), 0);
-        if (source == nullptr) {
-            fail(archive, "zip_source_buffer");
-        }
-        const zip_int64_t index = zip_file_add(archive, item.name.c_str(), source, ZIP_FL_ENC_UTF_8);
-        if (index < 0) {
-            zip_source_free(source);
-            fail(archive, "zip_file_add " + item.name);
-        }
-        const auto entry = static_cast<zip_uint64_t>(index);
-        const std::int32_t method = item.compression == Compression::Store ? ZIP_CM_STORE : ZIP_CM_DEFLATE;
-        if (zip_set_file_compression(archive, entry, method, 0) != 0) {
-            fail(archive, "zip_set_file_compression");
-        }
-        if (item.kind == Item::Kind::EncryptedFile &&
-            zip_file_set_encryption(archive, entry, ZIP_EM_AES_256, item.password.c_str()) != 0) {
-            fail(archive, "zip_file_set_encryption");
-        }
-    }
-    if (zip_close(archive) != 0) {
-        fail(archive, "zip_close");
-    }
-    return path;
-}
 
 ZipEntryLayout locateZipEntry(const std::filesystem::path& package, const std::string& entryName) {
     return locate(readBytes(package), entryName);

@@ -1,40 +1,18 @@
 #pragma once
 
-// Builds zip packages for tests with libzip, and damages them afterwards in controlled ways so
-// that the library's handling of hostile packages can be exercised on real files.
+// Zip packages for tests: written with the shared writer, and damaged afterwards in controlled ways
+// so that the library's handling of hostile packages can be exercised on real files.
+
+#include "ZipWriter.hpp"
 
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 namespace refdoc::test {
 
-class ZipBuilder {
-public:
-    enum class Compression { Store, Deflate };
-
-    // A file entry; `name` may hold folder parts ("a/b/c.json").
-    ZipBuilder& add(std::string name, std::string content, Compression compression = Compression::Deflate);
-    // A file entry encrypted with WinZip AES-256 under `password`.
-    ZipBuilder& addEncrypted(std::string name, std::string content, std::string password);
-    // A folder entry; libzip stores it with a trailing '/'.
-    ZipBuilder& addDirectory(std::string name);
-
-    // Writes the package to `path` (replacing any file there) and returns `path`. Throws
-    // std::runtime_error when libzip fails.
-    const std::filesystem::path& write(const std::filesystem::path& path) const;
-
-private:
-    struct Item {
-        enum class Kind { File, EncryptedFile, Directory } kind;
-        std::string name;
-        std::string content;
-        Compression compression;
-        std::string password;
-    };
-    std::vector<Item> items_;
-};
+// The name the suites know the shared writer by.
+using ZipBuilder = ZipWriter;
 
 // Where one entry's fields and data sit in a written package.
 struct ZipEntryLayout {

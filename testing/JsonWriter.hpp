@@ -1,14 +1,18 @@
 #pragma once
 
-// A streaming JSON writer. Compact by default, the way documentation build tools emit their
-// files; pretty-printed (two-space indentation, one member or element per line) for the corpus
-// profile that stands for hand-edited or differently built data.
+// A streaming JSON writer, the one that test fixtures and the benchmark corpus are written with.
+// Compact by default, the way documentation build tools emit their files; pretty-printed
+// (two-space indentation, one member or element per line) for the corpus profile that stands for
+// hand-edited or differently built data.
+
+#include <boost/json/serialize.hpp>
+#include <boost/json/value.hpp>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace refdoc::bench {
+namespace refdoc::test {
 
 class JsonWriter {
 public:
@@ -34,6 +38,32 @@ public:
     void boolean(bool value) {
         separate();
         out_.append(value ? "true" : "false");
+    }
+    // A whole document tree, members in their stored order.
+    void value(const boost::json::value& tree) {
+        switch (tree.kind()) {
+        case boost::json::kind::object:
+            beginObject();
+            for (const auto& [name, member] : tree.get_object()) {
+                key(name);
+                value(member);
+            }
+            endObject();
+            break;
+        case boost::json::kind::array:
+            beginArray();
+            for (const auto& element : tree.get_array()) {
+                value(element);
+            }
+            endArray();
+            break;
+        case boost::json::kind::string:
+            string(tree.get_string());
+            break;
+        default: // numbers, booleans and null, written as Boost.JSON writes them
+            separate();
+            out_.append(boost::json::serialize(tree));
+        }
     }
 
     void member(std::string_view name, std::string_view value) {
@@ -123,4 +153,4 @@ private:
     bool pretty_ = false;
 };
 
-} // namespace refdoc::bench
+} // namespace refdoc::test
