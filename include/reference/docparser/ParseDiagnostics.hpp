@@ -10,8 +10,8 @@
 //
 // The reasons come from the parsing code itself, so a checker that uses them cannot disagree
 // with the loaders about what is valid. Results are the same with or without a scope; nothing
-// is logged either way. Without a scope the library records nothing: the cost is a test of one
-// thread-local pointer per file read and on failure paths.
+// is logged either way. Without a scope the library records nothing: the cost is reading one
+// thread-local pointer when a loading call starts.
 
 #include <reference/docparser/Export.hpp>
 
