@@ -169,18 +169,6 @@ TEST_F(LookupLoading, ReadsExactlyTheFilesOfTheCurrentLanguage) {
     EXPECT_EQ(messages, expected);
 }
 
-TEST_F(LookupLoading, InstalledStatusFollowsTheProductsAndPackages) {
-    DocResourceParser::setTestProducts({u"omega"}, {});
-    const auto results = loadIn(u"en");
-    std::vector<std::string> installed;
-    for (const auto& [key, summary] : summarize(results.installedResources)) {
-        installed.push_back(key);
-    }
-    EXPECT_EQ(installed, std::vector<std::string>{"omega"});
-    EXPECT_EQ(results.uninstalledResources.count(u"alpha"), 1u);
-    EXPECT_EQ(results.uninstalledResources.count(u"sp_a"), 1u);
-}
-
 TEST_F(LookupLoading, UnreadablePackageIsSkippedAndAMissingFolderYieldsNothing) {
     root_.write("docCatalog/referenceapi_lookup/truncated.zip", "PK\x03\x04 not really a package");
     std::filesystem::create_directories(lookup_ / "folder.json"); // a folder named like a data file
