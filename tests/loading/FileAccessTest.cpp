@@ -12,7 +12,6 @@
 
 #include <filesystem>
 #include <functional>
-#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -23,8 +22,8 @@ namespace {
 
 using refdoc::test::CapturedRecord;
 using refdoc::test::LogCapture;
-using reference::docparser::DropReason;
 using reference::docparser::DocResourceParser;
+using reference::docparser::DropReason;
 using reference::docparser::kFileAccessSeverity;
 using reference::docparser::kFileReadErrorSeverity;
 using reference::docparser::ProductPathData;
@@ -37,35 +36,27 @@ constexpr const char* kChannel = "referenceApi::docparser";
 constexpr std::uint32_t kBoth = kFileAccessSeverity | kFileReadErrorSeverity;
 
 CapturedRecord reading(const std::string& name) { return {kChannel, kFileAccessSeverity, "Reading file: " + name}; }
-CapturedRecord zipError(const std::string& name) {
-    return {kChannel, kFileAccessSeverity, "Error reading file: " + name};
-}
-CapturedRecord diskError(const std::string& path) {
-    return {kChannel, kFileReadErrorSeverity, "Problem reading JSON file: " + path};
-}
 
 class FileAccessTest : public ::testing::Test {
 protected:
     refdoc::test::TempDir dir;
 };
 
-TEST_F(FileAccessTest, DiskFilesComeBackByteForByte) {
+TEST_F(FileAccessTest, DiskFilesComeBackByteForByteIntoAReusedBuffer) {
     std::mt19937 engine(3);
     std::string random(1 << 20, '\0');
     for (auto& byte : random) {
         byte = static_cast<char>(engine() & 0xFFu);
     }
     const std::string contents[] = {
-        "", "{}", "{\r\n\"a\":\0\"b\"\r\n}\n"s, "\xef\xbb\xbf{\"bom\":true}", "\xff\xfe\x00\x80"s, random,
+        random, "", "{}", "{\r\n\"a\":\0\"b\"\r\n}\n"s, "\xef\xbb\xbf{\"bom\":true}", "\xff\xfe\x00\x80"s,
     };
     LogCapture capture(kBoth);
-    // One buffer for every read, as a loading call keeps it: long contents are followed by short
-    // ones, and nothing of an earlier file may remain.
+    // Long contents before short ones: nothing of an earlier file may remain in the buffer.
     std::string reused = "left over from an earlier file";
     for (const auto& content : contents) {
         const auto path = dir.write("file.json", content).u16string();
-        EXPECT_EQ(reference::docparser::readFileContents(path, reused).reason,
-                  content.empty() ? DropReason::NoData : DropReason::None);
+        reference::docparser::readFileContents(path, reused);
         EXPECT_EQ(reused, content);
         capture.clear();
         EXPECT_EQ(DocResourceParser::openAndReadFile(path), content);
@@ -76,43 +67,18 @@ TEST_F(FileAccessTest, DiskFilesComeBackByteForByte) {
     }
 }
 
-TEST_F(FileAccessTest, PathsThatAreNoRegularFileGiveNothingSilently) {
+// What each read path gives for files that cannot be read, and what it records.
+TEST_F(FileAccessTest, UnreadableFilesGiveNothingAndRecordWhy) {
     fs::create_directory(dir.path() / "folder.json");
     ASSERT_EQ(::mkfifo((dir.path() / "pipe.json").c_str(), 0600), 0);
     const auto target = dir.write("target.json", "{\"via\":\"link\"}");
     fs::create_symlink(target, dir.path() / "link.json");
     fs::create_symlink(dir.path() / "nowhere.json", dir.path() / "dangling.json");
-
-    const struct {
-        const char* name;
-        std::string content;
-        DropReason reason; // what the reader says of it
-    } cases[] = {
-        {"missing.json", "", DropReason::Missing},
-        {"folder.json", "", DropReason::Unreadable},
-        {"pipe.json", "", DropReason::Unreadable}, // a FIFO must not block the reader
-        {"dangling.json", "", DropReason::Missing},
-        {"link.json", "{\"via\":\"link\"}", DropReason::None},
-    };
-    LogCapture capture(kBoth);
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        capture.clear();
-        const auto path = dir.path() / c.name;
-        EXPECT_EQ(DocResourceParser::openAndReadFile(path.u16string()), c.content);
-        EXPECT_EQ(capture.records(), std::vector<CapturedRecord>{reading(path.string())});
-        std::string text;
-        EXPECT_EQ(reference::docparser::readFileContents(path.u16string(), text).reason, c.reason);
-    }
-}
-
-// The records of each read path, with the logger's mask letting through one, both or neither of
-// the two levels.
-TEST_F(FileAccessTest, EachReadPathWritesItsRecordsUnderEveryMask) {
-    const auto oversized = dir.write("oversized.json", "x");
     // Sparse: no disk space is used, and the reader must refuse it before allocating.
+    const auto oversized = dir.write("oversized.json", "x");
     fs::resize_file(oversized, reference::docparser::kMaxDataFileSize + 1);
     const auto nonAscii = dir.write("\xe8\xa3\xbd\xe5\x93\x81.json", "{\"n\":1}");
+    const CapturedRecord tooLarge{kChannel, kFileReadErrorSeverity, "Problem reading JSON file: " + oversized.string()};
 
     const auto package = refdoc::test::ZipBuilder()
                              .add("good.json", "{\"zip\":1}")
@@ -125,48 +91,50 @@ TEST_F(FileAccessTest, EachReadPathWritesItsRecordsUnderEveryMask) {
     const ProductZipData badEntry(u"\u88fd\u54c1_ja", true, leaves.at(1).entry, zip);
     const std::string badName = "\xe8\xa3\xbd\xe5\x93\x81_ja";
 
+    // What openAndReadFile does for a file on disk or a package entry, with the reason of a read
+    // that gives nothing.
+    using reference::docparser::readResourceText;
+    const auto disk = [&](const char* name) {
+        return [path = (dir.path() / name).u16string()](std::string& text) {
+            return readResourceText(ProductPathData(u"p", false, path), text);
+        };
+    };
     const struct Case {
         const char* what;
-        std::function<std::string()> read;
+        std::function<reference::docparser::ReadResult(std::string&)> read;
         std::string content;
-        std::vector<CapturedRecord> records; // with both levels enabled
+        DropReason reason;
+        std::vector<CapturedRecord> records;
     } cases[] = {
-        {"non-ASCII path",
-         [&] { return DocResourceParser::openAndReadFile(nonAscii.u16string()); },
-         "{\"n\":1}",
+        {"missing", disk("missing.json"), "", DropReason::Missing, {reading((dir.path() / "missing.json").string())}},
+        {"folder", disk("folder.json"), "", DropReason::Unreadable, {reading((dir.path() / "folder.json").string())}},
+        {"FIFO, which must not block", disk("pipe.json"), "", DropReason::Unreadable,
+         {reading((dir.path() / "pipe.json").string())}},
+        {"dangling link", disk("dangling.json"), "", DropReason::Missing,
+         {reading((dir.path() / "dangling.json").string())}},
+        {"link", disk("link.json"), "{\"via\":\"link\"}", DropReason::None,
+         {reading((dir.path() / "link.json").string())}},
+        {"non-ASCII path", disk("\xe8\xa3\xbd\xe5\x93\x81.json"), "{\"n\":1}", DropReason::None,
          {reading(nonAscii.string())}},
-        {"oversized path",
-         [&] { return DocResourceParser::openAndReadFile(oversized.u16string()); },
-         "",
-         {reading(oversized.string()), diskError(oversized.string())}},
-        {"oversized record",
-         [&] { return DocResourceParser::openAndReadFile(ProductPathData(u"big", false, oversized.u16string())); },
-         "",
-         {reading(oversized.string()), diskError(oversized.string())}},
-        {"good zip entry",
-         [&] { return DocResourceParser::openAndReadFile(goodEntry); },
-         "{\"zip\":1}",
-         {reading("goodProduct")}},
-        {"bad zip entry",
-         [&] { return DocResourceParser::openAndReadFile(badEntry); },
-         "",
-         {reading(badName), zipError(badName)}},
+        {"oversized", disk("oversized.json"), "", DropReason::Unreadable, {reading(oversized.string()), tooLarge}},
+        {"good zip entry", [&](std::string& text) { return readResourceText(goodEntry, text); }, "{\"zip\":1}",
+         DropReason::None, {reading("goodProduct")}},
+        {"bad zip entry", [&](std::string& text) { return readResourceText(badEntry, text); }, "",
+         DropReason::Unreadable, {reading(badName), {kChannel, kFileAccessSeverity, "Error reading file: " + badName}}},
     };
-    for (const std::uint32_t mask : {kBoth, kFileAccessSeverity, kFileReadErrorSeverity, std::uint32_t{0}}) {
-        LogCapture capture(mask);
-        for (const auto& c : cases) {
-            SCOPED_TRACE(std::string(c.what) + ", mask " + std::to_string(mask));
-            capture.clear();
-            EXPECT_EQ(c.read(), c.content);
-            std::vector<CapturedRecord> expected;
-            for (const auto& record : c.records) {
-                if ((record.severity & mask) != 0) {
-                    expected.push_back(record);
-                }
-            }
-            EXPECT_EQ(capture.records(), expected);
-        }
+    LogCapture capture(kBoth);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        capture.clear();
+        std::string text = "left over";
+        EXPECT_EQ(c.read(text).reason, c.reason);
+        EXPECT_EQ(text, c.content);
+        EXPECT_EQ(capture.records(), c.records);
     }
+    // The public operation gives the same text with the same records.
+    capture.clear();
+    EXPECT_EQ(DocResourceParser::openAndReadFile(oversized.u16string()), "");
+    EXPECT_EQ(capture.records(), (std::vector<CapturedRecord>{reading(oversized.string()), tooLarge}));
 }
 
 } // namespace

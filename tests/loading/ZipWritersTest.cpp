@@ -14,6 +14,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -93,13 +94,12 @@ TEST_P(ZipWriters, PackageLoadsLikeItsLooseFiles) {
     DocResourceParser::setTestProducts({u"optics"}, {});
     doclanguage::DocLanguage::getInstance().setSupportedDocLanguages({u"en", u"ja"});
 
-    for (const char16_t* language : {u"en", u"ja"}) {
+    for (const auto& [language, name, purpose] :
+         {std::tuple{u"en", "Optics", "Focal length"}, std::tuple{u"ja", "光学", "焦点距離"}}) {
         doclanguage::DocLanguage::getInstance().setDocLanguage(language);
         const auto loaded = DocResourceParser::getResourceLookupFiles();
-        const LookupSummary expected{{"optics",
-                                      {language == std::u16string(u"en") ? "Optics" : "光学",
-                                       {{"lens", {language == std::u16string(u"en") ? "Focal length" : "焦点距離"}}}}}};
-        EXPECT_EQ(summarize(loaded.installedResources), expected) << "language " << (language[0] == u'e' ? "en" : "ja");
+        EXPECT_EQ(summarize(loaded.installedResources), (LookupSummary{{"optics", {name, {{"lens", {purpose}}}}}}))
+            << name;
         EXPECT_TRUE(loaded.uninstalledResources.empty());
     }
 }

@@ -2,13 +2,11 @@
 
 #include "support/DocrootBuilder.hpp"
 #include "support/HostSettingsFixture.hpp"
-#include "support/LogCapture.hpp"
 #include "support/TempDir.hpp"
 #include "support/ZipBuilder.hpp"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
 namespace {
@@ -90,8 +88,6 @@ protected:
         return DocResourceParser::getResourceLookupFiles();
     }
 
-    std::string lookupPath(const char* name) const { return (lookup_ / name).string(); }
-
     TempDir root_;
     std::filesystem::path lookup_;
 };
@@ -139,46 +135,6 @@ TEST_F(LookupLoading, EachLanguageGetsItsVariantsOverEnglishAndBrokenFilesAreDro
         EXPECT_EQ(summarize(results.installedResources), installed);
         EXPECT_EQ(summarize(results.uninstalledResources), kUninstalled);
     }
-}
-
-TEST_F(LookupLoading, ReadsExactlyTheFilesOfTheCurrentLanguage) {
-    LogCapture capture(16 | 512);
-    loadIn(u"ja");
-    auto messages = capture.messages();
-    std::sort(messages.begin(), messages.end());
-    std::vector<std::string> expected = {
-        "Error reading file: mixedbad",
-        "Reading file: " + lookupPath("alpha.json"),
-        "Reading file: " + lookupPath("alpha_ja.json"),
-        "Reading file: " + lookupPath("empty.json"),
-        "Reading file: " + lookupPath("gamma.json"),
-        "Reading file: " + lookupPath("missinghref.json"),
-        "Reading file: " + lookupPath("omega.json"),
-        "Reading file: " + lookupPath("syntax.json"),
-        "Reading file: " + lookupPath("wrongkind.json"),
-        // Package entries are announced by product name.
-        "Reading file: beta",
-        "Reading file: beta_fr",
-        "Reading file: beta_ja",
-        "Reading file: gamma_ja",
-        "Reading file: mixedbad",
-        "Reading file: mixedok",
-        "Reading file: solo_ja",
-    };
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(messages, expected);
-}
-
-TEST_F(LookupLoading, InstalledStatusFollowsTheProductsAndPackages) {
-    DocResourceParser::setTestProducts({u"omega"}, {});
-    const auto results = loadIn(u"en");
-    std::vector<std::string> installed;
-    for (const auto& [key, summary] : summarize(results.installedResources)) {
-        installed.push_back(key);
-    }
-    EXPECT_EQ(installed, std::vector<std::string>{"omega"});
-    EXPECT_EQ(results.uninstalledResources.count(u"alpha"), 1u);
-    EXPECT_EQ(results.uninstalledResources.count(u"sp_a"), 1u);
 }
 
 TEST_F(LookupLoading, UnreadablePackageIsSkippedAndAMissingFolderYieldsNothing) {

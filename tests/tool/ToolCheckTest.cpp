@@ -78,33 +78,18 @@ TEST(ToolCheck, WordsEachKindOfDropInTextAndJson) {
     EXPECT_EQ(asJson.status, 1);
     const json::value report = asJson.json();
     EXPECT_EQ(report.at("summary"), json::parse(R"({"read": 3, "dropped": 6, "warnings": 0})"));
-    const struct {
-        std::string path;
-        json::value entry;
-        json::value reason;
-    } records[] = {
-        {"referenceapi_lookup/good.json", nullptr, nullptr},
-        {"referenceapi_lookup/syntax.json", nullptr, "syntax error"},
-        {"referenceapi_lookup/kind.json", nullptr, "wrong kind"},
-        {"referenceapi_lookup/empty.json", nullptr, "no data"},
-        {"referenceapi_lookup/pack.zip", "broken.json", "unreadable"},
-        {"referenceapi_lookup/junk.zip", nullptr, "unreadable"},
-        {"referenceapi/pages.json", nullptr, "missing key"},
-    };
-    for (const auto& r : records) {
-        SCOPED_TRACE(r.path);
-        const json::value record = recordOf(report, r.path, r.entry);
-        ASSERT_FALSE(record.is_null()) << asJson.out;
-        EXPECT_EQ(record.at("dropped"), !r.reason.is_null());
-        EXPECT_EQ(record.at("reason"), r.reason);
-    }
-    // Only a syntax error has a place in the text; the others have a JSON Pointer instead.
+    // The reasons themselves are the library's; the report places them and the file's position.
     const json::value syntax = recordOf(report, "referenceapi_lookup/syntax.json");
+    EXPECT_EQ(syntax.at("dropped"), true);
+    EXPECT_EQ(syntax.at("reason"), "syntax error");
     EXPECT_EQ(syntax.at("line"), 4);
     EXPECT_EQ(syntax.at("column"), 18);
     EXPECT_EQ(syntax.at("jsonPath"), nullptr);
-    EXPECT_FALSE(recordOf(report, "referenceapi_lookup/kind.json").as_object().contains("line"));
-    EXPECT_EQ(recordOf(report, "referenceapi_lookup/kind.json").at("jsonPath"), "/refItems/0/refpurpose");
+    const json::value kind = recordOf(report, "referenceapi_lookup/kind.json");
+    EXPECT_FALSE(kind.as_object().contains("line"));
+    EXPECT_EQ(kind.at("jsonPath"), "/refItems/0/refpurpose");
+    EXPECT_EQ(recordOf(report, "referenceapi_lookup/pack.zip", "broken.json").at("reason"), "unreadable");
+    EXPECT_EQ(recordOf(report, "referenceapi_lookup/good.json").at("dropped"), false);
 }
 
 TEST(ToolCheck, ReadsEveryLanguageVariantAndQuietListsOnlyProblems) {

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,17 +63,11 @@ inline bool contains(const std::string& text, const std::string& part) { return 
 // The lines of `text` that contain `part`.
 inline std::vector<std::string> linesWith(const std::string& text, const std::string& part) {
     std::vector<std::string> lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        const std::size_t end = text.find('\n', start);
-        const std::string line = text.substr(start, end == std::string::npos ? std::string::npos : end - start);
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
         if (contains(line, part)) {
             lines.push_back(line);
         }
-        if (end == std::string::npos) {
-            break;
-        }
-        start = end + 1;
     }
     return lines;
 }
