@@ -73,22 +73,42 @@ TEST(EventReader, FailureReportedIsTheFirstInTableOrderAndASyntaxErrorWins) {
         std::vector<ParseWarning> warnings;
     } cases[] = {
         {"members in table order, not text order",
-         lookupFile(R"({"href": 5, "refpurpose": "p"})"), DropReason::MissingKey, "missing required member \"name\"",
-         "/refItems/0/name", {}},
+         lookupFile(R"({"href": 5, "refpurpose": "p"})"),
+         DropReason::MissingKey,
+         "missing required member \"name\"",
+         "/refItems/0/name",
+         {}},
         {"earlier element first, whatever comes later in it",
-         lookupFile(R"({"name": "a", "href": "h", "refpurpose": 1}, {"href": "h"})"), DropReason::WrongKind,
-         "expected a string, found a number", "/refItems/0/refpurpose", {}},
+         lookupFile(R"({"name": "a", "href": "h", "refpurpose": 1}, {"href": "h"})"),
+         DropReason::WrongKind,
+         "expected a string, found a number",
+         "/refItems/0/refpurpose",
+         {}},
         {"the header before the items, wherever it stands",
          R"({"refItems": [{"name": 1}], "productName": "P", "baseCode": "B", "helpFolder": [], "helpLocation": "h"})",
-         DropReason::WrongKind, "expected a string, found an array", "/helpFolder", {}},
-        {"an array element of the wrong kind", lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"}, [])"),
-         DropReason::WrongKind, "expected an object, found an array", "/refItems/1", {}},
-        {"the whole document of the wrong kind", R"(["a"])", DropReason::WrongKind,
-         "expected an object, found an array at the top level", "", {}},
+         DropReason::WrongKind,
+         "expected a string, found an array",
+         "/helpFolder",
+         {}},
+        {"an array element of the wrong kind",
+         lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"}, [])"),
+         DropReason::WrongKind,
+         "expected an object, found an array",
+         "/refItems/1",
+         {}},
+        {"the whole document of the wrong kind",
+         R"(["a"])",
+         DropReason::WrongKind,
+         "expected an object, found an array at the top level",
+         "",
+         {}},
         {"keys escaped in pointers",
          R"({"productName": "P", "baseCode": "B", "helpFolder": "p", "helpLocation": "h", "refItems": [],
              "supportPackages": [{"productName": "Q", "baseCode": "a/b~c"}]})",
-         DropReason::MissingKey, "missing required member \"helpFolder\"", "/supportPackages/0/helpFolder", {}},
+         DropReason::MissingKey,
+         "missing required member \"helpFolder\"",
+         "/supportPackages/0/helpFolder",
+         {}},
         {"warnings before the failure stay, later ones go",
          lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "type": "odd"}, {"name": "b", "refpurpose": "p"},
                        {"name": "c", "refpurpose": "p", "href": "h", "type": "later"})"),
@@ -96,13 +116,21 @@ TEST(EventReader, FailureReportedIsTheFirstInTableOrderAndASyntaxErrorWins) {
          enumWarnings({{"/refItems/0/type", "odd"}})},
         {"a failure inside a value that a repeated key replaces does not count",
          lookupFile(R"({"name": "a"})", R"(, "refItems": [{"name": "b", "refpurpose": "p", "href": "h"}])"),
-         DropReason::None, "", "", {}},
+         DropReason::None,
+         "",
+         "",
+         {}},
         {"nor do its warnings; warnings come in table order",
          lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "fcntype": "f1", "type": "t1", "type": "class"},
                        {"name": "b", "refpurpose": "p", "href": "h", "fcntype": "f2", "type": "t2"})"),
-         DropReason::None, "", "", enumWarnings({{"/refItems/0/fcntype", "f1"}, {"/refItems/1/type", "t2"}, {"/refItems/1/fcntype", "f2"}})},
-        {"a syntax error after a failure", lookupFile(R"({"name": "a"},)"), DropReason::SyntaxError,
-         "syntax error", "", {}},
+         DropReason::None, "", "",
+         enumWarnings({{"/refItems/0/fcntype", "f1"}, {"/refItems/1/type", "t2"}, {"/refItems/1/fcntype", "f2"}})},
+        {"a syntax error after a failure",
+         lookupFile(R"({"name": "a"},)"),
+         DropReason::SyntaxError,
+         "syntax error",
+         "",
+         {}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -138,7 +166,8 @@ TEST(EventReader, PageRecordsFollowTheFinalHrefAndEntitiesWhereverTheyStand) {
     const auto page = [](const std::string& item) {
         return std::string("{") + kHeader + R"(, "refItems": [)" + item + "]}";
     };
-    const std::string input = R"("inputgroup": [{"title": "T", "inputs": [{"htmlid": "in", "name": "n\u00e9", "purpose": "p"}]}],
+    const std::string input =
+        R"("inputgroup": [{"title": "T", "inputs": [{"htmlid": "in", "name": "n\u00e9", "purpose": "p"}]}],
                                   "classpropertygroup": [{"classproperty": [{"name": "c\u00e9", "purpose": "p"}]}],
                                   "outputs": [{"htmlid": "out", "name": "o", "purpose": "p"}])";
     const std::string block = R"("refentity": [{"type": "block", "name": "b"}])";
@@ -149,12 +178,13 @@ TEST(EventReader, PageRecordsFollowTheFinalHrefAndEntitiesWhereverTheyStand) {
         std::u16string href;
         bool utf8Names;
     } cases[] = {
-        {"href and entities first", R"({"href": "a.html", "refpurpose": "p", )" + block + ", " + input + "}",
-         u"a.html", true},
+        {"href and entities first", R"({"href": "a.html", "refpurpose": "p", )" + block + ", " + input + "}", u"a.html",
+         true},
         {"href and entities last", "{" + input + R"(, "refpurpose": "p", )" + block + R"(, "href": "a.html"})",
          u"a.html", true},
-        {"repeated href and entities", R"({"href": "x.html", "refpurpose": "p", )" + block + ", " + input + ", " +
-                                           function + R"(, "href": "a.html"})",
+        {"repeated href and entities",
+         R"({"href": "x.html", "refpurpose": "p", )" + block + ", " + input + ", " + function +
+             R"(, "href": "a.html"})",
          u"a.html", false},
     };
     for (const auto& c : cases) {

@@ -11,8 +11,8 @@ namespace {
 
 using reference::docparser::DocParserException;
 using reference::docparser::DocResourceParser;
-using reference::docparser::parseLookupDocument;
 using reference::docparser::lookupFileParser;
+using reference::docparser::parseLookupDocument;
 using namespace reference::property;
 using refdoc::test::documentObject;
 using refdoc::test::parseJson;

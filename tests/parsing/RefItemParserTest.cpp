@@ -208,7 +208,29 @@ TEST(RefItemParser, SyntaxLinesAreWidenedAndTitlesDecoded) {
     EXPECT_TRUE(parseSyntaxGroups(boost::json::object{}).empty());
 }
 
-// Failures of the document as a whole; every failure inside a page is in the mutation table of
-// the page check test, which runs it through building and checking alike.
+// The parts of a page read on their own go through the page's own tables.
+TEST(RefItemParser, PartsOfAPageReadOnTheirOwn) {
+    using reference::docparser::makeObjectInfo;
+    using reference::docparser::parseInputGroup;
+    using reference::docparser::parseObjectInfo;
+    using Parsing = reference::docparser::DocResourceParser::ParsingTools::StringParsingType;
+    const auto argument =
+        parseJson(R"({"htmlid": "in_x", "name": "\u00e9", "purpose": "p", "value": ["v"]})").as_object();
+    EXPECT_EQ(parseObjectInfo(argument, u"ref/a.html", Parsing::Utf8),
+              ObjectInfo(u"\u00e9", u"p", {u"v"}, u"ref/a.html#in_x"));
+    EXPECT_EQ(parseObjectInfo(argument, u"ref/a.html", Parsing::Ascii).getName(), u"\u00c3\u00a9");
+    EXPECT_EQ(makeObjectInfo(argument, u"N", u"A"), ObjectInfo(u"N", u"p", {u"v"}, u"A"));
+
+    const auto group = parseJson(R"({"inputs": [{"name": "x", "purpose": "p"}], "title": "T",
+                                     "namevaluepairs": "not read here"})")
+                           .as_object();
+    const auto read = parseInputGroup(group, u"ref/a.html", Parsing::Ascii, true);
+    EXPECT_EQ(read.getTitle(), u"T");
+    EXPECT_TRUE(read.getInputs().at(0).isNameValuePair());
+    EXPECT_EQ(read.getInputs().at(0).getInfo().getAnchor(), u"ref/a.html#");
+    EXPECT_THROW(parseInputGroup(parseJson(R"({"inputs": []})").as_object(), u"h", Parsing::Ascii, false),
+                 DocParserException)
+        << "the title is required even without inputs";
+}
 
 } // namespace

@@ -35,7 +35,7 @@ void describeReadFailure(FileDiagnostic& record, ReadFailure failure, std::strin
         return;
     }
     record.dropReason = DropReason::WrongKind;
-    record.message = failure == ReadFailure::NotAnObject ? "expected an object"
+    record.message = failure == ReadFailure::NotAnObject  ? "expected an object"
                      : failure == ReadFailure::NotAnArray ? "expected an array"
                                                           : "expected a string";
     record.message.append(", found ").append(kindName(found));

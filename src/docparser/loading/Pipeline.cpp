@@ -103,15 +103,16 @@ DocResourceParser::ParsingTools::readZipFiles(const std::vector<ProductPathData>
                                               const ParsingInfo<T>& info) {
     if (info.context == nullptr) {
         detail::LoadContext own;
-        return readZipFiles(zipPackages, ParsingInfo<T>{info.jsonParsingFcn, info.isInstalledFcn,
-                                                        info.supportedLocales, info.localeSuffix, &own});
+        return readZipFiles(zipPackages, ParsingInfo<T>{info.jsonParsingFcn, info.isInstalledFcn, info.supportedLocales,
+                                                        info.localeSuffix, &own});
     }
     detail::LoadContext& context = *info.context;
     ParsingResults<T> results;
     for (const auto& packageFile : zipPackages) {
-        const std::size_t record = context.recorder != nullptr
-                                       ? context.recorder->add(listedFile(DiagnosticSource::Package, packageFile, context))
-                                       : 0;
+        const std::size_t record =
+            context.recorder != nullptr
+                ? context.recorder->add(listedFile(DiagnosticSource::Package, packageFile, context))
+                : 0;
         try {
             context.packagePath = packageFile.getFullPath();
             // The package stays open exactly while its entries are read: the records below point
@@ -157,10 +158,10 @@ void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files,
                                                     ParsingResults<T>& results) {
     if (info.context == nullptr) {
         detail::LoadContext own;
-        readJsonFiles(files,
-                      ParsingInfo<T>{info.jsonParsingFcn, info.isInstalledFcn, info.supportedLocales,
-                                     info.localeSuffix, &own},
-                      results);
+        readJsonFiles(
+            files,
+            ParsingInfo<T>{info.jsonParsingFcn, info.isInstalledFcn, info.supportedLocales, info.localeSuffix, &own},
+            results);
         return;
     }
     detail::LoadContext& context = *info.context;

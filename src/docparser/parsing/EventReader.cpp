@@ -316,8 +316,8 @@ private:
         std::uint32_t failedRows;   // object: one bit per row with a failure inside
         std::uint32_t index;        // array: elements begun so far
         bool isArray;
-        bool build;      // false inside a discarded object: check only
-        bool buildInner; // object: whether the objects inside it are built
+        bool build;                                            // false inside a discarded object: check only
+        bool buildInner;                                       // object: whether the objects inside it are built
         std::array<std::uint32_t, KeyIndex::kMaxKeys> failure; // object: per failed row, its Failure
     };
 
@@ -377,7 +377,8 @@ private:
             diagnostics::appendPointerToken(pointer, key);
             std::string position = positionThrough(top_ - 1);
             appendComponent(position, row);
-            failure = addFailure(ReadFailure::MissingKey, JsonKind::Object, key, std::move(pointer), std::move(position));
+            failure =
+                addFailure(ReadFailure::MissingKey, JsonKind::Object, key, std::move(pointer), std::move(position));
         } else {
             failure = level.failure[row];
         }
@@ -498,17 +499,16 @@ private:
                 skipContainer(kind);
                 return nullptr;
             }
-            const JsonKind expected = member->shape == Shape::String ? JsonKind::String
+            const JsonKind expected = member->shape == Shape::String   ? JsonKind::String
                                       : member->shape == Shape::Object ? JsonKind::Object
-                                                                        : JsonKind::Array;
+                                                                       : JsonKind::Array;
             if (kind == expected) [[likely]] {
                 return member;
             }
             const ReadFailure failure = expected == JsonKind::String   ? ReadFailure::NotAString
                                         : expected == JsonKind::Object ? ReadFailure::NotAnObject
                                                                        : ReadFailure::NotAnArray;
-            failIn(level, rowOf(level),
-                   addFailure(failure, kind, {}, pointerThrough(top_), positionThrough(top_)));
+            failIn(level, rowOf(level), addFailure(failure, kind, {}, pointerThrough(top_), positionThrough(top_)));
         }
         skipContainer(kind);
         return nullptr;
@@ -632,7 +632,8 @@ private:
         std::stable_sort(warnings_.begin(), warnings_.end(),
                          [](const Warning& a, const Warning& b) { return a.position < b.position; });
         for (auto& warning : warnings_) {
-            record_->warnings.push_back(ParseWarning{warning.kind, std::move(warning.pointer), std::move(warning.text)});
+            record_->warnings.push_back(
+                ParseWarning{warning.kind, std::move(warning.pointer), std::move(warning.text)});
         }
         warnings_.clear();
     }
@@ -681,8 +682,7 @@ void Reader::unknownText(std::string_view text) {
 
 void Reader::documentKeyTaken(std::string_view key, std::size_t index, const std::u16string& documentKey,
                               bool reportInside) {
-    handlerOf(*this).elementWarning(WarningKind::DocumentKeyTaken, key, index, utf16ToUtf8(documentKey),
-                                    reportInside);
+    handlerOf(*this).elementWarning(WarningKind::DocumentKeyTaken, key, index, utf16ToUtf8(documentKey), reportInside);
 }
 
 bool Reader::recording() const noexcept { return handlerOf(const_cast<Reader&>(*this)).recording(); }

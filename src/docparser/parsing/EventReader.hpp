@@ -26,7 +26,6 @@
 
 #include <boost/json/fwd.hpp>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -254,24 +253,30 @@ MemberRule storedText(std::string_view key, bool required) {
 template <class E, auto Field>
 MemberRule enumeration(std::string_view key) {
     using Draft = typename detail::FieldOf<decltype(Field)>::DraftType;
-    return {key, Shape::String, false,
+    return {key,
+            Shape::String,
+            false,
             [](void* draft, std::string_view bytes, Reader& reader) {
                 if (!E::tryStringToEnum(bytes, static_cast<Draft*>(draft)->*Field)) [[unlikely]] {
                     reader.unknownText(bytes);
                 }
             },
-            nullptr, [](void* draft) { static_cast<Draft*>(draft)->*Field = E::getDefaultValue(); }};
+            nullptr,
+            [](void* draft) { static_cast<Draft*>(draft)->*Field = E::getDefaultValue(); }};
 }
 
 // An array of strings, each converted by `Convert` and appended to the field (a vector).
 template <auto Field, auto Convert>
 MemberRule textList(std::string_view key, bool required) {
     using Draft = typename detail::FieldOf<decltype(Field)>::DraftType;
-    return {key, Shape::StringArray, required,
+    return {key,
+            Shape::StringArray,
+            required,
             [](void* draft, std::string_view bytes, Reader&) {
                 (static_cast<Draft*>(draft)->*Field).push_back(Convert(bytes));
             },
-            nullptr, [](void* draft) { (static_cast<Draft*>(draft)->*Field).clear(); }};
+            nullptr,
+            [](void* draft) { (static_cast<Draft*>(draft)->*Field).clear(); }};
 }
 
 // A member that counts by its presence alone: the bool field becomes true, whatever the value.
@@ -334,27 +339,6 @@ ObjectFormat objectFormat(std::span<const MemberRule> members) {
             nullptr,
             nullptr,
             detail::nextFormatSlot()};
-}
-
-// The documents of the array member `key` that a file drops because the document before them
-// (key `firstKey`) or an earlier one of them holds their key: each one's key is `keyOf(document)`,
-// its place in the array `indices[i]`. For a file that failed, which builds no result.
-template <class Document, class KeyOf>
-void reportTakenKeys(Reader& reader, std::string_view key, const std::u16string& firstKey,
-                     const std::vector<Document>& documents, const std::vector<std::size_t>& indices, KeyOf keyOf,
-                     bool reportInside) {
-    if (!reader.recording()) {
-        return;
-    }
-    std::vector<std::u16string> keys{firstKey};
-    for (std::size_t i = 0; i < documents.size(); ++i) {
-        std::u16string documentKey = keyOf(documents[i]);
-        if (std::find(keys.begin(), keys.end(), documentKey) != keys.end()) {
-            reader.documentKeyTaken(key, indices[i], documentKey, reportInside);
-        } else {
-            keys.push_back(std::move(documentKey));
-        }
-    }
 }
 
 // The elements of a draft's list as a list of their own, allocated once at its final size; the

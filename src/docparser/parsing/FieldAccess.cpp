@@ -21,9 +21,9 @@ namespace reference::docparser {
 
 namespace {
 
+using detail::StringParsingType;
 using diagnostics::JsonKind;
 using diagnostics::ReadFailure;
-using detail::StringParsingType;
 
 JsonKind kindOf(const boost::json::value& value) noexcept {
     switch (value.kind()) {

@@ -3,6 +3,7 @@
 #include "docparser/parsing/EventReader.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
+#include "docparser/parsing/ResourceFile.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <boost/json/value.hpp>
@@ -204,24 +205,11 @@ void closePackage(LookupDocumentDraft& package, LookupDocumentDraft& main, std::
 }
 
 void closeMain(LookupDocumentDraft& main, LookupFile& file, std::uint32_t, ev::Reader& reader) {
-    std::u16string key = main.helpFolder;
-    file.result.emplace(std::move(key), main.take());
-    // First come, first kept: the main document and earlier packages win a shared key.
-    for (std::size_t i = 0; i < main.packages.size(); ++i) {
-        auto& package = main.packages[i];
-        if (!file.result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {
-            reader.documentKeyTaken(keys::kSupportPackages, main.packageIndex[i], package.getHeader().getBaseCode(),
-                                    true);
-        }
-    }
+    fileDocuments(file.result, main.take(), main.packages, main.packageIndex, reader, true);
 }
 
-// A file that fails still reports the packages dropped before the failure.
 void abandonMain(LookupDocumentDraft& main, ev::Reader& reader) {
-    ev::reportTakenKeys(
-        reader, keys::kSupportPackages, main.helpFolder, main.packages, main.packageIndex,
-        [](const DocResource<RefItemLookup>& package) { return package.getHeader().getBaseCode(); },
-        true);
+    reportTakenPackages(main.helpFolder, main.packages, main.packageIndex, reader, true);
 }
 
 void closeAlone(LookupDocumentDraft& document, LookupDocument& alone, std::uint32_t, ev::Reader&) {
@@ -255,14 +243,15 @@ const ev::ObjectFormat kPackage = ev::objectFormat<closePackage>(kDocumentRules)
 const ev::ObjectFormat kAlone = ev::objectFormat<closeAlone>(kDocumentRules);
 
 const ev::MemberRule kMainRules[] = {
-    kDocumentRules[0], kDocumentRules[1], kDocumentRules[2], kDocumentRules[3], kDocumentRules[4],
-    ev::objects<forgetPackages>(keys::kSupportPackages, false, kPackage),
+    kDocumentRules[0], kDocumentRules[1], kDocumentRules[2],
+    kDocumentRules[3], kDocumentRules[4], ev::objects<forgetPackages>(keys::kSupportPackages, false, kPackage),
 };
 const ev::ObjectFormat kMain = ev::objectFormat<closeMain, abandonMain>(kMainRules);
 
 } // namespace
 
-DocResourceParser::LookupResourceMap parseLookupFile(std::string_view text, detail::ScratchMemory& scratch, FileDiagnostic* record) {
+DocResourceParser::LookupResourceMap parseLookupFile(std::string_view text, detail::ScratchMemory& scratch,
+                                                     FileDiagnostic* record) {
     DocResourceParser::LookupResourceMap result;
     LookupFile file{result, scratch};
     events::readText(text, kMain, &file, record);

@@ -23,7 +23,8 @@ namespace reference::docparser {
 // commas, nesting at most 32 deep) and DocParserException for a missing required key or a
 // member of the wrong kind. Nothing of a failed file is returned. `scratch` is reused from
 // file to file; `record`, when not null, gets the reason of a failure and the warnings.
-DocResourceParser::LookupResourceMap parseLookupFile(std::string_view text, detail::ScratchMemory& scratch, FileDiagnostic* record);
+DocResourceParser::LookupResourceMap parseLookupFile(std::string_view text, detail::ScratchMemory& scratch,
+                                                     FileDiagnostic* record);
 // The same for a parsed value (the same tables read it, so it gives the same records).
 DocResourceParser::LookupResourceMap parseLookupFile(const boost::json::value& file);
 

@@ -3,6 +3,7 @@
 #include "docparser/parsing/EventReader.hpp"
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/JsonKeys.hpp"
+#include "docparser/parsing/ResourceFile.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <boost/json/value.hpp>
@@ -299,7 +300,7 @@ struct ItemPart {
 
     PageRead read;
     ItemDraft item;
-    std::u16string name;   // makeObjectInfo: the name and anchor given
+    std::u16string name; // makeObjectInfo: the name and anchor given
     std::u16string anchor;
     std::optional<ObjectInfo> info;
 };
@@ -610,26 +611,14 @@ void closePackage(DocumentDraft& package, DocumentDraft& main, std::uint32_t, ev
     main.packageIndex.push_back(reader.elementIndex());
 }
 
+// A package dropped for its key is only checked, as a replaced page is: what it holds is not
+// reported.
 void closeMain(DocumentDraft& main, PageFile& file, std::uint32_t, ev::Reader& reader) {
-    std::u16string key = main.helpFolder;
-    file.result.try_emplace(std::move(key), main.take(reader));
-    // First come, first kept: the main document and earlier packages win a shared key. A
-    // dropped package is only checked, so what it holds is not reported.
-    for (std::size_t i = 0; i < main.packages.size(); ++i) {
-        auto& package = main.packages[i];
-        if (!file.result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {
-            reader.documentKeyTaken(keys::kSupportPackages, main.packageIndex[i], package.getHeader().getBaseCode(),
-                                    false);
-        }
-    }
+    fileDocuments(file.result, main.take(reader), main.packages, main.packageIndex, reader, false);
 }
 
-// A file that fails still reports the packages dropped before the failure.
 void abandonMain(DocumentDraft& main, ev::Reader& reader) {
-    ev::reportTakenKeys(
-        reader, keys::kSupportPackages, main.helpFolder, main.packages, main.packageIndex,
-        [](const DocResource<RefItem>& package) { return package.getHeader().getBaseCode(); },
-        false);
+    reportTakenPackages(main.helpFolder, main.packages, main.packageIndex, reader, false);
 }
 
 void closeAlone(DocumentDraft& document, PageDocument& alone, std::uint32_t, ev::Reader& reader) {
@@ -762,8 +751,8 @@ const ev::ObjectFormat kAlone = ev::objectFormat<closeAlone>(kDocumentRules);
 
 // The main document: a package document's members, and the packages (one level only).
 const ev::MemberRule kMainRules[] = {
-    kDocumentRules[0], kDocumentRules[1], kDocumentRules[2], kDocumentRules[3], kDocumentRules[4],
-    ev::objects<forgetPackages>(keys::kSupportPackages, false, kPackage),
+    kDocumentRules[0], kDocumentRules[1], kDocumentRules[2],
+    kDocumentRules[3], kDocumentRules[4], ev::objects<forgetPackages>(keys::kSupportPackages, false, kPackage),
 };
 const ev::ObjectFormat kMain = ev::objectFormat<closeMain, abandonMain>(kMainRules);
 
@@ -789,8 +778,7 @@ void readPages(PageRead& read, FileDiagnostic* record, ReadOnce&& readOnce) {
 
 } // namespace
 
-RefItemFileMap parseRefItemFile(std::string_view text, const RefItemFileMap* replacement,
-                                FileDiagnostic* record) {
+RefItemFileMap parseRefItemFile(std::string_view text, const RefItemFileMap* replacement, FileDiagnostic* record) {
     RefItemFileMap result;
     PageRead read;
     read.replacement = replacement;
@@ -839,8 +827,7 @@ ObjectInfo parseObjectInfo(const boost::json::object& object, const std::u16stri
     return std::move(*part.info);
 }
 
-ObjectInfo makeObjectInfo(const boost::json::object& object, const std::u16string& name,
-                          const std::u16string& anchor) {
+ObjectInfo makeObjectInfo(const boost::json::object& object, const std::u16string& name, const std::u16string& anchor) {
     ItemPart part({}, StringParsingType::Ascii, false);
     part.name = name;
     part.anchor = anchor;

@@ -28,9 +28,8 @@ namespace reference::docparser {
 // under the same document key, and documents whose key is taken, would be discarded, so they are
 // only checked (the file still fails wherever a full read fails) and never built.
 // `record`, when not null, gets the reason of a failure and the warnings.
-DocResourceParser::RefItemFileMap parseRefItemFile(std::string_view text,
-                                                   const DocResourceParser::RefItemFileMap* replacement,
-                                                   FileDiagnostic* record);
+DocResourceParser::RefItemFileMap
+parseRefItemFile(std::string_view text, const DocResourceParser::RefItemFileMap* replacement, FileDiagnostic* record);
 // The same for a parsed value (the same tables read it, so it gives the same records).
 DocResourceParser::RefItemFileMap parseRefItemFile(const boost::json::value& file);
 
