@@ -5,6 +5,7 @@ which tests fail, then takes the fault out again. A fault no test catches is a g
   scripts/faults.py                 every fault, debug preset, table on stdout
   scripts/faults.py --only F03 F11  some of them
   scripts/faults.py --list          the table of faults without running anything
+  scripts/faults.py --check         that every fault's text still stands in its file, once
   scripts/faults.py --json out.json the results as JSON as well
 
 The sources are restored after each fault, also when the build or a test run fails or the script
@@ -29,9 +30,9 @@ FAULTS = [
        "    if (sourceTakesPrecedence) {\n        std::swap(target, source);",
        "    if (!sourceTakesPrecedence) {\n        std::swap(target, source);")]),
     ("F02", "reader", "a support package whose key is taken replaces the earlier document",
-     [(path, "if (!file.result.try_emplace(package.getHeader().getBaseCode(), std::move(package)).second) {",
-       "if (!file.result.insert_or_assign(package.getHeader().getBaseCode(), std::move(package)).second) {")
-      for path in ("src/docparser/parsing/LookupParser.cpp", "src/docparser/parsing/RefItemParser.cpp")]),
+     [("src/docparser/parsing/ResourceFile.hpp",
+       "if (!result.try_emplace(packageKey, std::move(packages[i])).second) {",
+       "if (!result.insert_or_assign(packageKey, std::move(packages[i])).second) {")]),
     ("F03", "locales", "loose locale variants of other languages are kept",
      [("src/docparser/loading/ProductEnumeration.cpp",
        "if (isVariant && !std::u16string_view(stem).ends_with(currentLocaleSuffix)) {",
@@ -142,11 +143,18 @@ def main():
     parser.add_argument("--preset", default="debug")
     parser.add_argument("--only", nargs="*", default=None)
     parser.add_argument("--list", action="store_true")
+    parser.add_argument("--check", action="store_true")
     parser.add_argument("--json", type=pathlib.Path)
     parser.add_argument("--timeout", type=int, default=600, help="seconds per test")
     args = parser.parse_args()
 
     faults = [f for f in FAULTS if args.only is None or f[0] in args.only]
+    if args.check:
+        stale = [(fid, path) for fid, _, _, edits in faults for path, old, _ in edits
+                 if (ROOT / path).read_text().count(old) != 1]
+        for fid, path in stale:
+            print(f"{fid}: its text no longer stands once in {path}")
+        return 1 if stale else 0
     if args.list:
         for fid, area, what, _ in faults:
             print(f"{fid}  {area:12} {what}")
