@@ -372,6 +372,10 @@ private:
         const auto row = static_cast<std::uint32_t>(std::countr_zero(failed));
         std::uint32_t failure = kNoFailure;
         if ((missing >> row & 1u) != 0) {
+            if (!matters()) {
+                --top_;
+                return;
+            }
             const std::string_view key = format.members[row].key;
             std::string pointer = pointerThrough(top_ - 1);
             diagnostics::appendPointerToken(pointer, key);
@@ -489,11 +493,11 @@ private:
                 return member;
             }
             // The element's failure belongs to the array's member in the object holding it.
-            std::string position = positionThrough(top_);
-            std::string pointer = pointerThrough(top_);
-            failIn(levels_[top_ - 1], rowOf(levels_[top_ - 1]),
-                   addFailure(element == JsonKind::Object ? ReadFailure::NotAnObject : ReadFailure::NotAString, kind,
-                              {}, std::move(pointer), std::move(position)));
+            if (matters()) {
+                failIn(levels_[top_ - 1], rowOf(levels_[top_ - 1]),
+                       addFailure(element == JsonKind::Object ? ReadFailure::NotAnObject : ReadFailure::NotAString,
+                                  kind, {}, pointerThrough(top_), positionThrough(top_)));
+            }
         } else {
             if (member == nullptr || member->shape == Shape::Any) {
                 skipContainer(kind);
@@ -508,7 +512,9 @@ private:
             const ReadFailure failure = expected == JsonKind::String   ? ReadFailure::NotAString
                                         : expected == JsonKind::Object ? ReadFailure::NotAnObject
                                                                        : ReadFailure::NotAnArray;
-            failIn(level, rowOf(level), addFailure(failure, kind, {}, pointerThrough(top_), positionThrough(top_)));
+            if ((level.failedRows >> rowOf(level) & 1u) == 0 && matters()) {
+                failIn(level, rowOf(level), addFailure(failure, kind, {}, pointerThrough(top_), positionThrough(top_)));
+            }
         }
         skipContainer(kind);
         return nullptr;
@@ -589,6 +595,19 @@ private:
             }
         }
         return position;
+    }
+
+    // Whether a failure found in the innermost level can still be the one reported: not when an
+    // object around it already failed in the member that holds it (an earlier element came
+    // first). Keeps a file of many failing elements from collecting a failure for each.
+    bool matters() const noexcept {
+        for (int i = top_ - 1; i >= 0; --i) {
+            const Level& level = levels_[i];
+            if (!level.isArray && (level.failedRows >> rowOf(level) & 1u) != 0) {
+                return false;
+            }
+        }
+        return true;
     }
 
     // Warnings found inside the given rows of the innermost object no longer count.

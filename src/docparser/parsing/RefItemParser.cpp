@@ -163,6 +163,19 @@ struct DocumentDraft {
         return replaced;
     }
 
+    // Pages that the replacement holds are only checked when that is known in time; for those
+    // built before it was, what was found in them is not reported either.
+    void forgetReplacedWarnings(ev::Reader& reader) {
+        if (const PageMap* pages = builtEarly.empty() ? nullptr : replacedPages()) {
+            for (const auto& [href, index] : builtEarly) {
+                if (pages->contains(href)) {
+                    reader.forgetElementWarnings(keys::kRefItems, index);
+                }
+            }
+        }
+        builtEarly.clear();
+    }
+
     // The document's key came again: pages discarded for the earlier key may be wanted.
     void forgetKey() noexcept {
         if (replacementKnown) {
@@ -172,20 +185,14 @@ struct DocumentDraft {
         replaced = nullptr;
     }
 
-    // The document as read, without the pages the replacement holds; as they are only checked
-    // when that is known in time, what was found in them is not reported.
+    // The document as read, without the pages the replacement holds.
     DocResource<RefItem> take(ev::Reader& reader) {
         if (mayHoldReplaced) {
             if (const PageMap* pages = replacedPages()) {
                 std::erase_if(items, [pages](const auto& entry) { return pages->contains(entry.first); });
-                for (const auto& [href, index] : builtEarly) {
-                    if (pages->contains(href)) {
-                        reader.forgetElementWarnings(keys::kRefItems, index);
-                    }
-                }
             }
         }
-        builtEarly.clear();
+        forgetReplacedWarnings(reader);
         PageMap taken = std::move(items);
         forgetPages();
         return DocResource<RefItem>(
@@ -618,8 +625,11 @@ void closeMain(DocumentDraft& main, PageFile& file, std::uint32_t, ev::Reader& r
 }
 
 void abandonMain(DocumentDraft& main, ev::Reader& reader) {
+    main.forgetReplacedWarnings(reader);
     reportTakenPackages(main.helpFolder, main.packages, main.packageIndex, reader, false);
 }
+
+void abandonPackage(DocumentDraft& package, ev::Reader& reader) { package.forgetReplacedWarnings(reader); }
 
 void closeAlone(DocumentDraft& document, PageDocument& alone, std::uint32_t, ev::Reader& reader) {
     alone.document.emplace(document.take(reader));
@@ -746,7 +756,7 @@ const ev::MemberRule kDocumentRules[] = {
     ev::text<&DocumentDraft::helpLocation, asciiField>(keys::kHelpLocation, true),
     ev::objects<forgetPages>(keys::kRefItems, true, kItem),
 };
-const ev::ObjectFormat kPackage = ev::objectFormat<closePackage>(kDocumentRules);
+const ev::ObjectFormat kPackage = ev::objectFormat<closePackage, abandonPackage>(kDocumentRules);
 const ev::ObjectFormat kAlone = ev::objectFormat<closeAlone>(kDocumentRules);
 
 // The main document: a package document's members, and the packages (one level only).
