@@ -124,19 +124,19 @@ public:
 
     bool on_document_begin(boost::json::error_code&) { return true; }
     bool on_document_end(boost::json::error_code&) { return true; }
-    bool on_object_begin(boost::json::error_code&) {
+    [[gnu::always_inline]] bool on_object_begin(boost::json::error_code&) {
         beginObject();
         return true;
     }
-    bool on_object_end(std::size_t, boost::json::error_code&) {
+    [[gnu::always_inline]] bool on_object_end(std::size_t, boost::json::error_code&) {
         endObject();
         return true;
     }
-    bool on_array_begin(boost::json::error_code&) {
+    [[gnu::always_inline]] bool on_array_begin(boost::json::error_code&) {
         beginArray();
         return true;
     }
-    bool on_array_end(std::size_t, boost::json::error_code&) {
+    [[gnu::always_inline]] bool on_array_end(std::size_t, boost::json::error_code&) {
         endArray();
         return true;
     }
@@ -146,7 +146,7 @@ public:
         }
         return true;
     }
-    bool on_key(boost::json::string_view part, std::size_t, boost::json::error_code&) {
+    [[gnu::always_inline]] bool on_key(boost::json::string_view part, std::size_t, boost::json::error_code&) {
         key(whole(part));
         return true;
     }
@@ -156,7 +156,7 @@ public:
         }
         return true;
     }
-    bool on_string(boost::json::string_view part, std::size_t, boost::json::error_code&) {
+    [[gnu::always_inline]] bool on_string(boost::json::string_view part, std::size_t, boost::json::error_code&) {
         string(whole(part));
         return true;
     }
@@ -325,9 +325,9 @@ private:
         return static_cast<std::uint32_t>(level.member - level.format->members.data());
     }
 
-    // -- the events
+    // -- the events (inlined into the parser's loop: they run for every token)
 
-    void beginObject() {
+    [[gnu::always_inline]] void beginObject() {
         if (skipDepth_ != 0) {
             ++skipDepth_;
             return;
@@ -342,7 +342,7 @@ private:
         }
     }
 
-    void endObject() {
+    [[gnu::always_inline]] void endObject() {
         if (skipDepth_ != 0) {
             --skipDepth_;
             return;
@@ -353,11 +353,11 @@ private:
             format.requiredGiven != nullptr ? format.requiredGiven(level.seen) : format.requiredMembers;
         const std::uint32_t ignored = format.ignoredGiven != nullptr ? format.ignoredGiven(level.seen) : 0;
         const std::uint32_t missing = required & ~level.seen;
-        if (const std::uint32_t unread = ignored & level.seen; unread != 0 && !warnings_.empty()) {
+        if (const std::uint32_t unread = ignored & level.seen; unread != 0 && !warnings_.empty()) [[unlikely]] {
             forgetWarningsIn(unread);
         }
         const std::uint32_t failed = (level.failedRows & ~ignored) | missing;
-        if (failed == 0) {
+        if (failed == 0) [[likely]] {
             // An array level keeps the draft of the object that holds it.
             void* parent = top_ == 0 ? result_ : levels_[top_ - 1].draft;
             if (level.build) {
@@ -366,6 +366,12 @@ private:
             --top_;
             return;
         }
+        closeFailed(level, failed, missing);
+    }
+
+    // The object closing failed, in the row first in the tables' order among `failed`.
+    [[gnu::noinline, gnu::cold]] void closeFailed(Level& level, std::uint32_t failed, std::uint32_t missing) {
+        const ObjectFormat& format = *level.format;
         if (level.build && record_ != nullptr) {
             format.abandon(level.draft, *this);
         }
@@ -390,7 +396,7 @@ private:
         fail(failure);
     }
 
-    void beginArray() {
+    [[gnu::always_inline]] void beginArray() {
         if (skipDepth_ != 0) {
             ++skipDepth_;
             return;
@@ -418,7 +424,7 @@ private:
         array.build = level.buildInner;
     }
 
-    void endArray() {
+    [[gnu::always_inline]] void endArray() {
         if (skipDepth_ != 0) {
             --skipDepth_;
             return;
@@ -426,7 +432,7 @@ private:
         --top_;
     }
 
-    void key(std::string_view key) {
+    [[gnu::always_inline]] void key(std::string_view key) {
         if (skipDepth_ != 0) {
             return;
         }
@@ -440,14 +446,7 @@ private:
         const std::uint32_t bit = std::uint32_t{1} << row;
         level.member = &level.format->members[static_cast<std::size_t>(row)];
         if ((level.seen & bit) != 0) [[unlikely]] {
-            // A repeated key: the last one counts, so nothing the earlier value gave does.
-            if (level.member->forget != nullptr) {
-                level.member->forget(level.draft);
-            }
-            level.failedRows &= ~bit;
-            if (!warnings_.empty()) {
-                forgetWarningsIn(bit);
-            }
+            forgetMember(level, bit);
         }
         level.seen |= bit;
         if (level.member->present != nullptr && level.build) {
@@ -455,7 +454,18 @@ private:
         }
     }
 
-    void string(std::string_view bytes) {
+    // A repeated key: the last one counts, so nothing the earlier value gave does.
+    [[gnu::noinline, gnu::cold]] void forgetMember(Level& level, std::uint32_t bit) {
+        if (level.member->forget != nullptr) {
+            level.member->forget(level.draft);
+        }
+        level.failedRows &= ~bit;
+        if (!warnings_.empty()) {
+            forgetWarningsIn(bit);
+        }
+    }
+
+    [[gnu::always_inline]] void string(std::string_view bytes) {
         if (skipDepth_ != 0) {
             return;
         }
@@ -471,7 +481,7 @@ private:
         pieces_.clear();
     }
 
-    void scalar(JsonKind kind) {
+    [[gnu::always_inline]] void scalar(JsonKind kind) {
         if (skipDepth_ != 0) {
             return;
         }
@@ -484,7 +494,7 @@ private:
 
     // The rule that reads a value of `kind` starting now in `level`: null when nobody reads it
     // (then a container is skipped) or when it has the wrong kind (then that is a failure too).
-    const MemberRule* wanted(Level& level, JsonKind kind) {
+    [[gnu::always_inline]] const MemberRule* wanted(Level& level, JsonKind kind) {
         const MemberRule* member = level.member;
         if (level.isArray) {
             ++level.index;
@@ -492,32 +502,40 @@ private:
             if (kind == element) [[likely]] {
                 return member;
             }
-            // The element's failure belongs to the array's member in the object holding it.
-            if (matters()) {
-                failIn(levels_[top_ - 1], rowOf(levels_[top_ - 1]),
-                       addFailure(element == JsonKind::Object ? ReadFailure::NotAnObject : ReadFailure::NotAString,
-                                  kind, {}, pointerThrough(top_), positionThrough(top_)));
-            }
+            wrongElement(element, kind);
+        } else if (member == nullptr || member->shape == Shape::Any) {
+            skipContainer(kind);
         } else {
-            if (member == nullptr || member->shape == Shape::Any) {
-                skipContainer(kind);
-                return nullptr;
-            }
             const JsonKind expected = member->shape == Shape::String   ? JsonKind::String
                                       : member->shape == Shape::Object ? JsonKind::Object
                                                                        : JsonKind::Array;
             if (kind == expected) [[likely]] {
                 return member;
             }
-            const ReadFailure failure = expected == JsonKind::String   ? ReadFailure::NotAString
-                                        : expected == JsonKind::Object ? ReadFailure::NotAnObject
-                                                                       : ReadFailure::NotAnArray;
-            if ((level.failedRows >> rowOf(level) & 1u) == 0 && matters()) {
-                failIn(level, rowOf(level), addFailure(failure, kind, {}, pointerThrough(top_), positionThrough(top_)));
-            }
+            wrongMember(level, expected, kind);
         }
-        skipContainer(kind);
         return nullptr;
+    }
+
+    // The element of the innermost array has the wrong kind: a failure of the array's member in
+    // the object holding it.
+    [[gnu::noinline, gnu::cold]] void wrongElement(JsonKind expected, JsonKind found) {
+        if (matters()) {
+            failIn(levels_[top_ - 1], rowOf(levels_[top_ - 1]),
+                   addFailure(expected == JsonKind::Object ? ReadFailure::NotAnObject : ReadFailure::NotAString, found,
+                              {}, pointerThrough(top_), positionThrough(top_)));
+        }
+        skipContainer(found);
+    }
+
+    [[gnu::noinline, gnu::cold]] void wrongMember(Level& level, JsonKind expected, JsonKind found) {
+        const ReadFailure failure = expected == JsonKind::String   ? ReadFailure::NotAString
+                                    : expected == JsonKind::Object ? ReadFailure::NotAnObject
+                                                                   : ReadFailure::NotAnArray;
+        if ((level.failedRows >> rowOf(level) & 1u) == 0 && matters()) {
+            failIn(level, rowOf(level), addFailure(failure, found, {}, pointerThrough(top_), positionThrough(top_)));
+        }
+        skipContainer(found);
     }
 
     void skipContainer(JsonKind kind) noexcept {
@@ -531,7 +549,7 @@ private:
         skipContainer(kind);
     }
 
-    void pushObject(const ObjectFormat& format, void* parent, bool build) {
+    [[gnu::always_inline]] void pushObject(const ObjectFormat& format, void* parent, bool build) {
         if (top_ + 1 >= kMaxLevels) {
             skipDepth_ = 1; // no table nests this deep
             return;
