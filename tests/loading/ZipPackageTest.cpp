@@ -1,5 +1,6 @@
+#include "ZipWriter.hpp"
 #include "support/TempDir.hpp"
-#include "support/ZipBuilder.hpp"
+#include "support/ZipPatch.hpp"
 
 #include "docparser/loading/ZipPackage.hpp"
 
@@ -18,7 +19,7 @@
 
 namespace {
 
-using refdoc::test::ZipBuilder;
+using refdoc::test::ZipWriter;
 using reference::docparser::DocResourceParser;
 using reference::docparser::ProductZipData;
 using reference::docparser::ZipError;
@@ -54,7 +55,7 @@ protected:
 };
 
 TEST_F(ZipPackageTest, ListsFileEntriesWithTheirBaseNames) {
-    ZipBuilder()
+    ZipWriter()
         .add("top.json", "1")
         .addDirectory("dir")
         .add("dir/inner.json", "2")
@@ -91,9 +92,9 @@ TEST_F(ZipPackageTest, ReadsEntriesByteForByte) {
     const std::string binary = "{\r\n\"a\":\0\"\xff\xfe\"\n}"s;
     const std::string large = randomBytes(3 << 20, 7);
     const std::string compressible(2 << 20, 'x');
-    ZipBuilder builder;
-    for (auto compression : {ZipBuilder::Compression::Store, ZipBuilder::Compression::Deflate}) {
-        const std::string prefix = compression == ZipBuilder::Compression::Store ? "stored/" : "deflated/";
+    ZipWriter builder;
+    for (auto compression : {ZipWriter::Compression::Store, ZipWriter::Compression::Deflate}) {
+        const std::string prefix = compression == ZipWriter::Compression::Store ? "stored/" : "deflated/";
         builder.add(prefix + "empty.json", "", compression)
             .add(prefix + "binary.json", binary, compression)
             .add(prefix + "large.json", large, compression)
@@ -126,40 +127,40 @@ TEST_F(ZipPackageTest, DamagedEntriesFailAlone) {
     const std::string content(4000, 'j');
     const struct Case {
         const char* what;
-        ZipBuilder::Compression compression;
+        ZipWriter::Compression compression;
         std::function<void(const fs::path&)> damage;
         ZipLimits limits;
     } cases[] = {
         {"actual size above the declared size",
-         ZipBuilder::Compression::Deflate,
+         ZipWriter::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 10); },
          {}},
         {"actual size above the bound, declared within",
-         ZipBuilder::Compression::Deflate,
+         ZipWriter::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 50); },
          {.maxEntrySize = 100}},
         {"size above the bound (stored)",
-         ZipBuilder::Compression::Store,
+         ZipWriter::Compression::Store,
          [](const fs::path&) {},
          {.maxEntrySize = 3999}},
         {"declared size above the actual size",
-         ZipBuilder::Compression::Deflate,
+         ZipWriter::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::patchZipEntryUncompressedSize(p, "bad.json", 4001); },
          {}},
         {"CRC mismatch (stored)",
-         ZipBuilder::Compression::Store,
+         ZipWriter::Compression::Store,
          [](const fs::path& p) { refdoc::test::patchZipEntryCrc(p, "bad.json", 0x12345678); },
          {}},
         {"CRC mismatch (deflated)",
-         ZipBuilder::Compression::Deflate,
+         ZipWriter::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::patchZipEntryCrc(p, "bad.json", 0x12345678); },
          {}},
         {"corrupt deflate stream",
-         ZipBuilder::Compression::Deflate,
+         ZipWriter::Compression::Deflate,
          [](const fs::path& p) { refdoc::test::corruptZipEntryData(p, "bad.json", 0, 8); },
          {}},
         {"compressed data cut short",
-         ZipBuilder::Compression::Deflate,
+         ZipWriter::Compression::Deflate,
          [](const fs::path& p) {
              const auto layout = refdoc::test::locateZipEntry(p, "bad.json");
              refdoc::test::patchZipEntryCompressedSize(p, "bad.json", layout.compressedSize / 2);
@@ -168,7 +169,7 @@ TEST_F(ZipPackageTest, DamagedEntriesFailAlone) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        ZipBuilder()
+        ZipWriter()
             .add("good.json", "{\"ok\":1}")
             .add("bad.json", content, c.compression)
             .add("after.json", "{\"ok\":2}")
@@ -186,13 +187,13 @@ TEST_F(ZipPackageTest, DamagedEntriesFailAlone) {
 
 TEST_F(ZipPackageTest, EntryAtTheBoundIsRead) {
     const std::string content(4000, 'j');
-    ZipBuilder().add("exact.json", content).write(packagePath());
+    ZipWriter().add("exact.json", content).write(packagePath());
     const ZipPackage package(packagePath().u16string(), {.maxEntrySize = 4000});
     EXPECT_EQ(package.readEntry(package.getAllLeafs().at(0).entry), content);
 }
 
 TEST_F(ZipPackageTest, UnopenablePackagesThrow) {
-    ZipBuilder().add("a.json", std::string(5000, 'a')).add("b.json", "{}").write(packagePath("whole.zip"));
+    ZipWriter().add("a.json", std::string(5000, 'a')).add("b.json", "{}").write(packagePath("whole.zip"));
     const std::string bytes = refdoc::test::readBytes(packagePath("whole.zip"));
     const struct {
         const char* what;
@@ -217,7 +218,7 @@ TEST_F(ZipPackageTest, UnopenablePackagesThrow) {
 }
 
 TEST_F(ZipPackageTest, EntryCountIsBounded) {
-    ZipBuilder builder;
+    ZipWriter builder;
     for (int i = 0; i < 8; ++i) {
         builder.add("entry" + std::to_string(i) + ".json", "{}");
     }
@@ -227,8 +228,8 @@ TEST_F(ZipPackageTest, EntryCountIsBounded) {
 }
 
 TEST_F(ZipPackageTest, EntryOfAnotherPackageIsRefused) {
-    ZipBuilder().add("a.json", "first").write(packagePath("first.zip"));
-    ZipBuilder().add("a.json", "second").write(packagePath("second.zip"));
+    ZipWriter().add("a.json", "first").write(packagePath("first.zip"));
+    ZipWriter().add("a.json", "second").write(packagePath("second.zip"));
     const ZipPackage first(packagePath("first.zip").u16string());
     const ZipPackage second(packagePath("second.zip").u16string());
     const auto entry = first.getAllLeafs().at(0).entry;
@@ -237,7 +238,7 @@ TEST_F(ZipPackageTest, EntryOfAnotherPackageIsRefused) {
 }
 
 TEST_F(ZipPackageTest, EntriesOfOnePackageCanBeReadFromSeveralThreads) {
-    ZipBuilder builder;
+    ZipWriter builder;
     std::vector<std::string> contents;
     for (unsigned i = 0; i < 6; ++i) {
         contents.push_back(randomBytes(20000 + i, i));

@@ -1,8 +1,8 @@
 #pragma once
 
-// A documentation root holding one sound product, "control", as a lookup file and a page file.
-// The hostile-input tests add a hostile file beside it and check that loading still returns, that
-// the control product is unaffected and that the load stayed within a memory bound.
+// A documentation root with one sound product, "control", as a lookup file and a page file. Tests
+// put a hostile product beside it and check that loads still return, leave the control product as
+// it was and stay within a memory bound.
 
 #include "AllocationCounter.hpp"
 
@@ -34,9 +34,9 @@ protected:
 
     void SetUp() override {
         HostSettingsFixture::SetUp();
-        root_.write(std::filesystem::path(kLookupFolder) / "control.json",
+        root_.write(lookupFolder() / "control.json",
                     fileText(lookupDocument({"Control", "CTL", "control"}, {{"probe", "Always here"}})));
-        root_.write(std::filesystem::path(kReferenceFolder) / "control.json",
+        root_.write(referenceFolder() / "control.json",
                     fileText(pageDocument({"Control", "CTL", "control"}, {{"control/probe.html", "Always here"}})));
         DocResourceParser::setReferenceRoot(root_.u16());
         DocResourceParser::setTestProducts({u"control", u"hostile"}, {});
@@ -45,29 +45,23 @@ protected:
         ASSERT_EQ(controlOnly_.controlPages.size(), 1u);
     }
 
-    std::filesystem::path lookupFolder() const { return root_.path() / kLookupFolder; }
-    std::filesystem::path referenceFolder() const { return root_.path() / kReferenceFolder; }
+    std::filesystem::path lookupFolder() const { return root_.path() / "docCatalog/referenceapi_lookup"; }
+    std::filesystem::path referenceFolder() const { return root_.path() / "docCatalog/referenceapi"; }
 
     static Loaded load(const std::u16string& pageName) {
         AllocationWatch watch;
-        Loaded loaded{DocResourceParser::getResourceLookupFiles(),
-                      DocResourceParser::getResourceFile(pageName),
-                      DocResourceParser::getResourceFile(u"control"),
-                      {}};
+        Loaded loaded{DocResourceParser::getResourceLookupFiles(), DocResourceParser::getResourceFile(pageName),
+                      DocResourceParser::getResourceFile(u"control"), {}};
         loaded.memory = watch.stats();
         return loaded;
     }
 
-    // The hostile files count as absent: the lookup results and the control pages are what they
-    // were without them, and the hostile product has no pages.
+    // The hostile files count as absent: the results are those without them.
     void expectOnlyControl(const Loaded& loaded) const {
         EXPECT_EQ(loaded.lookups, controlOnly_.lookups);
         EXPECT_TRUE(loaded.pages.empty());
         EXPECT_EQ(loaded.controlPages, controlOnly_.controlPages);
     }
-
-    static constexpr const char* kLookupFolder = "docCatalog/referenceapi_lookup";
-    static constexpr const char* kReferenceFolder = "docCatalog/referenceapi";
 
     TempDir root_;
     Loaded controlOnly_;

@@ -1,14 +1,8 @@
 // The documents of a public JSON parsing conformance corpus, each placed as a lookup file and as a
 // page file beside a sound product. Documents named y_ must be accepted as JSON, n_ ones refused,
-// and i_ ones may go either way.
-//
-// What happens to i_ documents: resource files are parsed as strict JSON with the parser's default
-// options, so text that is not well-formed UTF-8 (invalid or overlong sequences, lone or inverted
-// surrogates, escaped or encoded, UTF-16 text, a byte-order mark), nesting deeper than 32 levels
-// and an exponent too long to hold are refused as syntax errors; other numbers beyond a double's
-// range or precision are accepted (rounded), which is harmless as the formats read no numbers.
-// Either way no i_ document is a resource document, so each counts as absent, and an accepted
-// one, used as the value of a member the formats do not read, changes nothing.
+// and i_ ones may go either way. Resource files are strict JSON under the parser's default options:
+// malformed UTF-8, nesting deeper than 32 levels and too long an exponent are refused; other
+// numbers are rounded, harmlessly, as the formats read none.
 
 #include "docparser/parsing/LookupParser.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
@@ -26,6 +20,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <vector>
 
 namespace refdoc::test {
@@ -33,7 +28,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using reference::docparser::DocParserException;
-using reference::docparser::DocResourceParser;
 const fs::path kCorpus = fs::path(REFDOC_JSON_CONFORMANCE_DIR) / "test_parsing";
 
 struct Document {
@@ -41,12 +35,13 @@ struct Document {
     std::string text;
 };
 
-// The corpus's documents whose names start with `prefix`, in name order.
-std::vector<Document> documents(const std::string& prefix) {
+// The corpus's documents whose names start with one of `prefixes`, in name order.
+std::vector<Document> documents(std::initializer_list<std::string_view> prefixes) {
     std::vector<Document> found;
     for (const auto& entry : fs::directory_iterator(kCorpus)) {
         const std::string name = entry.path().filename().string();
-        if (name.starts_with(prefix) && entry.path().extension() == ".json") {
+        if (entry.path().extension() == ".json" &&
+            std::any_of(prefixes.begin(), prefixes.end(), [&](auto prefix) { return name.starts_with(prefix); })) {
             found.push_back({name, readBytes(entry.path())});
         }
     }
@@ -56,18 +51,9 @@ std::vector<Document> documents(const std::string& prefix) {
 
 enum class Outcome { Parsed, FormatError, SyntaxError, OtherError };
 
-const char* describe(Outcome outcome) {
-    switch (outcome) {
-    case Outcome::Parsed:
-        return "parsed";
-    case Outcome::FormatError:
-        return "refused by the format";
-    case Outcome::SyntaxError:
-        return "refused as JSON";
-    case Outcome::OtherError:
-        return "failed otherwise";
-    }
-    return "?";
+std::ostream& operator<<(std::ostream& out, Outcome outcome) {
+    static const char* const kNames[] = {"parsed", "refused by the format", "refused as JSON", "failed otherwise"};
+    return out << kNames[static_cast<int>(outcome)];
 }
 
 Outcome outcomeOf(const std::function<void()>& parse) {
@@ -91,20 +77,18 @@ Outcome pageOutcome(const std::string& text) {
     return outcomeOf([&] { reference::docparser::parseRefItemFile(text, nullptr, nullptr); });
 }
 
-// A document of the product `folder` that both formats accept, its item's purpose given as JSON
+// A document of the product "hostile" that both formats accept, its item's purpose given as JSON
 // text and `extra` spliced in as further members of the document and of its item.
-std::string resourceDocument(const std::string& folder, std::string_view purposeJson, std::string_view extra = "") {
-    return std::string(R"({"productName":"A product","baseCode":"BC","helpFolder":")" + folder +
-                       R"(","helpLocation":"h",)")
+std::string resourceDocument(std::string_view purposeJson, std::string_view extra = "") {
+    return std::string(R"({"productName":"A product","baseCode":"BC","helpFolder":"hostile","helpLocation":"h",)")
         .append(extra)
-        .append(R"("refItems":[{"name":"probe","href":")" + folder + R"(/probe.html",)")
+        .append(R"("refItems":[{"name":"probe","href":"hostile/probe.html",)")
         .append(extra)
         .append(R"("refpurpose":)")
         .append(purposeJson)
         .append("}]}");
 }
 
-// The corpus's documents in the control-product root of the hostile-input tests.
 class JsonConformance : public HostileRoot {
 protected:
     void SetUp() override {
@@ -124,93 +108,64 @@ protected:
         fs::remove(referenceFolder() / "hostile.json");
         return loaded;
     }
-
-    void expectAbsent(const Document& document) const {
-        SCOPED_TRACE(document.name);
-        expectOnlyControl(loadAsFiles(document.text));
-    }
 };
 
-TEST_F(JsonConformance, RefusedDocumentsFailAsJsonAndCountAsAbsent) {
-    const auto refused = documents("n_");
-    ASSERT_FALSE(refused.empty()) << kCorpus;
-    for (const auto& document : refused) {
-        EXPECT_EQ(lookupOutcome(document.text), Outcome::SyntaxError) << document.name;
-        EXPECT_EQ(pageOutcome(document.text), Outcome::SyntaxError) << document.name;
-        expectAbsent(document);
+// No document of the corpus is a resource document, so accepted ones fail through the formats'
+// own rules; both formats decide alike, and each document counts as absent.
+TEST_F(JsonConformance, EachDocumentFailsAsItsClassSaysAndCountsAsAbsent) {
+    const struct {
+        std::string_view prefix;
+        std::set<Outcome> allowed;
+    } classes[] = {
+        {"n_", {Outcome::SyntaxError}},
+        {"y_", {Outcome::FormatError}},
+        {"i_", {Outcome::SyntaxError, Outcome::FormatError}},
+    };
+    for (const auto& documentClass : classes) {
+        const auto found = documents({documentClass.prefix});
+        ASSERT_FALSE(found.empty()) << kCorpus << " " << documentClass.prefix;
+        for (const auto& document : found) {
+            SCOPED_TRACE(document.name);
+            const Outcome lookup = lookupOutcome(document.text);
+            EXPECT_TRUE(documentClass.allowed.contains(lookup)) << lookup;
+            EXPECT_EQ(pageOutcome(document.text), lookup);
+            expectOnlyControl(loadAsFiles(document.text));
+        }
     }
 }
 
-// None of them is a resource document, so each fails, but only through the formats' own rules.
-TEST_F(JsonConformance, AcceptedDocumentsFailOnlyThroughTheFormatsRules) {
-    const auto accepted = documents("y_");
-    ASSERT_FALSE(accepted.empty()) << kCorpus;
-    for (const auto& document : accepted) {
-        EXPECT_STREQ(describe(lookupOutcome(document.text)), describe(Outcome::FormatError)) << document.name;
-        EXPECT_STREQ(describe(pageOutcome(document.text)), describe(Outcome::FormatError)) << document.name;
-        expectAbsent(document);
-    }
-}
-
-TEST_F(JsonConformance, UndecidedDocumentsAreTakenOrRefusedAlikeByBothFormats) {
-    const auto undecided = documents("i_");
-    ASSERT_FALSE(undecided.empty()) << kCorpus;
-    for (const auto& document : undecided) {
-        const Outcome lookup = lookupOutcome(document.text);
-        EXPECT_TRUE(lookup == Outcome::SyntaxError || lookup == Outcome::FormatError)
-            << document.name << ": " << describe(lookup);
-        EXPECT_EQ(pageOutcome(document.text), lookup) << document.name;
-        expectAbsent(document);
-    }
-}
-
-// Every document the JSON parser takes, as the value of members that neither format reads (in
-// the document and in its item), leaves the resource as it is without them.
-TEST_F(JsonConformance, AcceptedValuesInMembersNobodyReadsChangeNothing) {
-    const Loaded plain = loadAsFiles(resourceDocument("hostile", R"("p")"));
+// Every document the JSON parser takes changes nothing as the value of members neither format
+// reads; one that holds a single string, used as an item's purpose, reaches the records of both
+// formats as exactly the text the JSON parser read.
+TEST_F(JsonConformance, AcceptedDocumentsChangeNothingUnreadAndArriveIntactAsPurposes) {
+    const Loaded plain = loadAsFiles(resourceDocument(R"("p")"));
     ASSERT_EQ(plain.lookups.installedResources.count(u"hostile"), 1u);
     ASSERT_EQ(plain.pages.count(u"hostile"), 1u);
     std::size_t embedded = 0;
-    for (const auto& prefix : {"y_", "i_"}) {
-        for (const auto& document : documents(prefix)) {
-            if (lookupOutcome(document.text) == Outcome::SyntaxError) {
-                continue;
-            }
-            ++embedded;
-            const Loaded loaded =
-                loadAsFiles(resourceDocument("hostile", R"("p")", R"("unread":)" + document.text + ","));
-            EXPECT_EQ(loaded.lookups, plain.lookups) << document.name;
-            EXPECT_EQ(loaded.pages, plain.pages) << document.name;
+    std::size_t strings = 0;
+    for (const auto& document : documents({"y_", "i_"})) {
+        if (lookupOutcome(document.text) == Outcome::SyntaxError) {
+            continue;
         }
+        SCOPED_TRACE(document.name);
+        ++embedded;
+        const Loaded unread = loadAsFiles(resourceDocument(R"("p")", R"("unread":)" + document.text + ","));
+        EXPECT_EQ(unread.lookups, plain.lookups);
+        EXPECT_EQ(unread.pages, plain.pages);
+
+        const boost::json::value value = boost::json::parse(document.text);
+        const auto* array = value.if_array();
+        if (array == nullptr || array->size() != 1 || !array->front().is_string()) {
+            continue;
+        }
+        ++strings;
+        const auto open = document.text.find('[');
+        const Loaded loaded = loadAsFiles(resourceDocument(document.text.substr(open + 1, document.text.rfind(']') - open - 1)));
+        const auto expected = reference::docparser::utf8ToUtf16(array->front().get_string());
+        EXPECT_EQ(loaded.lookups.installedResources.at(u"hostile").getItems().at(u"probe").at(0).getPurpose(), expected);
+        EXPECT_EQ(loaded.pages.at(u"hostile").getItems().at(u"hostile/probe.html").at(0).getPurpose(), expected);
     }
     EXPECT_GT(embedded, 90u);
-}
-
-// The documents that hold a single string: that string, as an item's purpose, reaches the
-// records of both formats as exactly the text the JSON parser read.
-TEST_F(JsonConformance, AcceptedStringsReachTheRecordsIntact) {
-    std::size_t strings = 0;
-    for (const auto& prefix : {"y_", "i_"}) {
-        for (const auto& document : documents(prefix)) {
-            boost::json::error_code error;
-            const boost::json::value value = boost::json::parse(document.text, error);
-            const auto* array = value.if_array();
-            if (error || array == nullptr || array->size() != 1 || !array->front().is_string()) {
-                continue;
-            }
-            ++strings;
-            const std::string_view bytes = array->front().get_string();
-            const auto open = document.text.find('[');
-            const auto close = document.text.rfind(']');
-            const Loaded loaded =
-                loadAsFiles(resourceDocument("hostile", document.text.substr(open + 1, close - open - 1)));
-            const auto expected = reference::docparser::utf8ToUtf16(bytes);
-            const auto& lookup = loaded.lookups.installedResources.at(u"hostile").getItems().at(u"probe");
-            EXPECT_EQ(lookup.at(0).getPurpose(), expected) << document.name;
-            const auto& page = loaded.pages.at(u"hostile").getItems().at(u"hostile/probe.html");
-            EXPECT_EQ(page.at(0).getPurpose(), expected) << document.name;
-        }
-    }
     EXPECT_GT(strings, 30u);
 }
 
