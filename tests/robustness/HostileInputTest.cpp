@@ -94,6 +94,13 @@ protected:
         return loaded;
     }
 
+    // `text` as the lookup file and the page file of the product "hostile", beside the control.
+    Loaded loadAsFiles(const std::string& text) const {
+        root_.write(lookupFolder() / "hostile.json", text);
+        root_.write(referenceFolder() / "hostile.json", text);
+        return load(u"hostile");
+    }
+
     // The hostile files count as absent: the results are those without them.
     void expectOnlyControl(const Loaded& loaded) const {
         EXPECT_EQ(loaded.lookups, controlOnly_.lookups);
@@ -332,10 +339,7 @@ TEST_F(HostileInput, TheUnbrokenDocumentLoadsWholeInBothFormatsInMemoryProportio
     const std::string text = document(R"({"name":")" + accented + R"(\u0000","refpurpose":")" + ascii +
                                           R"(\u0000","href":"hostile/probe.html","x\u0000":1})",
                                       R"(,"ignored":")" + ascii + "\"");
-    writeBytes(lookupFolder() / "hostile.json", text);
-    writeBytes(referenceFolder() / "hostile.json", text);
-
-    const Loaded loaded = load(u"hostile");
+    const Loaded loaded = loadAsFiles(text);
 
     const std::u16string name = std::u16string(kMiB, u'\u00E9') + u'\0';
     const std::u16string purpose = std::u16string(4 * kMiB, u'a') + u'\0';
@@ -456,16 +460,6 @@ protected:
                          << " (point the CMake option REFDOC_JSON_CONFORMANCE_DIR at the corpus)";
         }
         HostileRoot::SetUp();
-    }
-
-    // `text` as the lookup file and the page file of the product "hostile", beside the control.
-    Loaded loadAsFiles(const std::string& text) const {
-        root_.write(lookupFolder() / "hostile.json", text);
-        root_.write(referenceFolder() / "hostile.json", text);
-        Loaded loaded = load(u"hostile");
-        fs::remove(lookupFolder() / "hostile.json");
-        fs::remove(referenceFolder() / "hostile.json");
-        return loaded;
     }
 };
 
