@@ -11,7 +11,6 @@
 #include "support/DocrootBuilder.hpp"
 #include "support/HostSettingsFixture.hpp"
 #include "support/TempDir.hpp"
-#include "support/ZipBuilder.hpp"
 
 #include <SupportPackageRootReader.hpp>
 #include <doc_products_shared/DocProductCacheManager.hpp>

@@ -2,13 +2,14 @@
 #include <reference/docparser/DocResourceParser.hpp>
 #include <reference/docparser/ParseDiagnostics.hpp>
 
+#include "ZipWriter.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 #include "support/DocrootBuilder.hpp"
 #include "support/HostSettingsFixture.hpp"
 #include "support/JsonFixtures.hpp"
 #include "support/LogCapture.hpp"
 #include "support/TempDir.hpp"
-#include "support/ZipBuilder.hpp"
+#include "support/ZipPatch.hpp"
 
 #include <gtest/gtest.h>
 
@@ -147,7 +148,7 @@ TEST_F(ParseDiagnostics, EachDroppedLookupFileCarriesItsExactReason) {
 }
 
 TEST_F(ParseDiagnostics, PackagesAndTheirEntriesAreRecordedWithTheirOwnReasons) {
-    ZipBuilder()
+    ZipWriter()
         .add("okentry.json", lookupText("okentry"))
         .add("crc.json", lookupText("crc"))
         .add("blank.json", "")
@@ -258,7 +259,7 @@ TEST_F(ParseDiagnostics, ResultsAndLogRecordsAreTheSameWithAndWithoutAScope) {
     writeLookup("broken.json", R"({"productName": "B", "baseCode": "B", "helpFolder": "b", "refItems": []})");
     writeLookup("syntax.json", "{,}");
     writeLookup("empty.json", "");
-    ZipBuilder().add("z.json", lookupText("z")).add("bad.json", lookupText("bad")).write(lookupPath("z.zip"));
+    ZipWriter().add("z.json", lookupText("z")).add("bad.json", lookupText("bad")).write(lookupPath("z.zip"));
     patchZipEntryCrc(lookupPath("z.zip"), "bad.json", 1);
     writeLookup("junk.zip", "junk");
     root_.write(std::filesystem::path(kPageFolder) / "p.json",

@@ -1,6 +1,7 @@
+#include "ZipWriter.hpp"
 #include "support/LogCapture.hpp"
 #include "support/TempDir.hpp"
-#include "support/ZipBuilder.hpp"
+#include "support/ZipPatch.hpp"
 
 #include "docparser/loading/FileAccess.hpp"
 #include "docparser/loading/ZipPackage.hpp"
@@ -80,7 +81,7 @@ TEST_F(FileAccessTest, UnreadableFilesGiveNothingAndRecordWhy) {
     const auto nonAscii = dir.write("\xe8\xa3\xbd\xe5\x93\x81.json", "{\"n\":1}");
     const CapturedRecord tooLarge{kChannel, kFileReadErrorSeverity, "Problem reading JSON file: " + oversized.string()};
 
-    const auto package = refdoc::test::ZipBuilder()
+    const auto package = refdoc::test::ZipWriter()
                              .add("good.json", "{\"zip\":1}")
                              .add("bad.json", "{\"zip\":2}")
                              .write(dir.path() / "package.zip");

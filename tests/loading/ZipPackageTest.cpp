@@ -1,5 +1,6 @@
+#include "ZipWriter.hpp"
 #include "support/TempDir.hpp"
-#include "support/ZipBuilder.hpp"
+#include "support/ZipPatch.hpp"
 
 #include "docparser/loading/ZipPackage.hpp"
 
@@ -16,11 +17,11 @@
 
 namespace {
 
-using refdoc::test::ZipBuilder;
+using refdoc::test::ZipWriter;
 using reference::docparser::ZipError;
 using reference::docparser::ZipLimits;
 using reference::docparser::ZipPackage;
-using Compression = ZipBuilder::Compression;
+using Compression = ZipWriter::Compression;
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
@@ -50,7 +51,7 @@ protected:
 };
 
 TEST_F(ZipPackageTest, ListsFileEntriesWithTheirBaseNames) {
-    ZipBuilder()
+    ZipWriter()
         .add("top.json", "1")
         .addDirectory("dir")
         .add("dir/inner.json", "2")
@@ -85,7 +86,7 @@ TEST_F(ZipPackageTest, ListsFileEntriesWithTheirBaseNames) {
 TEST_F(ZipPackageTest, ReadsEntriesByteForByteIntoAReusedBuffer) {
     const std::string contents[] = {randomBytes(3 << 20, 7), std::string(2 << 20, 'x'), "{\r\n\"a\":\0\"\xff\xfe\"\n}"s,
                                     ""};
-    ZipBuilder builder;
+    ZipWriter builder;
     for (std::size_t i = 0; i < std::size(contents); ++i) {
         builder.add("stored" + std::to_string(i), contents[i], Compression::Store)
             .add("deflated" + std::to_string(i), contents[i], Compression::Deflate);
@@ -137,7 +138,7 @@ TEST_F(ZipPackageTest, DamagedOrOversizedEntriesFailAlone) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        ZipBuilder()
+        ZipWriter()
             .add("good.json", "{\"ok\":1}")
             .add("bad.json", content, c.compression)
             .add("after.json", "{\"ok\":2}")
@@ -156,7 +157,7 @@ TEST_F(ZipPackageTest, DamagedOrOversizedEntriesFailAlone) {
 }
 
 TEST_F(ZipPackageTest, UnopenableOrTooCrowdedPackagesThrow) {
-    ZipBuilder().add("a.json", std::string(5000, 'a')).add("b.json", "{}").write(packagePath("whole.zip"));
+    ZipWriter().add("a.json", std::string(5000, 'a')).add("b.json", "{}").write(packagePath("whole.zip"));
     const std::string bytes = refdoc::test::readBytes(packagePath("whole.zip"));
     const struct {
         const char* what;
@@ -180,7 +181,7 @@ TEST_F(ZipPackageTest, UnopenableOrTooCrowdedPackagesThrow) {
     EXPECT_THROW(ZipPackage(packagePath("folder.zip").u16string()), ZipError);
 
     // Folders count towards the entry bound too.
-    ZipBuilder builder;
+    ZipWriter builder;
     for (int i = 0; i < 8; ++i) {
         builder.add("entry" + std::to_string(i) + ".json", "{}");
     }
@@ -190,8 +191,8 @@ TEST_F(ZipPackageTest, UnopenableOrTooCrowdedPackagesThrow) {
 }
 
 TEST_F(ZipPackageTest, EntryOfAnotherPackageIsRefused) {
-    ZipBuilder().add("a.json", "first").write(packagePath("first.zip"));
-    ZipBuilder().add("a.json", "second").write(packagePath("second.zip"));
+    ZipWriter().add("a.json", "first").write(packagePath("first.zip"));
+    ZipWriter().add("a.json", "second").write(packagePath("second.zip"));
     const ZipPackage first(packagePath("first.zip").u16string());
     const ZipPackage second(packagePath("second.zip").u16string());
     const auto entry = first.getAllLeafs().at(0).entry;
@@ -200,7 +201,7 @@ TEST_F(ZipPackageTest, EntryOfAnotherPackageIsRefused) {
 }
 
 TEST_F(ZipPackageTest, EntriesOfOnePackageCanBeReadFromSeveralThreads) {
-    ZipBuilder builder;
+    ZipWriter builder;
     std::vector<std::string> contents;
     for (unsigned i = 0; i < 6; ++i) {
         contents.push_back(randomBytes(20000 + i, i));

@@ -1,9 +1,10 @@
 #include <reference/docparser/DocResourceParser.hpp>
 
+#include "ZipWriter.hpp"
 #include "support/DocrootBuilder.hpp"
 #include "support/HostSettingsFixture.hpp"
 #include "support/TempDir.hpp"
-#include "support/ZipBuilder.hpp"
+#include "support/ZipPatch.hpp"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +37,7 @@ protected:
                        {lookupDocument({"Alpha SP ja", "sp_a", "alpha_sp"}, {{"spfun", "サポート関数"}})}));
         write("alpha_ko.json", fileText(lookupDocument({"알파", "AL", "alpha"}, {{"line", "선 그리기"}})));
 
-        ZipBuilder()
+        ZipWriter()
             .add("beta.json", fileText(lookupDocument({"Beta", "BE", "beta"}, {{"b1", "Beta one"}})))
             .add("beta_ja.json", fileText(lookupDocument({"ベータ", "BE", "beta"}, {{"b1", "ベータ1"}})))
             .add("beta_ko.json", fileText(lookupDocument({"베타", "BE", "beta"}, {{"b1", "베타1"}})))
@@ -49,13 +50,13 @@ protected:
         write("gamma.json",
               fileText(lookupDocument({"Gamma", "GA", "gamma"}, {{"g1", "Gamma one"}, {"g2", "Gamma two"}})));
         // Single leaves: the package name decides whether they are locale variants.
-        ZipBuilder()
+        ZipWriter()
             .add("gamma_ja.json", fileText(lookupDocument({"ガンマ", "GA", "gamma"}, {{"g1", "ガンマ1"}})))
             .write(lookup_ / "gamma_ja.zip");
-        ZipBuilder()
+        ZipWriter()
             .add("delta.json", fileText(lookupDocument({"Delta", "DE", "delta"}, {{"d1", "Delta one"}})))
             .write(lookup_ / "delta_ja.zip");
-        ZipBuilder()
+        ZipWriter()
             .add("solo_ja.json", fileText(lookupDocument({"Solo", "SO", "solo"}, {{"s1", "Solo one"}})))
             .write(lookup_ / "solo.zip");
 
@@ -68,7 +69,7 @@ protected:
         write("wrongkind.json", R"({"productName": "W", "baseCode": "WK", "helpFolder": "wrongkind",
                                     "helpLocation": "h", "refItems": "nope"})");
         write("empty.json", "");
-        ZipBuilder()
+        ZipWriter()
             .add("mixedok.json", fileText(lookupDocument({"Mixed OK", "MO", "mixedok"}, {{"m1", "Mixed one"}})))
             .add("mixedbad.json", fileText(lookupDocument({"Mixed bad", "MB", "mixedbad"}, {{"x", "x"}})))
             .write(lookup_ / "mixed.zip");

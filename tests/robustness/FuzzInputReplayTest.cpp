@@ -1,7 +1,6 @@
 // The fuzz targets' seeds, among them every input that once made a target fail (kept with the
 // seeds, in fuzz/corpus/<target>/), go through the fuzz target bodies again in every build of the
-// suite. The targets and their seed folders are those of fuzz/targets.txt; the parser targets
-// check, among other things, that a file's text and its parsed value give the same records.
+// suite. The targets and their seed folders are those of fuzz/targets.txt.
 
 #include "FuzzTargets.hpp"
 
@@ -12,6 +11,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,35 +21,24 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// `seedFolders` is a ';'-separated list.
-std::vector<fs::path> inputsOf(std::string_view seedFolders) {
-    std::vector<fs::path> folders;
-    for (std::size_t start = 0; start <= seedFolders.size();) {
-        const std::size_t end = std::min(seedFolders.find(';', start), seedFolders.size());
-        folders.emplace_back(seedFolders.substr(start, end - start));
-        start = end + 1;
-    }
+// `seedFolders` is a ';'-separated list; folders that do not exist hold nothing.
+template <class Target>
+void replay(std::string_view targetName, std::string_view seedFolders) {
     std::vector<fs::path> inputs;
-    for (const auto& folder : folders) {
+    std::istringstream folders{std::string(seedFolders)};
+    for (std::string folder; std::getline(folders, folder, ';');) {
         if (fs::is_directory(folder)) {
             for (const auto& entry : fs::directory_iterator(folder)) {
                 inputs.push_back(entry.path());
             }
         }
     }
-    std::sort(inputs.begin(), inputs.end());
-    return inputs;
-}
-
-template <class Target>
-void replay(std::string_view targetName, std::string_view seedFolders) {
-    const auto inputs = inputsOf(seedFolders);
     ASSERT_FALSE(inputs.empty()) << "no seeds for " << targetName;
+    std::sort(inputs.begin(), inputs.end());
     const Target target;
     for (const auto& input : inputs) {
-        const std::string bytes = refdoc::test::readBytes(input);
         try {
-            target.run(bytes);
+            target.run(readBytes(input));
         } catch (const std::exception& failure) {
             ADD_FAILURE() << input << ": " << failure.what();
         }

@@ -1,13 +1,37 @@
-// Hostile files beside a sound product: each must count as absent (or, where the format allows
-// it, load exactly), leave the other product untouched and stay within a memory bound.
+// Hostile input beside a sound product: files, zip packages and the documents of a JSON parsing
+// conformance corpus. Each must count as absent (or, where the format allows it, load exactly),
+// leave the sound product untouched and stay within a memory bound.
 
-#include "HostileRoot.hpp"
+#include "AllocationCounter.hpp"
+#include "ZipWriter.hpp"
+
+#include "support/DocrootBuilder.hpp"
+#include "support/HostSettingsFixture.hpp"
+#include "support/TempDir.hpp"
+#include "support/ZipPatch.hpp"
 
 #include "docparser/loading/FileAccess.hpp"
+#include "docparser/loading/ZipPackage.hpp"
+#include "docparser/parsing/LookupParser.hpp"
+#include "docparser/parsing/RefItemParser.hpp"
+
+#include <reference/docparser/DocResourceParser.hpp>
+#include <reference/docparser/TextConversion.hpp>
 
 #include <doclanguage/DocLanguage.hpp>
 
+#include <boost/json/parse.hpp>
+#include <boost/system/system_error.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
 #include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
 
 #include <sys/stat.h>
 
@@ -15,13 +39,90 @@ namespace refdoc::test {
 namespace {
 
 namespace fs = std::filesystem;
+using reference::docparser::DocParserException;
+using reference::docparser::DocResourceParser;
+using Make = std::function<void(const fs::path&)>;
 
 constexpr std::size_t kMiB = std::size_t{1} << 20;
-constexpr std::string_view kItem = R"({"name":"probe","refpurpose":"A probe","href":"hostile/probe.html"})";
+
+// A documentation root with the sound product "control" as a lookup file and a page file, and the
+// sound package "sound.zip" of an uninstalled product. Files named like the entries of a package
+// with parent or absolute paths lie outside the lookup folder.
+class HostileRoot : public HostSettingsFixture {
+protected:
+    using PageMap = DocResourceParser::RefItemFileMap;
+
+    struct Loaded {
+        DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> lookups;
+        PageMap pages;          // the pages of the product named by the load
+        PageMap controlPages;   // the control product's pages
+        AllocationStats memory; // what the three loads allocated
+    };
+
+    void SetUp() override {
+        HostSettingsFixture::SetUp();
+        root_.write(lookupFolder() / "control.json",
+                    fileText(lookupDocument({"Control", "CTL", "control"}, {{"probe", "Always here"}})));
+        root_.write(referenceFolder() / "control.json",
+                    fileText(pageDocument({"Control", "CTL", "control"}, {{"control/probe.html", "Always here"}})));
+        ZipWriter()
+            .add("sound.json", fileText(lookupDocument({"Sound", "SND", "sound"}, {{"s", "sound"}})))
+            .write(lookupFolder() / "sound.zip");
+        for (const char* outside : {"docCatalog/up.json", "abs/abs.json"}) {
+            root_.write(outside, fileText(lookupDocument({"Outside", "OUT", "hostile"}, {{"outside", "x"}})));
+        }
+        DocResourceParser::setReferenceRoot(root_.u16());
+        DocResourceParser::setTestProducts({u"control", u"hostile"}, {});
+        controlOnly_ = load(u"control");
+        ASSERT_EQ(summarize(controlOnly_.lookups.installedResources),
+                  (LookupSummary{{"control", {"Control", {{"probe", {"Always here"}}}}}}));
+        ASSERT_EQ(summarize(controlOnly_.lookups.uninstalledResources),
+                  (LookupSummary{{"sound", {"Sound", {{"s", {"sound"}}}}}}));
+        ASSERT_EQ(controlOnly_.controlPages.size(), 1u);
+    }
+
+    std::filesystem::path lookupFolder() const { return root_.path() / "docCatalog/referenceapi_lookup"; }
+    std::filesystem::path referenceFolder() const { return root_.path() / "docCatalog/referenceapi"; }
+
+    static Loaded load(const std::u16string& pageName) {
+        AllocationWatch watch;
+        Loaded loaded{DocResourceParser::getResourceLookupFiles(),
+                      DocResourceParser::getResourceFile(pageName),
+                      DocResourceParser::getResourceFile(u"control"),
+                      {}};
+        loaded.memory = watch.stats();
+        return loaded;
+    }
+
+    // `text` as the lookup file and the page file of the product "hostile", beside the control.
+    Loaded loadAsFiles(const std::string& text) const {
+        root_.write(lookupFolder() / "hostile.json", text);
+        root_.write(referenceFolder() / "hostile.json", text);
+        return load(u"hostile");
+    }
+
+    // The hostile files count as absent: the results are those without them.
+    void expectOnlyControl(const Loaded& loaded) const {
+        EXPECT_EQ(loaded.lookups, controlOnly_.lookups);
+        EXPECT_TRUE(loaded.pages.empty());
+        EXPECT_EQ(loaded.controlPages, controlOnly_.controlPages);
+    }
+
+    TempDir root_;
+    Loaded controlOnly_;
+};
 
 // One document that both formats accept: the lookup format reads an item's name, purpose and
 // link, the page format its link and purpose. A case breaks one thing in it.
-std::string document(std::string_view items = kItem, std::string_view extraMembers = "") {
+std::string itemWithPurpose(std::string_view purposeJson, std::string_view extraMembers = "") {
+    return std::string(R"({"name":"probe","href":"hostile/probe.html")")
+        .append(extraMembers)
+        .append(R"(,"refpurpose":)")
+        .append(purposeJson)
+        .append("}");
+}
+
+std::string document(const std::string& items = itemWithPurpose(R"("A probe")"), std::string_view extraMembers = "") {
     return std::string(
                R"({"productName":"Hostile","baseCode":"HOS","helpFolder":"hostile","helpLocation":"help/hostile",)")
         .append(R"("refItems":[)")
@@ -31,30 +132,84 @@ std::string document(std::string_view items = kItem, std::string_view extraMembe
         .append("}");
 }
 
-std::string itemWithPurpose(std::string_view purposeJson) {
-    return std::string(R"({"name":"probe","refpurpose":)")
-        .append(purposeJson)
-        .append(R"(,"href":"hostile/probe.html"})");
+Make bytes(std::string text) {
+    return [text = std::move(text)](const fs::path& path) { writeBytes(path, text); };
+}
+
+// A lookup document of the product "hostile" whose one item shows which entry it came from.
+std::string hostileLookup(const std::string& itemName) {
+    return fileText(lookupDocument({"Hostile", "HOS", "hostile"}, {{itemName, "from the package"}}));
+}
+
+// "bomb.json", a sound document padded with `padding` spaces and declaring `declaredSize` if
+// given, beside the sound "kept.json". Built when the case runs: some are hundreds of MiB.
+Make bomb(std::size_t padding, std::optional<std::uint32_t> declaredSize = {}) {
+    return [=](const fs::path& package) {
+        ZipWriter()
+            .add("bomb.json", hostileLookup("bomb") + std::string(padding, ' '))
+            .add("kept.json", hostileLookup("kept"))
+            .write(package);
+        if (declaredSize) {
+            patchZipEntryUncompressedSize(package, "bomb.json", *declaredSize);
+        }
+    };
+}
+
+// `count` directory entries e00.json, e01.json, ... all pointing at the data of the one stored
+// entry there is, so a reader that trusts the directory inflates that data once per entry.
+Make entriesSharingTheirData(int count) {
+    return [=](const fs::path& package) {
+        ZipWriter()
+            .add("e00.json", hostileLookup("shared") + std::string(kMiB / 2, ' '), ZipWriter::Compression::Store)
+            .write(package);
+        std::string bytes = readBytes(package);
+        const auto at = locateZipEntry(package, "e00.json").centralHeaderOffset;
+        std::string end = bytes.substr(bytes.size() - 22);
+        const std::string header = bytes.substr(at, bytes.size() - 22 - at);
+        std::string central;
+        for (int i = 0; i < count; ++i) {
+            central += header;
+            central.replace(central.size() - header.size() + 47, 2, std::to_string(100 + i).substr(1));
+        }
+        for (const auto& [offset, value] : {std::pair{8, count}, {10, count}, {12, static_cast<int>(central.size())}}) {
+            for (int i = 0; i < (offset == 12 ? 4 : 2); ++i) {
+                end[static_cast<std::size_t>(offset + i)] = static_cast<char>((value >> (8 * i)) & 0xFF);
+            }
+        }
+        writeBytes(package, bytes.substr(0, at) + central + end);
+    };
+}
+
+// A sound package of three entries cut short inside its central directory, with or without the
+// end record put back after the cut.
+Make cutCentralDirectory(bool keepEndRecord) {
+    return [=](const fs::path& package) {
+        ZipWriter()
+            .add("a.json", hostileLookup("a"))
+            .add("b.json", hostileLookup("b"))
+            .add("c.json", hostileLookup("c"))
+            .write(package);
+        const std::string bytes = readBytes(package);
+        const auto centralOffset = locateZipEntry(package, "a.json").centralHeaderOffset;
+        const std::string cut = bytes.substr(0, centralOffset + (bytes.size() - 22 - centralOffset) / 2);
+        writeBytes(package, keepEndRecord ? cut + bytes.substr(bytes.size() - 22) : cut);
+    };
 }
 
 struct HostileCase {
     const char* name;
-    // Makes the hostile entry at the given path: hostile.json and hostile.zip in the lookup folder
-    // and hostile.json in the reference folder.
-    std::function<void(const fs::path&)> make;
+    Make make; // makes hostile.zip and hostile.json in the lookup folder and hostile.json for pages
+    std::set<std::string> loadedItems = {}; // item names a package still gives the product "hostile"
+    bool packageOnly = false;               // made as hostile.zip alone
 };
-
-std::function<void(const fs::path&)> bytes(std::string text) {
-    return [text = std::move(text)](const fs::path& path) { writeBytes(path, text); };
-}
 
 void PrintTo(const HostileCase& hostileCase, std::ostream* out) { *out << hostileCase.name; }
 
 const HostileCase kCases[] = {
     // Text that is not strict JSON, or not UTF-8.
     {"nesting_far_deeper_than_allowed",
-     bytes(document(kItem, R"(,"x":)" + std::string(100000, '[') + std::string(100000, ']')))},
-    {"invalid_utf8", bytes(document(itemWithPurpose("\"\xC3\x28\"")))},
+     bytes(
+         document(itemWithPurpose(R"("A probe")"), R"(,"x":)" + std::string(100000, '[') + std::string(100000, ']')))},
     {"overlong_utf8", bytes(document(itemWithPurpose("\"\xC0\xAF\"")))},
     {"utf8_encoded_surrogate", bytes(document(itemWithPurpose("\"\xED\xA0\x80\"")))},
     {"escaped_lone_high_surrogate", bytes(document(itemWithPurpose(R"("\ud800")")))},
@@ -67,25 +222,14 @@ const HostileCase kCases[] = {
          }
          return wide;
      }())},
-    {"raw_nul_inside_a_value", bytes(document(itemWithPurpose(std::string("\"a\0b\"", 5))))},
-    {"raw_nul_inside_a_key",
-     bytes(document(R"({"name":"probe","refpurpose":"A probe","href":"hostile/probe.html","x)" + std::string(1, '\0') +
-                    R"(":1})"))},
+    {"raw_nul_inside_a_key", bytes(document(R"({"name":"probe","refpurpose":"A probe","href":"hostile/probe.html","x)" +
+                                            std::string(1, '\0') + R"(":1})"))},
     {"nul_after_the_document", bytes(document() + std::string(1, '\0'))},
-    {"truncated_document", bytes(document().substr(0, document().size() - 1))},
-    {"two_documents", bytes(document() + document())},
-    {"empty_file", bytes("")},
-    {"whitespace_only", bytes(" \t\r\n ")},
     // Strict JSON that breaks the format.
     {"nul_inside_a_required_key",
      bytes(document(R"({"name":"probe","refpurpose":"A probe","href\u0000":"hostile/probe.html"})"))},
-    {"number_where_a_string_belongs", bytes(document(R"({"name":"probe","refpurpose":"A probe","href":42})"))},
     {"number_where_an_enumeration_belongs",
      bytes(document(R"({"name":"probe","refpurpose":"p","href":"h","type":3,"deprecationstatus":3})"))},
-    {"number_where_the_item_list_belongs", bytes(R"({"productName":"H","baseCode":"H","helpFolder":"hostile",)"
-                                                 R"("helpLocation":"h","refItems":7})")},
-    {"string_where_an_item_belongs", bytes(document(R"("probe")"))},
-    {"root_is_an_array", bytes("[" + document() + "]")},
     // Entries of the file system that are no readable regular file.
     {"a_folder",
      [](const fs::path& path) {
@@ -107,54 +251,108 @@ const HostileCase kCases[] = {
          writeBytes(path, document());
          fs::resize_file(path, reference::docparser::kMaxDataFileSize + 1);
      }},
+    // Packages: damaged, forged or bombs. Sound entries still load unless the whole package is
+    // refused, and nothing is inflated beyond the entry size bound.
+    {"declared_size_far_beyond_the_bound", bomb(0, 0xFFFFFFF0u), {"kept"}, true},
+    {"honest_bomb_beyond_the_bound", bomb(reference::docparser::kMaxZipEntrySize + kMiB), {"kept"}, true},
+    // A reader that trusted the declared size would claim 200 MiB for 100 bytes of data.
+    {"declared_size_within_the_bound_far_beyond_the_data", bomb(0, 200 * kMiB), {"kept"}, true},
+    {"data_far_longer_than_declared", bomb(64 * kMiB, 100), {"kept"}, true},
+    {"encrypted_entry",
+     [](const fs::path& package) {
+         ZipWriter()
+             .addEncrypted("secret.json", hostileLookup("secret"), "password")
+             .add("kept.json", hostileLookup("kept"))
+             .write(package);
+     },
+     {"kept"},
+     true},
+    {"entries_sharing_their_data", entriesSharingTheirData(96), {}, true},
+    {"duplicate_entry_names",
+     [](const fs::path& package) {
+         ZipWriter().add("dup.json", hostileLookup("first")).add("dux.json", hostileLookup("second")).write(package);
+         std::string bytes = readBytes(package);
+         for (auto at = bytes.find("dux.json"); at != std::string::npos; at = bytes.find("dux.json", at)) {
+             bytes.replace(at, 8, "dup.json");
+         }
+         writeBytes(package, bytes);
+     },
+     {},
+     true},
+    // Nothing is ever extracted: folder parts of a name, however they point, only lead to the base
+    // name, and the entry's own data is read.
+    {"absolute_and_parent_paths",
+     [](const fs::path& package) {
+         ZipWriter()
+             .add("/abs/abs.json", hostileLookup("abs"))
+             .add("../up.json", hostileLookup("up"))
+             .add("..\\..\\win.json", hostileLookup("win"))
+             .write(package);
+     },
+     {"abs", "up", "win"},
+     true},
+    {"central_directory_cut_short", cutCentralDirectory(false), {}, true},
+    {"central_directory_cut_under_an_intact_end_record", cutCentralDirectory(true), {}, true},
 };
 
 class HostileInput : public HostileRoot {};
 class HostileFile : public HostileRoot, public ::testing::WithParamInterface<HostileCase> {};
 
-TEST_F(HostileInput, TheUnbrokenDocumentLoadsInBothFormats) {
-    writeBytes(lookupFolder() / "hostile.json", document());
-    writeBytes(referenceFolder() / "hostile.json", document());
-    const Loaded loaded = load(u"hostile");
-    EXPECT_EQ(summarize(loaded.lookups.installedResources),
-              (LookupSummary{{"control", {"Control", {{"probe", {"Always here"}}}}},
-                             {"hostile", {"Hostile", {{"probe", {"A probe"}}}}}}));
-    EXPECT_EQ(summarize(loaded.pages), (PageSummary{{"hostile", {"Hostile", {{"hostile/probe.html", {"A probe"}}}}}}));
-}
-
-TEST_P(HostileFile, CountsAsAbsentWithinBoundedMemory) {
+TEST_P(HostileFile, OnlyItsSoundEntriesLoadWithinBoundedMemory) {
+    const HostileCase& hostile = GetParam();
     for (const fs::path& path :
-         {lookupFolder() / "hostile.json", lookupFolder() / "hostile.zip", referenceFolder() / "hostile.json"}) {
-        GetParam().make(path);
+         {lookupFolder() / "hostile.zip", lookupFolder() / "hostile.json", referenceFolder() / "hostile.json"}) {
+        if (!hostile.packageOnly || path.extension() == ".zip") {
+            hostile.make(path);
+        }
     }
     const Loaded loaded = load(u"hostile");
-    expectOnlyControl(loaded);
+    if (hostile.loadedItems.empty()) {
+        expectOnlyControl(loaded);
+    } else {
+        LookupSummary installed = summarize(controlOnly_.lookups.installedResources);
+        auto& [productName, items] = installed["hostile"];
+        productName = "Hostile";
+        for (const auto& item : hostile.loadedItems) {
+            items[item] = {"from the package"};
+        }
+        EXPECT_EQ(summarize(loaded.lookups.installedResources), installed);
+        EXPECT_EQ(loaded.lookups.uninstalledResources, controlOnly_.lookups.uninstalledResources);
+        EXPECT_EQ(loaded.controlPages, controlOnly_.controlPages);
+    }
+    // Hostile input here is small or never read whole: what a load allocates stays far below it.
     EXPECT_LT(loaded.memory.peakGrowth, 4 * kMiB);
+    EXPECT_LT(loaded.memory.totalBytes, 8 * kMiB);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, HostileFile, ::testing::ValuesIn(kCases),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(HostileInput, MegabyteStringsLoadWholeInMemoryProportionalToTheFile) {
+// Also the proof that the cases above are hostile for what they break, not for the document.
+TEST_F(HostileInput, TheUnbrokenDocumentLoadsWholeInBothFormatsInMemoryProportionalToIt) {
     const std::string ascii(4 * kMiB, 'a');
     std::string accented;
     for (std::size_t i = 0; i < kMiB; ++i) {
         accented += "\xC3\xA9"; // é
     }
-    const std::string text =
-        document(R"({"name":")" + accented + R"(","refpurpose":")" + ascii + R"(","href":"hostile/probe.html"})",
-                 R"(,"ignored":")" + ascii + "\"");
-    writeBytes(lookupFolder() / "hostile.json", text);
-    writeBytes(referenceFolder() / "hostile.json", text);
+    // Escaped NULs stay in the texts, and a member name with one is a member of its own.
+    const std::string text = document(R"({"name":")" + accented + R"(\u0000","refpurpose":")" + ascii +
+                                          R"(\u0000","href":"hostile/probe.html","x\u0000":1})",
+                                      R"(,"ignored":")" + ascii + "\"");
+    const Loaded loaded = loadAsFiles(text);
 
-    const Loaded loaded = load(u"hostile");
-
-    const auto& lookupItems = loaded.lookups.installedResources.at(u"hostile").getItems();
+    const std::u16string name = std::u16string(kMiB, u'\u00E9') + u'\0';
+    const std::u16string purpose = std::u16string(4 * kMiB, u'a') + u'\0';
+    const auto& lookups = loaded.lookups.installedResources;
+    ASSERT_EQ(lookups.size(), 2u);
+    EXPECT_EQ(lookups.at(u"control"), controlOnly_.lookups.installedResources.at(u"control"));
+    const auto& lookupItems = lookups.at(u"hostile").getItems();
     ASSERT_EQ(lookupItems.size(), 1u);
-    EXPECT_EQ(lookupItems.begin()->first, std::u16string(kMiB, u'\u00E9'));
-    EXPECT_EQ(lookupItems.begin()->second.at(0).getPurpose(), std::u16string(4 * kMiB, u'a'));
-    const auto& pages = loaded.pages.at(u"hostile").getItems().at(u"hostile/probe.html");
-    EXPECT_EQ(pages.at(0).getPurpose(), std::u16string(4 * kMiB, u'a'));
+    EXPECT_EQ(lookupItems.begin()->first, name);
+    EXPECT_EQ(lookupItems.begin()->second.at(0).getPurpose(), purpose);
+    const auto& pages = loaded.pages.at(u"hostile").getItems();
+    ASSERT_EQ(pages.size(), 1u);
+    EXPECT_EQ(pages.at(u"hostile/probe.html").at(0).getPurpose(), purpose);
     // The file's bytes, its JSON tree and the UTF-16 texts of two formats: a few times the file,
     // never a copy per character or per item. At least the file itself is held, or the counter
     // does not see the library's allocations and every bound of this suite holds vacuously.
@@ -163,29 +361,13 @@ TEST_F(HostileInput, MegabyteStringsLoadWholeInMemoryProportionalToTheFile) {
     EXPECT_GE(loaded.memory.largestRequest, text.size());
 }
 
-TEST_F(HostileInput, EscapedNulsAreKeptInValuesAndNameKeysOfTheirOwn) {
-    const std::string text =
-        document(R"({"name":"nul\u0000name","refpurpose":"a\u0000b","href":"hostile/probe.html","x\u0000":1})");
-    writeBytes(lookupFolder() / "hostile.json", text);
-    writeBytes(referenceFolder() / "hostile.json", text);
-
-    const Loaded loaded = load(u"hostile");
-
-    const auto& lookupItems = loaded.lookups.installedResources.at(u"hostile").getItems();
-    const auto& entry = lookupItems.at(std::u16string(u"nul\0name", 8));
-    EXPECT_EQ(entry.at(0).getPurpose(), std::u16string(u"a\0b", 3));
-    EXPECT_EQ(loaded.pages.at(u"hostile").getItems().at(u"hostile/probe.html").at(0).getPurpose(),
-              std::u16string(u"a\0b", 3));
-}
-
 // Work that grows faster than the input lets a file of a few MiB stall a load for minutes. The
 // number and size of allocations follow the work done, so they stand in for it here.
 TEST_F(HostileInput, ManyNameValueHoldersTakeLinearWork) {
     constexpr int kHolders = 2000;
-    std::string holders;
-    for (int i = 0; i < kHolders; ++i) {
-        holders += (i == 0 ? "" : ",");
-        holders += R"({"namevaluepairs":[{"title":"a","inputs":[]},{"title":"b","inputs":[]}]})";
+    std::string holders = R"({"namevaluepairs":[{"title":"a","inputs":[]},{"title":"b","inputs":[]}]})";
+    for (int i = 1; i < kHolders; ++i) {
+        holders += R"(,{"namevaluepairs":[{"title":"a","inputs":[]},{"title":"b","inputs":[]}]})";
     }
     const std::string text =
         document(R"({"href":"hostile/probe.html","refpurpose":"p","inputgroup":[)" + holders + "]}");
@@ -219,6 +401,128 @@ TEST_F(HostileInput, ALongFallbackListMergesInLinearWork) {
     EXPECT_EQ(merged.front().getPurpose(), u"ja");
     EXPECT_EQ(merged.back().getHref(), u"hostile/ref/item4999.html");
     EXPECT_LT(loaded.memory.count, 10u * kItems);
+}
+
+const fs::path kCorpus = fs::path(REFDOC_JSON_CONFORMANCE_DIR) / "test_parsing";
+
+struct Document {
+    std::string name;
+    std::string text;
+};
+
+// The corpus's documents whose names start with one of `prefixes`, in name order.
+std::vector<Document> documents(std::initializer_list<std::string_view> prefixes) {
+    std::vector<Document> found;
+    for (const auto& entry : fs::directory_iterator(kCorpus)) {
+        const std::string name = entry.path().filename().string();
+        if (entry.path().extension() == ".json" &&
+            std::any_of(prefixes.begin(), prefixes.end(), [&](auto prefix) { return name.starts_with(prefix); })) {
+            found.push_back({name, readBytes(entry.path())});
+        }
+    }
+    std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    return found;
+}
+
+enum class Outcome { Parsed, FormatError, SyntaxError, OtherError };
+
+std::ostream& operator<<(std::ostream& out, Outcome outcome) {
+    static const char* const kNames[] = {"parsed", "refused by the format", "refused as JSON", "failed otherwise"};
+    return out << kNames[static_cast<int>(outcome)];
+}
+
+Outcome outcomeOf(const std::function<void()>& parse) {
+    try {
+        parse();
+        return Outcome::Parsed;
+    } catch (const DocParserException&) {
+        return Outcome::FormatError;
+    } catch (const boost::system::system_error&) {
+        return Outcome::SyntaxError;
+    } catch (...) {
+        return Outcome::OtherError;
+    }
+}
+
+Outcome lookupOutcome(const std::string& text) {
+    return outcomeOf([&] { reference::docparser::lookupFileParser(text); });
+}
+
+Outcome pageOutcome(const std::string& text) {
+    return outcomeOf([&] { reference::docparser::parseRefItemFile(text, nullptr, nullptr); });
+}
+
+class JsonConformance : public HostileRoot {
+protected:
+    void SetUp() override {
+        if (!fs::is_directory(kCorpus)) {
+            GTEST_SKIP() << "JSON conformance corpus not found: no folder " << kCorpus
+                         << " (point the CMake option REFDOC_JSON_CONFORMANCE_DIR at the corpus)";
+        }
+        HostileRoot::SetUp();
+    }
+};
+
+// No document of the corpus is a resource document, so accepted ones fail through the formats'
+// own rules; both formats decide alike, and each document counts as absent.
+TEST_F(JsonConformance, EachDocumentFailsAsItsClassSaysAndCountsAsAbsent) {
+    const struct {
+        std::string_view prefix;
+        std::set<Outcome> allowed;
+    } classes[] = {
+        {"n_", {Outcome::SyntaxError}},
+        {"y_", {Outcome::FormatError}},
+        {"i_", {Outcome::SyntaxError, Outcome::FormatError}},
+    };
+    for (const auto& documentClass : classes) {
+        const auto found = documents({documentClass.prefix});
+        ASSERT_FALSE(found.empty()) << kCorpus << " " << documentClass.prefix;
+        for (const auto& entry : found) {
+            SCOPED_TRACE(entry.name);
+            const Outcome lookup = lookupOutcome(entry.text);
+            EXPECT_TRUE(documentClass.allowed.contains(lookup)) << lookup;
+            EXPECT_EQ(pageOutcome(entry.text), lookup);
+            expectOnlyControl(loadAsFiles(entry.text));
+        }
+    }
+}
+
+// Every document the JSON parser takes changes nothing as the value of members neither format
+// reads; one that holds a single string, used as an item's purpose, reaches the records of both
+// formats as exactly the text the JSON parser read.
+TEST_F(JsonConformance, AcceptedDocumentsChangeNothingUnreadAndArriveIntactAsPurposes) {
+    const Loaded plain = loadAsFiles(document(itemWithPurpose(R"("p")")));
+    ASSERT_EQ(plain.lookups.installedResources.count(u"hostile"), 1u);
+    ASSERT_EQ(plain.pages.count(u"hostile"), 1u);
+    std::size_t embedded = 0;
+    std::size_t strings = 0;
+    for (const auto& entry : documents({"y_", "i_"})) {
+        if (lookupOutcome(entry.text) == Outcome::SyntaxError) {
+            continue;
+        }
+        SCOPED_TRACE(entry.name);
+        ++embedded;
+        const Loaded unread =
+            loadAsFiles(document(itemWithPurpose(R"("p")", ",\"unread\":" + entry.text), ",\"unread\":" + entry.text));
+        EXPECT_EQ(unread.lookups, plain.lookups);
+        EXPECT_EQ(unread.pages, plain.pages);
+
+        const boost::json::value value = boost::json::parse(entry.text);
+        const auto* array = value.if_array();
+        if (array == nullptr || array->size() != 1 || !array->front().is_string()) {
+            continue;
+        }
+        ++strings;
+        const auto open = entry.text.find('[');
+        const Loaded loaded =
+            loadAsFiles(document(itemWithPurpose(entry.text.substr(open + 1, entry.text.rfind(']') - open - 1))));
+        const auto expected = reference::docparser::utf8ToUtf16(array->front().get_string());
+        EXPECT_EQ(loaded.lookups.installedResources.at(u"hostile").getItems().at(u"probe").at(0).getPurpose(),
+                  expected);
+        EXPECT_EQ(loaded.pages.at(u"hostile").getItems().at(u"hostile/probe.html").at(0).getPurpose(), expected);
+    }
+    EXPECT_GT(embedded, 90u);
+    EXPECT_GT(strings, 30u);
 }
 
 } // namespace

@@ -1,16 +1,13 @@
 #include "support/DocrootBuilder.hpp"
 
 #include "support/JsonFixtures.hpp"
-#include "support/ZipBuilder.hpp"
 
-#include "docparser/parsing/TextConversion.hpp"
+#include "ZipWriter.hpp"
 
 #include <boost/json/array.hpp>
 
 namespace refdoc::test {
 namespace {
-
-using reference::docparser::text::utf16ToUtf8;
 
 boost::json::object headerObject(const Header& header) {
     boost::json::object document;
@@ -19,22 +16,6 @@ boost::json::object headerObject(const Header& header) {
     document["helpFolder"] = header.helpFolder;
     document["helpLocation"] = "help/" + header.helpFolder;
     return document;
-}
-
-template <class Map>
-LookupSummary summarizeMap(const Map& resources) {
-    LookupSummary out;
-    for (const auto& [key, resource] : resources) {
-        auto& [productName, items] = out[utf16ToUtf8(key)];
-        productName = utf16ToUtf8(resource.getHeader().getProductName());
-        for (const auto& [itemKey, list] : resource.getItems()) {
-            auto& purposes = items[utf16ToUtf8(itemKey)];
-            for (const auto& item : list) {
-                purposes.push_back(utf16ToUtf8(item.getPurpose()));
-            }
-        }
-    }
-    return out;
 }
 
 } // namespace
@@ -76,14 +57,6 @@ std::string fileText(boost::json::object main, const std::vector<boost::json::ob
     return toText(main);
 }
 
-LookupSummary summarize(const reference::docparser::DocResourceParser::LookupResourceMap& resources) {
-    return summarizeMap(resources);
-}
-
-PageSummary summarize(const reference::docparser::DocResourceParser::RefItemFileMap& resources) {
-    return summarizeMap(resources);
-}
-
 void writeSettingsProbeRoot(const TempDir& root, const std::string& tag) {
     const std::filesystem::path lookup = "docCatalog/referenceapi_lookup";
     const std::filesystem::path pages = "docCatalog/referenceapi";
@@ -92,7 +65,7 @@ void writeSettingsProbeRoot(const TempDir& root, const std::string& tag) {
                         {lookupDocument({"Test package", "sp_test", "spt"}, {{"s", "s " + tag}}),
                          lookupDocument({"Installed package", "sp_installed", "spi"}, {{"t", "t " + tag}})}));
     root.write(lookup / "one_ja.json", fileText(lookupDocument({"ワン " + tag, "ONE", "one"}, {{"f", "エフ"}})));
-    ZipBuilder()
+    ZipWriter()
         .add("two.json", fileText(lookupDocument({"Two " + tag, "TWO", "two"}, {{"h", "h " + tag}})))
         .add("two_ja.json", fileText(lookupDocument({"ツー", "TWO", "two"}, {{"h", "エイチ"}})))
         .write(root.path() / lookup / "two.zip");

@@ -4,6 +4,8 @@
 
 #include "support/TempDir.hpp"
 
+#include "docparser/parsing/TextConversion.hpp"
+
 #include <boost/json/object.hpp>
 
 #include <map>
@@ -34,14 +36,27 @@ boost::json::object pageDocument(const Header& header, const std::vector<Entry>&
 // A whole file: the main document with the support package documents (if any) nested in it.
 std::string fileText(boost::json::object main, const std::vector<boost::json::object>& supportPackages = {});
 
-// What a lookup result holds, flattened for comparison:
-// key -> (product name, item name -> purposes in list order).
+// A lookup or page result flattened for comparison, texts in UTF-8:
+// key -> (product name, item name or href -> purposes in list order).
 using LookupSummary = std::map<std::string, std::pair<std::string, std::map<std::string, std::vector<std::string>>>>;
-LookupSummary summarize(const reference::docparser::DocResourceParser::LookupResourceMap& resources);
-
-// The same for page results: key -> (product name, href -> purposes in list order).
 using PageSummary = LookupSummary;
-PageSummary summarize(const reference::docparser::DocResourceParser::RefItemFileMap& resources);
+
+template <class ResourceMap>
+LookupSummary summarize(const ResourceMap& resources) {
+    using reference::docparser::text::utf16ToUtf8;
+    LookupSummary out;
+    for (const auto& [key, resource] : resources) {
+        auto& [productName, items] = out[utf16ToUtf8(key)];
+        productName = utf16ToUtf8(resource.getHeader().getProductName());
+        for (const auto& [itemKey, list] : resource.getItems()) {
+            auto& purposes = items[utf16ToUtf8(itemKey)];
+            for (const auto& item : list) {
+                purposes.push_back(utf16ToUtf8(item.getPurpose()));
+            }
+        }
+    }
+    return out;
+}
 
 // A documentation root for the concurrency tests, in which every setting shows in the results:
 // the root's `tag` in the texts, the installed product ("one" or "two") and support packages

@@ -6,7 +6,6 @@
 
 #include <boost/json/object.hpp>
 #include <boost/json/parse.hpp>
-#include <boost/json/string.hpp>
 #include <boost/json/value.hpp>
 
 #include <string>
@@ -18,15 +17,6 @@ namespace refdoc::test {
 inline boost::json::value parseJson(std::string_view text) {
     return boost::json::parse(boost::json::string_view(text.data(), text.size()));
 }
-
-// A JSON string holding exactly these bytes, which need not be valid UTF-8 (the parser would
-// reject such text, but a document built in memory may hold it).
-inline boost::json::value rawString(std::string_view bytes) {
-    return boost::json::string(boost::json::string_view(bytes.data(), bytes.size()));
-}
-
-// One byte per code unit, for expectations written in ASCII.
-inline std::u16string widen(std::string_view ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
 // A document: the four header keys plus "refItems" parsed from `itemsJson`.
 inline boost::json::object documentObject(std::string_view helpFolder, std::string_view baseCode,

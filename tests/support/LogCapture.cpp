@@ -8,47 +8,36 @@
 #include <boost/log/sinks/sync_frontend.hpp>
 
 namespace refdoc::test {
-
-struct LogCapture::State {
-    mutable std::mutex mutex;
-    std::vector<CapturedRecord> records;
-};
-
 namespace {
+
+constexpr const char* kChannel = "referenceApi::docparser";
 
 class CollectingBackend : public boost::log::sinks::basic_sink_backend<boost::log::sinks::concurrent_feeding> {
 public:
-    CollectingBackend(std::shared_ptr<LogCapture::State> state, std::string channel)
-        : state_(std::move(state)), channel_(std::move(channel)) {}
+    explicit CollectingBackend(std::shared_ptr<LogCapture::State> state) : state_(std::move(state)) {}
 
     void consume(const boost::log::record_view& rec) {
-        auto channel = boost::log::extract<std::string>("Channel", rec);
-        if (!channel || *channel != channel_) {
+        if (boost::log::extract<std::string>("Channel", rec) != kChannel) {
             return;
         }
-        auto severity = boost::log::extract<std::uint32_t>("Severity", rec);
-        auto message = boost::log::extract<std::string>("Message", rec);
+        const auto severity = boost::log::extract<std::uint32_t>("Severity", rec);
+        const auto message = boost::log::extract<std::string>("Message", rec);
         std::lock_guard lock(state_->mutex);
-        state_->records.push_back({*channel, severity ? *severity : 0u, message ? *message : std::string()});
+        state_->records.push_back({kChannel, severity ? *severity : 0u, message ? *message : std::string()});
     }
 
 private:
     std::shared_ptr<LogCapture::State> state_;
-    std::string channel_;
 };
-
-using Sink = boost::log::sinks::synchronous_sink<CollectingBackend>;
 
 } // namespace
 
-LogCapture::LogCapture(std::uint32_t enabledSeverities, std::string channel)
-    : state_(std::make_shared<State>()), previousMask_(reference::docparser::diagnosticLogger().enabledSeverities()) {
-    auto sink = boost::make_shared<Sink>(boost::make_shared<CollectingBackend>(state_, std::move(channel)));
+LogCapture::LogCapture(std::uint32_t enabledSeverities)
+    : previousMask_(reference::docparser::diagnosticLogger().enabledSeverities()) {
+    auto sink = boost::make_shared<boost::log::sinks::synchronous_sink<CollectingBackend>>(
+        boost::make_shared<CollectingBackend>(state_));
     boost::log::core::get()->add_sink(sink);
-    sink_ = std::shared_ptr<void>(nullptr, [sink](void*) mutable {
-        boost::log::core::get()->remove_sink(sink);
-        sink.reset();
-    });
+    sink_ = std::shared_ptr<void>(nullptr, [sink](void*) { boost::log::core::get()->remove_sink(sink); });
     reference::docparser::diagnosticLogger().setEnabledSeverities(enabledSeverities);
 }
 
@@ -64,19 +53,19 @@ std::vector<CapturedRecord> LogCapture::records() const {
 
 std::vector<std::string> LogCapture::messages() const {
     std::vector<std::string> out;
-    for (auto& r : records()) {
-        out.push_back(r.message);
+    for (auto& record : records()) {
+        out.push_back(record.message);
     }
     return out;
-}
-
-void PrintTo(const CapturedRecord& record, std::ostream* out) {
-    *out << "{" << record.channel << ", " << record.severity << ", \"" << record.message << "\"}";
 }
 
 void LogCapture::clear() {
     std::lock_guard lock(state_->mutex);
     state_->records.clear();
+}
+
+void PrintTo(const CapturedRecord& record, std::ostream* out) {
+    *out << "{" << record.channel << ", " << record.severity << ", \"" << record.message << "\"}";
 }
 
 } // namespace refdoc::test

@@ -20,11 +20,11 @@ struct CapturedRecord {
 // Readable failure messages for record comparisons.
 void PrintTo(const CapturedRecord& record, std::ostream* out);
 
-// A Boost.Log sink that collects the records of one channel while it lives. It also sets the
-// library logger's enabled-severity mask and restores the previous mask on destruction.
+// Collects the library channel's records while it lives, with the library logger's severity mask
+// set to `enabledSeverities`; the previous mask comes back on destruction.
 class LogCapture {
 public:
-    explicit LogCapture(std::uint32_t enabledSeverities, std::string channel = "referenceApi::docparser");
+    explicit LogCapture(std::uint32_t enabledSeverities);
     ~LogCapture();
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
@@ -33,11 +33,14 @@ public:
     std::vector<std::string> messages() const;
     void clear();
 
-    struct State;
+    struct State {
+        std::mutex mutex;
+        std::vector<CapturedRecord> records;
+    };
 
 private:
-    std::shared_ptr<State> state_;
-    std::shared_ptr<void> sink_;
+    std::shared_ptr<State> state_ = std::make_shared<State>();
+    std::shared_ptr<void> sink_; // removes the sink from the logging core when reset
     std::uint32_t previousMask_;
 };
 

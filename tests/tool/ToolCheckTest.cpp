@@ -1,9 +1,10 @@
 // refdoc check as a program: how it words and lays out what the library records (the records
 // themselves are checked in tests/diagnostics), its own warnings, and its exit status.
 
+#include "ZipWriter.hpp"
 #include "support/DocrootBuilder.hpp"
 #include "support/TempDir.hpp"
-#include "support/ZipBuilder.hpp"
+#include "support/ZipPatch.hpp"
 #include "tool/ToolRunner.hpp"
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ TEST(ToolCheck, WordsEachKindOfDropInTextAndJson) {
                                           "refItems": [{"name": "a", "refpurpose": ["p"], "href": "a"}]})");
     root.write(kLookup / "empty.json", "");
     const auto package = root.path() / kLookup / "pack.zip";
-    ZipBuilder().add("fine.json", lookupText("fine")).add("broken.json", lookupText("broken")).write(package);
+    ZipWriter().add("fine.json", lookupText("fine")).add("broken.json", lookupText("broken")).write(package);
     patchZipEntryCrc(package, "broken.json", 0xDEADBEEF);
     root.write(kLookup / "junk.zip", std::string(100, 'x'));
     root.write(kPages / "pages.json", R"({"productName": "P", "baseCode": "P", "helpFolder": "p",
@@ -132,7 +133,7 @@ TEST(ToolCheck, WarnsAboutWhatIsReadOnlyLeniently) {
     // fr is not supported: this translation is read as an English product of its own.
     root.write(kLookup / "lenient_fr.json", lookupText("lenient"));
     // Named for Japanese, but its only entry is not: never read in any language.
-    ZipBuilder().add("orphan.json", lookupText("orphan")).write(root.path() / kLookup / "orphan_ja.zip");
+    ZipWriter().add("orphan.json", lookupText("orphan")).write(root.path() / kLookup / "orphan_ja.zip");
     root.write(kLookup / "notes.txt", "not data");
     root.write(kPages / "lenient.JSON", "{}");
 

@@ -1,10 +1,10 @@
 // refdoc lookup, page and find, run as a program on documentation roots generated in temp folders
 // and on the bundled sample root.
 
+#include "ZipWriter.hpp"
 #include "docparser/loading/ZipPackage.hpp"
 #include "support/DocrootBuilder.hpp"
 #include "support/TempDir.hpp"
-#include "support/ZipBuilder.hpp"
 #include "tool/ToolRunner.hpp"
 
 #include <gtest/gtest.h>
@@ -60,7 +60,7 @@ protected:
                        {lookupDocument({"Alpha Support", "sp_a", "sp_a"}, {{"spread", "Spread out"}})}));
         write(kLookup / "alpha_ja.json",
               fileText(lookupDocument({"アルファ", "AL", "alpha"}, {{"plot", "データをプロット"}})));
-        ZipBuilder()
+        ZipWriter()
             .add("beta.json", fileText(lookupDocument({"Beta", "BE", "beta"}, {{"Ärger", "Trouble", "aerger.html"}})))
             .add("beta_ja.json",
                  fileText(lookupDocument({"ベータ", "BE", "beta"}, {{"Ärger", "トラブル", "aerger.html"}})))

@@ -1,4 +1,4 @@
-#include "support/ZipBuilder.hpp"
+#include "support/ZipPatch.hpp"
 
 #include "support/TempDir.hpp"
 
@@ -18,62 +18,38 @@ std::uint32_t readLe(const std::string& bytes, std::uint64_t offset, int width) 
     return value;
 }
 
-void writeLe32(std::string& bytes, std::uint64_t offset, std::uint32_t value) {
-    for (int i = 0; i < 4; ++i) {
-        bytes[offset + static_cast<std::uint64_t>(i)] = static_cast<char>((value >> (8 * i)) & 0xFFu);
-    }
-}
-
-constexpr std::uint32_t kEndOfCentralDirectory = 0x06054b50;
-constexpr std::uint32_t kCentralHeader = 0x02014b50;
-constexpr std::uint32_t kLocalHeader = 0x04034b50;
-
 ZipEntryLayout locate(const std::string& bytes, const std::string& entryName) {
-    if (bytes.size() < 22) {
-        throw std::runtime_error("not a zip package");
+    const auto eocd = bytes.rfind("PK\x05\x06");
+    if (eocd == std::string::npos) {
+        throw std::runtime_error("no end of central directory record");
     }
-    std::uint64_t eocd = bytes.size() - 22;
-    while (readLe(bytes, eocd, 4) != kEndOfCentralDirectory) {
-        if (eocd == 0) {
-            throw std::runtime_error("no end of central directory record");
-        }
-        --eocd;
-    }
-    const std::uint32_t count = readLe(bytes, eocd + 10, 2);
     std::uint64_t at = readLe(bytes, eocd + 16, 4);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (readLe(bytes, at, 4) != kCentralHeader) {
+    for (std::uint32_t i = 0, count = readLe(bytes, eocd + 10, 2); i < count; ++i) {
+        const std::uint32_t nameLength = readLe(bytes, at + 28, 2);
+        if (readLe(bytes, at, 4) != 0x02014b50) {
             throw std::runtime_error("bad central directory");
         }
-        const std::uint32_t nameLength = readLe(bytes, at + 28, 2);
-        const std::uint32_t extraLength = readLe(bytes, at + 30, 2);
-        const std::uint32_t commentLength = readLe(bytes, at + 32, 2);
         if (bytes.compare(at + 46, nameLength, entryName) == 0 && nameLength == entryName.size()) {
-            ZipEntryLayout layout;
-            layout.centralHeaderOffset = at;
-            layout.crc = readLe(bytes, at + 16, 4);
-            layout.compressedSize = readLe(bytes, at + 20, 4);
-            layout.uncompressedSize = readLe(bytes, at + 24, 4);
-            layout.localHeaderOffset = readLe(bytes, at + 42, 4);
-            if (readLe(bytes, layout.localHeaderOffset, 4) != kLocalHeader) {
-                throw std::runtime_error("bad local header");
-            }
-            layout.dataOffset = layout.localHeaderOffset + 30 + readLe(bytes, layout.localHeaderOffset + 26, 2) +
-                                readLe(bytes, layout.localHeaderOffset + 28, 2);
+            ZipEntryLayout layout{at, readLe(bytes, at + 42, 4), 0, readLe(bytes, at + 20, 4)};
+            const auto local = layout.localHeaderOffset;
+            layout.dataOffset = local + 30 + readLe(bytes, local + 26, 2) + readLe(bytes, local + 28, 2);
             return layout;
         }
-        at += 46 + nameLength + extraLength + commentLength;
+        at += 46 + nameLength + readLe(bytes, at + 30, 2) + readLe(bytes, at + 32, 2);
     }
     throw std::runtime_error("no entry named " + entryName);
 }
 
-// Offsets of a field in the central header and in the local header.
+// `centralOffset` and `localOffset`: where the field sits in the two headers.
 void patchField(const std::filesystem::path& package, const std::string& entryName, std::uint64_t centralOffset,
                 std::uint64_t localOffset, std::uint32_t value) {
     std::string bytes = readBytes(package);
     const ZipEntryLayout layout = locate(bytes, entryName);
-    writeLe32(bytes, layout.centralHeaderOffset + centralOffset, value);
-    writeLe32(bytes, layout.localHeaderOffset + localOffset, value);
+    for (int i = 0; i < 4; ++i) {
+        const auto byte = static_cast<char>((value >> (8 * i)) & 0xFFu);
+        bytes[layout.centralHeaderOffset + centralOffset + static_cast<std::uint64_t>(i)] = byte;
+        bytes[layout.localHeaderOffset + localOffset + static_cast<std::uint64_t>(i)] = byte;
+    }
     writeBytes(package, bytes);
 }
 
@@ -104,9 +80,7 @@ void corruptZipEntryData(const std::filesystem::path& package, const std::string
     if (offset + count > layout.compressedSize) {
         throw std::runtime_error("corruption range outside the entry's data");
     }
-    for (std::uint64_t i = 0; i < count; ++i) {
-        bytes[layout.dataOffset + offset + i] = '\xFF';
-    }
+    bytes.replace(layout.dataOffset + offset, count, count, '\xFF');
     writeBytes(package, bytes);
 }
 
