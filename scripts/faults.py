@@ -91,7 +91,7 @@ FAULTS = [
        "locales.erase(std::remove(locales.begin(), locales.end(), getCurrentLocale()), locales.end());")]),
     ("F17", "reader", "a repeated key keeps the failures found in the value it replaces",
      [("src/docparser/parsing/EventReader.cpp",
-       "            level.failedRows &= ~bit;\n",
+       "        level.failedRows &= ~bit;\n",
        "")]),
     ("F18", "reader", "a page read again ignores what the first reading learnt of its items",
      [("src/docparser/parsing/RefItemParser.cpp",
