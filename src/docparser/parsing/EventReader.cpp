@@ -422,6 +422,7 @@ private:
         array.index = 0;
         array.isArray = true;
         array.build = level.buildInner;
+        array.buildInner = array.build;
     }
 
     [[gnu::always_inline]] void endArray() {
@@ -474,7 +475,7 @@ private:
         } else {
             Level& level = levels_[top_];
             const MemberRule* member = wanted(level, JsonKind::String);
-            if (member != nullptr && level.build) {
+            if (member != nullptr && level.build && (level.buildInner || member->evenDiscarded)) {
                 member->text(level.draft, bytes, *this);
             }
         }

@@ -63,6 +63,8 @@ struct MemberRule {
     void (*forget)(void* draft) = nullptr;
     // Object, ObjectArray: the table of the nested objects.
     const ObjectFormat* nested = nullptr;
+    // String: read also in an object whose contents are discarded (Reader::discardInner).
+    bool evenDiscarded = false;
 };
 
 // Finds a key's row in a table of at most 32 members: a small open-addressing hash table over
@@ -138,10 +140,10 @@ public:
     // Kinds of object (tables) the library may define.
     static constexpr std::uint32_t kMaxFormats = 32;
 
-    // The objects inside the innermost open one are not wanted (a page that another file
+    // The contents of the innermost open object are not wanted (a page that another file
     // replaces): they are still checked as they stream past, but nothing of them is converted
-    // and their closes are not called. The object's own members still reach its draft; what was
-    // found in it is not reported.
+    // and the closes of the objects inside are not called. Only its members marked
+    // evenDiscarded still reach its draft; what was found in it is not reported.
     void discardInner();
     // Of the object that is closing, element `index` of the array member `key` is dropped after
     // all: what was found in it is not reported.

@@ -730,8 +730,15 @@ const ev::ObjectFormat kExample = ev::objectFormat<closeExample>(kExampleRules);
 
 const ev::MemberRule kSyntaxGroupsRule = ev::objects<&ItemDraft::syntaxGroups>(keys::kSyntaxGroup, false, kSyntaxGroup);
 
+// The href is read also in a page the replacing file holds: a later href may say otherwise.
+ev::MemberRule hrefRule() {
+    auto rule = ev::storedText<storeHref>(keys::kHref, true);
+    rule.evenDiscarded = true;
+    return rule;
+}
+
 const ev::MemberRule kItemRules[] = {
-    ev::storedText<storeHref>(keys::kHref, true),
+    hrefRule(),
     ev::text<&ItemDraft::purpose, utf8Field>(keys::kRefPurpose, true),
     ev::objects<forgetEntities>(keys::kRefEntity, false, kEntity),
     ev::text<&ItemDraft::packageName, asciiField>(keys::kPackageName, false),
