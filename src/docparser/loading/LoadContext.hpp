@@ -21,13 +21,14 @@ struct LoadContext {
     std::u16string packagePath;      // the zip package whose entries are being read
     FileDiagnostic* file = nullptr;  // the record of the file being read, for its reader
 
-    // The record of the file being read, null when nothing is recorded. Valid until the next
-    // record is added.
-    FileDiagnostic* begin(FileDiagnostic record) {
+    // The record of the file being read, made by `describe()` only when something is recorded;
+    // null otherwise. Valid until the next record is added.
+    template <class Describe>
+    FileDiagnostic* begin(Describe&& describe) {
         if (recorder == nullptr) {
             return nullptr;
         }
-        return &recorder->files[recorder->add(std::move(record))];
+        return &recorder->files[recorder->add(describe())];
     }
 };
 

@@ -44,12 +44,14 @@ struct PageText {
 // A page file that is missing, unreadable or broken counts as absent.
 RefItemFileMap parsePageFile(const PageText& file, detail::LoadContext& context,
                              const RefItemFileMap* replacement = nullptr) {
-    FileDiagnostic description;
-    description.source = DiagnosticSource::PageFile;
-    description.path = file.path;
-    const std::u16string_view path(file.path);
-    description.productName = std::u16string(splitFileName(path.substr(path.find_last_of(u'/') + 1)).stem);
-    FileDiagnostic* record = context.begin(std::move(description));
+    FileDiagnostic* record = context.begin([&file] {
+        FileDiagnostic description;
+        description.source = DiagnosticSource::PageFile;
+        description.path = file.path;
+        const std::u16string_view path(file.path);
+        description.productName = std::u16string(splitFileName(path.substr(path.find_last_of(u'/') + 1)).stem);
+        return description;
+    });
     try {
         RefItemFileMap pages = parseRefItemFile(file.text, replacement, record);
         if (record != nullptr) {

@@ -167,7 +167,8 @@ void DocResourceParser::ParsingTools::readJsonFiles(const std::vector<D>& files,
     detail::LoadContext& context = *info.context;
     std::string& text = context.scratch.text;
     for (const auto& file : files) {
-        FileDiagnostic* record = context.begin(listedFile(DiagnosticSource::File, file, context));
+        FileDiagnostic* record =
+            context.begin([&file, &context] { return listedFile(DiagnosticSource::File, file, context); });
         context.file = record;
         ReadResult read;
         try {
