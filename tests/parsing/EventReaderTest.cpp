@@ -157,6 +157,18 @@ TEST(EventReader, TheLastOfARepeatedKeyCountsWholly) {
     ASSERT_EQ(resource.getItems().size(), 1u);
     const auto& entry = resource.getItems().at(u"b").at(0);
     EXPECT_EQ(entry.getEntityType(), RefEntityType::getDefaultValue()) << "an unknown last text is not the first";
+
+    // A package that failed in the replaced array leaves none of its entries behind.
+    const Outcome replaced =
+        readLookup(lookupFile(R"({"name": "x", "refpurpose": "p", "href": "h"})",
+                              R"(, "supportPackages": [{"baseCode": "Q", "helpFolder": "q", "helpLocation": "h",
+                                  "refItems": [{"name": "y", "refpurpose": "p", "href": "lost"}]}],
+             "supportPackages": [])"));
+    ASSERT_FALSE(replaced.failed);
+    ASSERT_EQ(replaced.result.size(), 1u);
+    const auto& items = replaced.result.begin()->second.getItems();
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_EQ(items.at(u"x").size(), 1u);
 }
 
 // What a page's records depend on may come after them in the text or change with a repeated

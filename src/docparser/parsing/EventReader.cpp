@@ -372,7 +372,7 @@ private:
     // The object closing failed, in the row first in the tables' order among `failed`.
     [[gnu::noinline, gnu::cold]] void closeFailed(Level& level, std::uint32_t failed, std::uint32_t missing) {
         const ObjectFormat& format = *level.format;
-        if (level.build && record_ != nullptr) {
+        if (level.build && format.abandon != nullptr) {
             format.abandon(level.draft, *this);
         }
         const auto row = static_cast<std::uint32_t>(std::countr_zero(failed));

@@ -104,7 +104,9 @@ struct ObjectFormat {
     // builds the record and hands it to `parent`. `seen` has the bit of each row met.
     void (*close)(void* draft, void* parent, std::uint32_t seen, Reader& reader) = nullptr;
     void (*destroy)(void* draft) noexcept = nullptr;
-    // Optional: the object failed, so close is not called; what it read may still be reported.
+    // Optional: the object failed, so close is not called. The draft undoes what it left outside
+    // itself (a repeated key can still make the failure not count), and what it read may still be
+    // reported (Reader::recording()).
     void (*abandon)(void* draft, Reader& reader) = nullptr;
     // For objects whose members depend on which others are present: the rows required given
     // `seen` (null: requiredMembers), and the rows whose value is not read at all given `seen`

@@ -204,6 +204,10 @@ void closePackage(LookupDocumentDraft& package, LookupDocumentDraft& main, std::
     main.packageIndex.push_back(reader.elementIndex());
 }
 
+// A package that failed leaves its entries waiting after the main document's; they go, since a
+// repeated "supportPackages" can make the failure not count.
+void abandonPackage(LookupDocumentDraft& package, ev::Reader&) { package.forgetEntries(); }
+
 void closeMain(LookupDocumentDraft& main, LookupFile& file, std::uint32_t, ev::Reader& reader) {
     fileDocuments(file.result, main.take(), main.packages, main.packageIndex, reader, true);
 }
@@ -239,7 +243,7 @@ const ev::MemberRule kDocumentRules[] = {
     ev::text<&LookupDocumentDraft::helpLocation, detail::asciiField>(keys::kHelpLocation, true),
     ev::objects<forgetEntries>(keys::kRefItems, true, kEntry),
 };
-const ev::ObjectFormat kPackage = ev::objectFormat<closePackage>(kDocumentRules);
+const ev::ObjectFormat kPackage = ev::objectFormat<closePackage, abandonPackage>(kDocumentRules);
 const ev::ObjectFormat kAlone = ev::objectFormat<closeAlone>(kDocumentRules);
 
 const ev::MemberRule kMainRules[] = {
