@@ -78,6 +78,29 @@ TEST_F(ResourceFile, LocalizedHeaderAndPagesWinPerLink) {
     EXPECT_EQ(load(u"en", u"enonly").size(), 1u) << "a root with a trailing separator";
 }
 
+// A page file is named by its base name alone: names that would reach another file, inside the
+// root or out of it, find nothing, although each of those files holds a sound page document.
+TEST_F(ResourceFile, NamesThatAreNotBaseNamesFindNoPageFile) {
+    const std::string page = fileText(pageDocument({"Elsewhere", "EW", "elsewhere"}, {{"e", "e"}}));
+    root_.write("outside.json", page);
+    root_.write("docCatalog/outside.json", page);
+    write("sub/inner.json", page);
+    write("a\\b.json", page);
+    write("...json", page);
+    write("cut", page); // what "cut\0x" + ".json" opens
+    const std::pair<const char*, std::u16string> refused[] = {
+        {"parent folder", u"../outside"},
+        {"above the root", u"../../outside"},
+        {"sub-folder", u"sub/inner"},
+        {"backslash", u"a\\b"},
+        {"dot-dot", u".."},
+        {"NUL", std::u16string(u"cut\0x", 5)},
+    };
+    for (const auto& [what, name] : refused) {
+        EXPECT_TRUE(summarize(DocResourceParser::getResourceFile(name)).empty()) << what;
+    }
+}
+
 // English pages that a translation replaces are only checked, not built; a flaw in one must still
 // make the whole English file count as absent. The English file: p1 (replaced) and p2 in the
 // main document, the support package sp with q1 (replaced), and a second sp document, dropped

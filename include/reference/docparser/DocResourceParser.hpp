@@ -179,6 +179,10 @@ public:
 
     // Loading.
     static ParsingResults<LookupResourceMap> getResourceLookupFiles();
+    // One product's reference pages: `name` is the base name of its page file, without folder,
+    // locale suffix or extension ("signal" for signal.json and signal_ja.json). A name holding
+    // '/', '\\' or a NUL, or the name "..", names no page file: the result is empty, as for a
+    // product without pages.
     static RefItemFileMap getResourceFile(const std::u16string& name);
 };
 

@@ -16,6 +16,7 @@
 #include <exception>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace reference::docparser {
@@ -81,6 +82,14 @@ std::u16string joinPath(const std::u16string& folder, const std::u16string& file
     return folder + u'/' + fileName;
 }
 
+// A page file is named by its product's base name. A separator or a ".." would lead out of the
+// reference folder, and a NUL would cut the path short when the file is opened, so such a name
+// names no page file.
+bool isBaseName(std::u16string_view name) {
+    constexpr std::u16string_view kRefused(u"/\\\0", 3);
+    return name != u".." && name.find_first_of(kRefused) == std::u16string_view::npos;
+}
+
 } // namespace
 
 DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> DocResourceParser::getResourceLookupFiles() {
@@ -106,6 +115,9 @@ DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> DocResou
 }
 
 DocResourceParser::RefItemFileMap DocResourceParser::getResourceFile(const std::u16string& name) {
+    if (!isBaseName(name)) {
+        return {};
+    }
     const std::shared_ptr<const ReferenceRoots> roots = getReferenceRoots();
     const std::u16string& folder = roots->referenceFolder;
 
