@@ -57,7 +57,8 @@ for way in "${ways[@]}"; do
     fi
     mkdir -p "$work/pkgconfig"
     # shellcheck disable=SC2086 # the flags are words
-    "${CXX:-c++}" -std=c++20 -Wall -Wextra -Wpedantic -Werror "$root/tests/consumer/main.cpp" $cflags \
+    "${CXX:-c++}" -std=c++20 -Wall -Wextra -Wpedantic -Werror -I"$root/tests/consumer/include" \
+      "$root/tests/consumer/main.cpp" $cflags \
       -Wl,--as-needed $libs -Wl,-rpath,"$libdir" -o "$work/pkgconfig/refdoc_consumer"
     "$work/pkgconfig/refdoc_consumer"
     ;;

@@ -4,7 +4,13 @@
 // through it.)
 #include <reference/docparser/DocResourceParser.hpp>
 
+#include <platform/Export.hpp>
+
 #include <cstdio>
+
+#ifndef CONSUMER_PLATFORM_EXPORT
+#error "the library's include path hides the application's own platform/Export.hpp"
+#endif
 
 int main() {
     using reference::docparser::DocResourceParser;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <doc_products_shared/TopLevelDocProduct.hpp>
-#include <platform/Export.hpp>
+#include <refdoc/platform/Export.hpp>
 
 #include <memory>
 #include <mutex>

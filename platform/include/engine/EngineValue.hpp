@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/Export.hpp>
+#include <refdoc/platform/Export.hpp>
 
 #include <atomic>
 #include <cstdint>

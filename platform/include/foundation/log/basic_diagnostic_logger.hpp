@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/Export.hpp>
+#include <refdoc/platform/Export.hpp>
 
 #include <boost/log/core/record.hpp>
 #include <boost/log/sources/record_ostream.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <foundation/core/except/IException.hpp>
-#include <platform/Export.hpp>
+#include <refdoc/platform/Export.hpp>
 
 namespace foundation::core::except {
 

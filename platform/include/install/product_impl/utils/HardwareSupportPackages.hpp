@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/Export.hpp>
+#include <refdoc/platform/Export.hpp>
 
 #include <string>
 #include <unordered_set>
