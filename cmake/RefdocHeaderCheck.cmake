@@ -2,7 +2,7 @@
 # (twice, so that a missing include guard shows too),
 # built with the project's warnings as part of the default build. A header that leans on an
 # include its user happened to make first fails here, not in a user's project.
-set(_header_roots ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/platform/include)
+set(_header_roots ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/platform/include ${PROJECT_BINARY_DIR}/include)
 set(_check_sources)
 foreach(_root ${_header_roots})
   file(GLOB_RECURSE _headers CONFIGURE_DEPENDS RELATIVE ${_root} ${_root}/*.hpp)

@@ -12,6 +12,9 @@ install(TARGETS refdoc_docparser refdoc_platform
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refdoc
   FILES_MATCHING PATTERN "*.hpp")
+install(DIRECTORY ${PROJECT_BINARY_DIR}/include/
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refdoc
+  FILES_MATCHING PATTERN "*.hpp")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refdoc/platform
   FILES_MATCHING PATTERN "*.hpp")
@@ -25,7 +28,8 @@ configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/refdocConfig.cmake.in
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/refdoc)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/refdocConfigVersion.cmake
   VERSION ${PROJECT_VERSION}
-  COMPATIBILITY SameMajorVersion)
+  # A 0.y release takes programs built for 0.y only, as its SONAME says.
+  COMPATIBILITY SameMinorVersion)
 install(FILES
   ${PROJECT_BINARY_DIR}/refdocConfig.cmake
   ${PROJECT_BINARY_DIR}/refdocConfigVersion.cmake
@@ -38,3 +42,6 @@ file(RELATIVE_PATH REFDOC_PC_PREFIX_FROM_PCDIR
 string(REGEX REPLACE "/$" "" REFDOC_PC_PREFIX_FROM_PCDIR "${REFDOC_PC_PREFIX_FROM_PCDIR}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/refdoc.pc.in ${PROJECT_BINARY_DIR}/refdoc.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/refdoc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The licence, and the release notes, where a package's documentation goes (share/doc/refdoc).
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

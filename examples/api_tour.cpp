@@ -74,6 +74,12 @@ int main(int argc, char** argv) {
         }
     }
 
+    // 6. The library that runs is the one whose headers the program was compiled with.
+    const std::string version = reference::docparser::libraryVersion();
+    std::cout << "\nrefdoc " << version << '\n';
+
     DocResourceParser::restoreDefaultSettings();
-    return lookups.installedResources.empty() || pages.empty() || dropped != 1 ? 1 : 0;
+    const bool expected =
+        version == REFDOC_VERSION_STRING && !lookups.installedResources.empty() && !pages.empty() && dropped == 1;
+    return expected ? 0 : 1;
 }

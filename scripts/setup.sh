@@ -6,7 +6,7 @@
 set -euo pipefail
 
 PACKAGES=(
-  build-essential cmake ninja-build pkg-config git zip unzip python3
+  build-essential cmake ninja-build pkg-config git zip unzip python3 doxygen
   clang clang-format libclang-rt-14-dev
   libboost1.81-dev libboost-json1.81-dev libboost-log1.81-dev libboost-exception1.81-dev
   libzip-dev zipcmp zipmerge ziptool zlib1g-dev

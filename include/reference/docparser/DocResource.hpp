@@ -9,9 +9,9 @@
 
 namespace reference::docparser {
 
-// Everything one document of a resource file holds: its header and its items grouped by key
-// (the item's name in a lookup file, its href in a page file), each group in file order.
-// T is reference::property::RefItemLookup or reference::property::RefItem.
+/// Everything one document of a resource file holds: its header and its items grouped by key
+/// (the item's name in a lookup file, its href in a page file), each group in file order.
+/// T is reference::property::RefItemLookup or reference::property::RefItem.
 template <class T>
 class DocResource {
 public:

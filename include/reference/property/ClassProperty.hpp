@@ -9,7 +9,7 @@
 
 namespace reference::property {
 
-// One property of a documented class.
+/// One property of a documented class.
 class REFDOC_API ClassProperty {
 public:
     ClassProperty(ObjectInfo info, std::u16string defaultValue) noexcept;
@@ -31,7 +31,7 @@ private:
     std::u16string defaultValue_;
 };
 
-// Class properties shown together under one title.
+/// Class properties shown together under one title.
 class REFDOC_API ClassPropertyGroup {
 public:
     ClassPropertyGroup(std::u16string title, std::vector<ClassProperty> properties) noexcept;

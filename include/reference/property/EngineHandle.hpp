@@ -6,9 +6,9 @@
 
 namespace reference::property {
 
-// A slot for a value of the host's computing engine. The library leaves every slot empty;
-// moving a record moves its slots (the source's become empty) and destroying it releases
-// whatever the host has put there, exactly once.
+/// A slot for a value of the host's computing engine. The library leaves every slot empty;
+/// moving a record moves its slots (the source's become empty) and destroying it releases
+/// whatever the host has put there, exactly once.
 using EngineHandle = boost::intrusive_ptr<engine::EngineValue>;
 
 } // namespace reference::property

@@ -9,8 +9,8 @@
 
 namespace reference::property {
 
-// The fixed set of engine value slots a record carries. All start empty; the library never
-// fills them. Slots are destroyed last first.
+/// The fixed set of engine value slots a record carries. All start empty; the library never
+/// fills them. Slots are destroyed last first.
 template <std::size_t N>
 class EngineSlots {
 public:

@@ -6,7 +6,7 @@
 
 namespace reference::property {
 
-// An example that a page links to, with the command that opens it.
+/// An example that a page links to, with the command that opens it.
 class REFDOC_API Example {
 public:
     Example(std::u16string url, std::u16string openCommand, std::u16string title) noexcept;

@@ -7,20 +7,20 @@
 
 namespace reference::property {
 
-// How a documented function is implemented or called ("fcntype" in the JSON data).
-//
-// | Value        | Number | JSON text      |
-// |--------------|--------|----------------|
-// | Unspecified  | 0      | (none)         |  default: key absent or text unknown
-// | Ordinary     | 1      | "ordinary"     |
-// | Builtin      | 2      | "builtin"      |
-// | Method       | 3      | "method"       |
-// | StaticMethod | 4      | "staticmethod" |
-// | Constructor  | 5      | "constructor"  |
-// | Operator     | 6      | "operator"     |
-// | Script       | 7      | "script"       |
-// | External     | 8      | "external"     |
-// | Conversion   | 9      | "conversion"   |
+/// How a documented function is implemented or called ("fcntype" in the JSON data).
+///
+/// | Value        | Number | JSON text      |
+/// |--------------|--------|----------------|
+/// | Unspecified  | 0      | (none)         |  default: key absent or text unknown
+/// | Ordinary     | 1      | "ordinary"     |
+/// | Builtin      | 2      | "builtin"      |
+/// | Method       | 3      | "method"       |
+/// | StaticMethod | 4      | "staticmethod" |
+/// | Constructor  | 5      | "constructor"  |
+/// | Operator     | 6      | "operator"     |
+/// | Script       | 7      | "script"       |
+/// | External     | 8      | "external"     |
+/// | Conversion   | 9      | "conversion"   |
 class REFDOC_API FunctionType {
 public:
     enum Value : std::int32_t {
@@ -36,13 +36,13 @@ public:
         Conversion = 9,
     };
 
-    // Exact, case-sensitive match of a JSON text; throws std::invalid_argument otherwise.
+    /// Exact, case-sensitive match of a JSON text; throws std::invalid_argument otherwise.
     static Value stringToEnum(std::string_view text);
-    // The same match without an exception: false, and `value` untouched, for a text that names
-    // no value. The parsers use it, since data written elsewhere often has spellings not listed.
+    /// The same match without an exception: false, and `value` untouched, for a text that names
+    /// no value. The parsers use it, since data written elsewhere often has spellings not listed.
     static bool tryStringToEnum(std::string_view text, Value& value) noexcept;
     static Value getDefaultValue() noexcept { return Unspecified; }
-    // The JSON text of a value; "" for Unspecified and for numbers outside the table.
+    /// The JSON text of a value; "" for Unspecified and for numbers outside the table.
     static std::string_view toString(Value value) noexcept;
 };
 

@@ -6,8 +6,8 @@
 
 namespace reference::property {
 
-// The header of one document of a resource file: which product (or support package) the
-// items belong to and where its help lives.
+/// The header of one document of a resource file: which product (or support package) the
+/// items belong to and where its help lives.
 class REFDOC_API HeaderInfo {
 public:
     HeaderInfo(std::u16string productName, std::u16string baseCode, std::u16string helpFolder,

@@ -10,7 +10,7 @@
 
 namespace reference::property {
 
-// One input argument of a page.
+/// One input argument of a page.
 class REFDOC_API Input {
 public:
     Input(ObjectInfo info, SyntaxType::Value syntaxType, std::u16string defaultValue, bool isNameValuePair) noexcept;
@@ -24,7 +24,7 @@ public:
     const ObjectInfo& getInfo() const noexcept { return info_; }
     SyntaxType::Value getSyntaxType() const noexcept { return syntaxType_; }
     const std::u16string& getDefaultValue() const noexcept { return defaultValue_; }
-    // True when the input came from a group of name-value pairs.
+    /// True when the input came from a group of name-value pairs.
     bool isNameValuePair() const noexcept { return isNameValuePair_; }
 
     const EngineSlots<1>& engineValues() const noexcept { return engineValues_; }
@@ -40,7 +40,7 @@ private:
     EngineSlots<1> engineValues_;
 };
 
-// Inputs shown together under one title.
+/// Inputs shown together under one title.
 class REFDOC_API InputGroup {
 public:
     InputGroup(std::u16string title, std::vector<Input> inputs) noexcept;

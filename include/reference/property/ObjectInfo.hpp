@@ -8,7 +8,7 @@
 
 namespace reference::property {
 
-// What inputs, outputs, parameters and class properties have in common.
+/// What inputs, outputs, parameters and class properties have in common.
 class REFDOC_API ObjectInfo {
 public:
     ObjectInfo(std::u16string name, std::u16string purpose, std::vector<std::u16string> values,
@@ -23,7 +23,7 @@ public:
     const std::u16string& getName() const noexcept { return name_; }
     const std::u16string& getPurpose() const noexcept { return purpose_; }
     const std::vector<std::u16string>& getValues() const noexcept { return values_; }
-    // The link to the argument's place on its page, e.g. "ref/foo.html#input_x".
+    /// The link to the argument's place on its page, e.g. "ref/foo.html#input_x".
     const std::u16string& getAnchor() const noexcept { return anchor_; }
 
     const EngineSlots<1>& engineValues() const noexcept { return engineValues_; }

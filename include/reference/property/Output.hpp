@@ -7,7 +7,7 @@
 
 namespace reference::property {
 
-// One output argument of a page.
+/// One output argument of a page.
 class REFDOC_API Output {
 public:
     Output(ObjectInfo info, SyntaxType::Value syntaxType) noexcept;

@@ -7,7 +7,7 @@
 
 namespace reference::property {
 
-// One parameter of a page (for example of a block or an app).
+/// One parameter of a page (for example of a block or an app).
 class REFDOC_API Parameter {
 public:
     Parameter(ObjectInfo info, std::u16string defaultValue) noexcept;

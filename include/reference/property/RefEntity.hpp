@@ -9,7 +9,7 @@
 
 namespace reference::property {
 
-// One entity a page documents (a page may document several, e.g. a function and a method).
+/// One entity a page documents (a page may document several, e.g. a function and a method).
 class REFDOC_API RefEntity {
 public:
     RefEntity(RefEntityType::Value entityType, std::u16string name, FunctionType::Value functionType) noexcept;

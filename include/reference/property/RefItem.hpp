@@ -17,9 +17,9 @@
 
 namespace reference::property {
 
-// One full reference page. Members are declared in the order of the constructor; they are
-// destroyed in reverse: the engine value slots (last first), the lists from the last to the
-// first, the strings, then the entities and the href.
+/// One full reference page. Members are declared in the order of the constructor; they are
+/// destroyed in reverse: the engine value slots (last first), the lists from the last to the
+/// first, the strings, then the entities and the href.
 class REFDOC_API RefItem {
 public:
     RefItem(std::u16string href, std::vector<RefEntity> entities, std::u16string packageName, std::u16string purpose,

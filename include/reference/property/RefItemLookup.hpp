@@ -8,7 +8,7 @@
 
 namespace reference::property {
 
-// One entry of a product's lookup index.
+/// One entry of a product's lookup index.
 class REFDOC_API RefItemLookup {
 public:
     RefItemLookup(std::u16string name, RefEntityType::Value entityType, std::u16string purpose, bool deprecated,

@@ -6,7 +6,7 @@
 
 namespace reference::property {
 
-// A related page.
+/// A related page.
 class REFDOC_API SeeAlso {
 public:
     SeeAlso(std::u16string url, std::u16string name) noexcept;

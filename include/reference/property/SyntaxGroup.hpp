@@ -9,7 +9,7 @@
 
 namespace reference::property {
 
-// One form of calling a documented entity, with its syntax lines.
+/// One form of calling a documented entity, with its syntax lines.
 class REFDOC_API SyntaxGroup {
 public:
     SyntaxGroup(std::u16string title, SyntaxType::Value syntaxType, std::vector<std::u16string> syntaxLines) noexcept;
