@@ -13,8 +13,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -105,7 +105,9 @@ TEST_F(FileAccessTest, UnreadableFilesGiveNothingAndRecordWhy) {
                           std::vector<CapturedRecord> more = {}) {
         const fs::path path = dir.path() / name;
         more.insert(more.begin(), reading(path.string()));
-        return Case{[path](std::string& text) { return readResourceText(ProductPathData(u"p", false, path.u16string()), text); },
+        return Case{[path](std::string& text) {
+                        return readResourceText(ProductPathData(u"p", false, path.u16string()), text);
+                    },
                     std::move(content), reason, std::move(more)};
     };
     const Case cases[] = {
@@ -116,9 +118,13 @@ TEST_F(FileAccessTest, UnreadableFilesGiveNothingAndRecordWhy) {
         disk("link.json", "{\"via\":\"link\"}", DropReason::None),
         disk(nonAscii.filename().string(), "{\"n\":1}", DropReason::None),
         disk("oversized.json", "", DropReason::Unreadable, {tooLarge}),
-        {[&](std::string& text) { return readResourceText(goodEntry, text); }, "{\"zip\":1}", DropReason::None,
+        {[&](std::string& text) { return readResourceText(goodEntry, text); },
+         "{\"zip\":1}",
+         DropReason::None,
          {reading("goodProduct")}},
-        {[&](std::string& text) { return readResourceText(badEntry, text); }, "", DropReason::Unreadable,
+        {[&](std::string& text) { return readResourceText(badEntry, text); },
+         "",
+         DropReason::Unreadable,
          {reading(badName), {kChannel, kFileAccessSeverity, "Error reading file: " + badName}}},
     };
     LogCapture capture(kBoth);
