@@ -55,13 +55,15 @@ Outcome readLookup(const std::string& text) {
     return outcome;
 }
 
-std::vector<ParseWarning> enumWarnings(std::initializer_list<std::pair<const char*, const char*>> places) {
-    std::vector<ParseWarning> warnings;
-    for (const auto& [pointer, text] : places) {
-        warnings.push_back({WarningKind::UnknownEnumText, pointer, text});
-    }
-    return warnings;
+// A support package keyed by `baseCode` with the given items.
+std::string package(const std::string& baseCode, const std::string& items = "") {
+    return R"({"productName": "Q", "baseCode": ")" + baseCode + R"(", "helpFolder": "q", "helpLocation": "h",
+               "refItems": [)" +
+           items + "]}";
 }
+
+ParseWarning unknown(const char* pointer, const char* text) { return {WarningKind::UnknownEnumText, pointer, text}; }
+ParseWarning taken(const char* pointer, const char* key) { return {WarningKind::DocumentKeyTaken, pointer, key}; }
 
 TEST(EventReader, FailureReportedIsTheFirstInTableOrderAndASyntaxErrorWins) {
     const struct Case {
@@ -109,11 +111,25 @@ TEST(EventReader, FailureReportedIsTheFirstInTableOrderAndASyntaxErrorWins) {
          "missing required member \"helpFolder\"",
          "/supportPackages/0/helpFolder",
          {}},
+        {"a document without entries",
+         std::string("{") + kHeader + "}",
+         DropReason::MissingKey,
+         "missing required member \"refItems\"",
+         "/refItems",
+         {}},
+        {"a package dropped for its taken key is still checked",
+         lookupFile("", R"(, "supportPackages": [)" + package("p", R"({"name": "y", "refpurpose": "p"})") + "]"),
+         DropReason::MissingKey,
+         "missing required member \"href\"",
+         "/supportPackages/0/refItems/0/href",
+         {}},
         {"warnings before the failure stay, later ones go",
          lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "type": "odd"}, {"name": "b", "refpurpose": "p"},
                        {"name": "c", "refpurpose": "p", "href": "h", "type": "later"})"),
-         DropReason::MissingKey, "missing required member \"href\"", "/refItems/1/href",
-         enumWarnings({{"/refItems/0/type", "odd"}})},
+         DropReason::MissingKey,
+         "missing required member \"href\"",
+         "/refItems/1/href",
+         {unknown("/refItems/0/type", "odd")}},
         {"a failure inside a value that a repeated key replaces does not count",
          lookupFile(R"({"name": "a"})", R"(, "refItems": [{"name": "b", "refpurpose": "p", "href": "h"}])"),
          DropReason::None,
@@ -123,8 +139,21 @@ TEST(EventReader, FailureReportedIsTheFirstInTableOrderAndASyntaxErrorWins) {
         {"nor do its warnings; warnings come in table order",
          lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "fcntype": "f1", "type": "t1", "type": "class"},
                        {"name": "b", "refpurpose": "p", "href": "h", "fcntype": "f2", "type": "t2"})"),
-         DropReason::None, "", "",
-         enumWarnings({{"/refItems/0/fcntype", "f1"}, {"/refItems/1/type", "t2"}, {"/refItems/1/fcntype", "f2"}})},
+         DropReason::None,
+         "",
+         "",
+         {unknown("/refItems/0/fcntype", "f1"), unknown("/refItems/1/type", "t2"),
+          unknown("/refItems/1/fcntype", "f2")}},
+        {"a package whose key is taken, by the main document or an earlier package, is dropped with a warning",
+         lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"})",
+                    R"(, "supportPackages": [)" + package("sp", R"({"name": "b", "refpurpose": "p", "href": "h",
+                    "fcntype": "Ordinary"})") +
+                        "," + package("p") + "," + package("sp") + "]"),
+         DropReason::None,
+         "",
+         "",
+         {unknown("/supportPackages/0/refItems/0/fcntype", "Ordinary"), taken("/supportPackages/1", "p"),
+          taken("/supportPackages/2", "sp")}},
         {"a syntax error after a failure",
          lookupFile(R"({"name": "a"},)"),
          DropReason::SyntaxError,
@@ -172,46 +201,58 @@ TEST(EventReader, TheLastOfARepeatedKeyCountsWholly) {
 }
 
 // What a page's records depend on may come after them in the text or change with a repeated
-// key: the href in every anchor, the block entity in member names, the href in whether a
-// replacing file holds the page.
+// key: the href in every anchor, the block entity in member names (input and class property
+// names are UTF-8 only on pages documenting a block; output and parameter names always are),
+// the href in whether a replacing file holds the page.
 TEST(EventReader, PageRecordsFollowTheFinalHrefAndEntitiesWhereverTheyStand) {
     const auto page = [](const std::string& item) {
         return std::string("{") + kHeader + R"(, "refItems": [)" + item + "]}";
     };
-    const std::string input =
-        R"("inputgroup": [{"title": "T", "inputs": [{"htmlid": "in", "name": "n\u00e9", "purpose": "p"}]}],
-                                  "classpropertygroup": [{"classproperty": [{"name": "c\u00e9", "purpose": "p"}]}],
-                                  "outputs": [{"htmlid": "out", "name": "o", "purpose": "p"}])";
-    const std::string block = R"("refentity": [{"type": "block", "name": "b"}])";
-    const std::string function = R"("refentity": [{"type": "function", "name": "f"}])";
+    const std::string members =
+        R"("inputgroup": [{"title": "T", "inputs": [{"htmlid": "in", "name": "\u00e9", "purpose": "p"}]},
+                          {"namevaluepairs": [{"title": "NV", "inputs": [{"name": "\u00e9", "purpose": "p"}]}]}],
+           "classpropertygroup": [{"classproperty": [{"name": "\u00e9", "purpose": "p"}]}],
+           "outputs": [{"htmlid": "out", "name": "\u00e9", "purpose": "p"}],
+           "parameters": [{"name": "\u00e9", "purpose": "p"}])";
+    const auto entities = [](const std::string& types) { return R"("refentity": [)" + types + "]"; };
+    const std::string block = R"({"type": "block", "name": "b"})";
+    const std::string function = R"({"type": "function", "name": "f"})";
+    const std::string a = R"("href": "a.html", "refpurpose": "p")";
     const struct Case {
         const char* what;
         std::string item;
-        std::u16string href;
         bool utf8Names;
     } cases[] = {
-        {"href and entities first", R"({"href": "a.html", "refpurpose": "p", )" + block + ", " + input + "}", u"a.html",
-         true},
-        {"href and entities last", "{" + input + R"(, "refpurpose": "p", )" + block + R"(, "href": "a.html"})",
-         u"a.html", true},
+        {"no entities", "{" + a + ", " + members + "}", false},
+        {"a function", "{" + a + ", " + entities(function) + ", " + members + "}", false},
+        {"an unknown type text", "{" + a + ", " + entities(R"({"type": "Block", "name": "f"})") + ", " + members + "}",
+         false},
+        {"href and block first", "{" + a + ", " + entities(block) + ", " + members + "}", true},
+        {"block after a function, href and entities last",
+         "{" + members + ", " + entities(function + ", " + block) + ", " + a + "}", true},
+        {"block before a function", "{" + members + ", " + entities(block + ", " + function) + ", " + a + "}", true},
         {"repeated href and entities",
-         R"({"href": "x.html", "refpurpose": "p", )" + block + ", " + input + ", " + function +
+         R"({"href": "x.html", "refpurpose": "p", )" + entities(block) + ", " + members + ", " + entities(function) +
              R"(, "href": "a.html"})",
-         u"a.html", false},
+         false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const std::string text = page(c.item);
         const auto pages = parseRefItemFile(text, nullptr, nullptr);
         EXPECT_EQ(parseRefItemFile(parseJson(text)), pages);
-        const RefItem& item = pages.at(u"p").getItems().at(c.href).at(0);
-        const std::u16string inputName = c.utf8Names ? u"n\u00e9" : u"n\u00c3\u00a9";
-        const std::u16string propertyName = c.utf8Names ? u"c\u00e9" : u"c\u00c3\u00a9";
-        EXPECT_EQ(item.getInputGroups().at(0).getInputs().at(0).getInfo().getName(), inputName);
-        EXPECT_EQ(item.getInputGroups().at(0).getInputs().at(0).getInfo().getAnchor(), c.href + u"#in");
-        EXPECT_EQ(item.getClassPropertyGroups().at(0).getProperties().at(0).getInfo().getAnchor(),
-                  c.href + u"#prop_" + propertyName);
-        EXPECT_EQ(item.getOutputs().at(0).getInfo().getAnchor(), c.href + u"#out");
+        const RefItem& item = pages.at(u"p").getItems().at(u"a.html").at(0);
+        const std::u16string name = c.utf8Names ? u"\u00e9" : u"\u00c3\u00a9";
+        const auto& inputs = item.getInputGroups();
+        EXPECT_EQ(inputs.at(0).getInputs().at(0).getInfo().getName(), name);
+        EXPECT_EQ(inputs.at(0).getInputs().at(0).getInfo().getAnchor(), u"a.html#in");
+        EXPECT_EQ(inputs.at(1).getInputs().at(0).getInfo().getName(), name);
+        const auto& property = item.getClassPropertyGroups().at(0).getProperties().at(0).getInfo();
+        EXPECT_EQ(property.getName(), name);
+        EXPECT_EQ(property.getAnchor(), u"a.html#prop_" + name);
+        EXPECT_EQ(item.getOutputs().at(0).getInfo().getName(), u"\u00e9");
+        EXPECT_EQ(item.getOutputs().at(0).getInfo().getAnchor(), u"a.html#out");
+        EXPECT_EQ(item.getParameters().at(0).getInfo().getName(), u"\u00e9");
     }
 
     // A page that the replacing file holds is only checked, decided by its last href.
