@@ -5,6 +5,7 @@
 #include "docparser/parsing/LookupParser.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
 
+#include "diagnostics/RecordText.hpp"
 #include "support/JsonFixtures.hpp"
 
 #include <gtest/gtest.h>
@@ -19,6 +20,7 @@ namespace {
 using namespace reference::docparser;
 using namespace reference::property;
 using refdoc::test::parseJson;
+using refdoc::test::recordText;
 
 constexpr const char* kHeader = R"("productName": "P", "baseCode": "B", "helpFolder": "p", "helpLocation": "h")";
 
@@ -62,113 +64,57 @@ std::string package(const std::string& baseCode, const std::string& items = "") 
            items + "]}";
 }
 
-ParseWarning unknown(const char* pointer, const char* text) { return {WarningKind::UnknownEnumText, pointer, text}; }
-ParseWarning taken(const char* pointer, const char* key) { return {WarningKind::DocumentKeyTaken, pointer, key}; }
-
 TEST(EventReader, FailureReportedIsTheFirstInTableOrderAndASyntaxErrorWins) {
     const struct Case {
         const char* what;
         std::string text;
-        DropReason reason;
-        const char* message;
-        const char* pointer;
-        std::vector<ParseWarning> warnings;
+        std::string record;
     } cases[] = {
-        {"members in table order, not text order",
-         lookupFile(R"({"href": 5, "refpurpose": "p"})"),
-         DropReason::MissingKey,
-         "missing required member \"name\"",
-         "/refItems/0/name",
-         {}},
+        {"members in table order, not text order", lookupFile(R"({"href": 5, "refpurpose": "p"})"),
+         "missing key at /refItems/0/name: missing required member \"name\""},
         {"earlier element first, whatever comes later in it",
          lookupFile(R"({"name": "a", "href": "h", "refpurpose": 1}, {"href": "h"})"),
-         DropReason::WrongKind,
-         "expected a string, found a number",
-         "/refItems/0/refpurpose",
-         {}},
+         "wrong kind at /refItems/0/refpurpose: expected a string, found a number"},
         {"the header before the items, wherever it stands",
          R"({"refItems": [{"name": 1}], "productName": "P", "baseCode": "B", "helpFolder": [], "helpLocation": "h"})",
-         DropReason::WrongKind,
-         "expected a string, found an array",
-         "/helpFolder",
-         {}},
-        {"an array element of the wrong kind",
-         lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"}, [])"),
-         DropReason::WrongKind,
-         "expected an object, found an array",
-         "/refItems/1",
-         {}},
-        {"the whole document of the wrong kind",
-         R"(["a"])",
-         DropReason::WrongKind,
-         "expected an object, found an array at the top level",
-         "",
-         {}},
+         "wrong kind at /helpFolder: expected a string, found an array"},
+        {"an array element of the wrong kind", lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"}, [])"),
+         "wrong kind at /refItems/1: expected an object, found an array"},
+        {"the whole document of the wrong kind", R"(["a"])",
+         "wrong kind: expected an object, found an array at the top level"},
         {"keys escaped in pointers",
-         R"({"productName": "P", "baseCode": "B", "helpFolder": "p", "helpLocation": "h", "refItems": [],
-             "supportPackages": [{"productName": "Q", "baseCode": "a/b~c"}]})",
-         DropReason::MissingKey,
-         "missing required member \"helpFolder\"",
-         "/supportPackages/0/helpFolder",
-         {}},
-        {"a document without entries",
-         std::string("{") + kHeader + "}",
-         DropReason::MissingKey,
-         "missing required member \"refItems\"",
-         "/refItems",
-         {}},
+         lookupFile("", R"(, "supportPackages": [{"productName": "Q", "baseCode": "a/b~c"}])"),
+         "missing key at /supportPackages/0/helpFolder: missing required member \"helpFolder\""},
+        {"a document without entries", std::string("{") + kHeader + "}",
+         "missing key at /refItems: missing required member \"refItems\""},
         {"a package dropped for its taken key is still checked",
          lookupFile("", R"(, "supportPackages": [)" + package("p", R"({"name": "y", "refpurpose": "p"})") + "]"),
-         DropReason::MissingKey,
-         "missing required member \"href\"",
-         "/supportPackages/0/refItems/0/href",
-         {}},
+         "missing key at /supportPackages/0/refItems/0/href: missing required member \"href\""},
         {"warnings before the failure stay, later ones go",
          lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "type": "odd"}, {"name": "b", "refpurpose": "p"},
                        {"name": "c", "refpurpose": "p", "href": "h", "type": "later"})"),
-         DropReason::MissingKey,
-         "missing required member \"href\"",
-         "/refItems/1/href",
-         {unknown("/refItems/0/type", "odd")}},
+         "missing key at /refItems/1/href: missing required member \"href\"; "
+         "unknown enumeration text at /refItems/0/type: odd"},
         {"a failure inside a value that a repeated key replaces does not count",
-         lookupFile(R"({"name": "a"})", R"(, "refItems": [{"name": "b", "refpurpose": "p", "href": "h"}])"),
-         DropReason::None,
-         "",
-         "",
-         {}},
+         lookupFile(R"({"name": "a"})", R"(, "refItems": [{"name": "b", "refpurpose": "p", "href": "h"}])"), "read"},
         {"nor do its warnings; warnings come in table order",
          lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "fcntype": "f1", "type": "t1", "type": "class"},
                        {"name": "b", "refpurpose": "p", "href": "h", "fcntype": "f2", "type": "t2"})"),
-         DropReason::None,
-         "",
-         "",
-         {unknown("/refItems/0/fcntype", "f1"), unknown("/refItems/1/type", "t2"),
-          unknown("/refItems/1/fcntype", "f2")}},
-        {"a package whose key is taken, by the main document or an earlier package, is dropped with a warning",
-         lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"})",
-                    R"(, "supportPackages": [)" + package("sp", R"({"name": "b", "refpurpose": "p", "href": "h",
-                    "fcntype": "Ordinary"})") +
-                        "," + package("p") + "," + package("sp") + "]"),
-         DropReason::None,
-         "",
-         "",
-         {unknown("/supportPackages/0/refItems/0/fcntype", "Ordinary"), taken("/supportPackages/1", "p"),
-          taken("/supportPackages/2", "sp")}},
-        {"a syntax error after a failure",
-         lookupFile(R"({"name": "a"},)"),
-         DropReason::SyntaxError,
-         "syntax error",
-         "",
-         {}},
+         "read; unknown enumeration text at /refItems/0/fcntype: f1; unknown enumeration text at /refItems/1/type: t2; "
+         "unknown enumeration text at /refItems/1/fcntype: f2"},
+        {"a package whose key the main document or an earlier package holds is dropped with a warning",
+         lookupFile("", R"(, "supportPackages": [)" +
+                            package("sp", R"({"name": "b", "refpurpose": "p", "href": "h", "fcntype": "Ordinary"})") +
+                            "," + package("p") + "," + package("sp") + "]"),
+         "read; unknown enumeration text at /supportPackages/0/refItems/0/fcntype: Ordinary; "
+         "document key taken at /supportPackages/1: p; document key taken at /supportPackages/2: sp"},
+        {"a syntax error after a failure", lookupFile(R"({"name": "a"},)"), "syntax error at 1:106: syntax error"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const Outcome outcome = readLookup(c.text);
-        EXPECT_EQ(outcome.failed, c.reason != DropReason::None);
-        EXPECT_EQ(outcome.record.dropReason, c.reason);
-        EXPECT_EQ(outcome.record.message, c.message);
-        EXPECT_EQ(outcome.record.jsonPath, c.pointer);
-        EXPECT_EQ(outcome.record.warnings, c.warnings);
+        EXPECT_EQ(outcome.failed, outcome.record.dropped());
+        EXPECT_EQ(recordText(outcome.record), c.record);
     }
 }
 
