@@ -45,6 +45,13 @@ Outcome readLookup(const std::string& text) {
     } catch (const boost::system::system_error&) {
         outcome.failed = true;
     }
+    // Read without a record, the text gives the same documents or refusal.
+    try {
+        EXPECT_EQ(parseLookupFile(text, scratch, nullptr), outcome.result) << text;
+        EXPECT_FALSE(outcome.failed) << "accepted only without a record: " << text;
+    } catch (...) {
+        EXPECT_TRUE(outcome.failed) << "refused only without a record: " << text;
+    }
     // The same tables read the parsed value of strict JSON text: the same records or refusal.
     if (outcome.record.dropReason != DropReason::SyntaxError) {
         try {
