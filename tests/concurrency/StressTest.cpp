@@ -12,6 +12,8 @@
 #include "support/HostSettingsFixture.hpp"
 #include "support/TempDir.hpp"
 
+#include "ZipWriter.hpp"
+
 #include <SupportPackageRootReader.hpp>
 #include <doc_products_shared/DocProductCacheManager.hpp>
 #include <doc_products_shared/DocProductCollector.hpp>
@@ -45,6 +47,27 @@ constexpr int kLoaders = 8;
 // The test support packages set together with each test product: "sp_test" only with "one".
 std::vector<std::u16string> pairedPackages(const std::u16string& product) {
     return product == u"one" ? std::vector<std::u16string>{u"sp_test"} : std::vector<std::u16string>{};
+}
+
+// A documentation root in which every setting shows in the results: the root's `tag` in the
+// texts, the installed product ("one" or "two") and support packages ("sp_test", "sp_installed")
+// in what is installed, the language in the Japanese variants (loose and packed), and root and
+// language in the pages of product "one".
+void writeSettingsProbeRoot(const TempDir& root, const std::string& tag) {
+    const std::filesystem::path lookup = "docCatalog/referenceapi_lookup";
+    const std::filesystem::path pages = "docCatalog/referenceapi";
+    root.write(lookup / "one.json",
+               fileText(lookupDocument({"One " + tag, "ONE", "one"}, {{"f", "f " + tag}, {"g", "g " + tag}}),
+                        {lookupDocument({"Test package", "sp_test", "spt"}, {{"s", "s " + tag}}),
+                         lookupDocument({"Installed package", "sp_installed", "spi"}, {{"t", "t " + tag}})}));
+    root.write(lookup / "one_ja.json", fileText(lookupDocument({"ワン " + tag, "ONE", "one"}, {{"f", "エフ"}})));
+    ZipWriter()
+        .add("two.json", fileText(lookupDocument({"Two " + tag, "TWO", "two"}, {{"h", "h " + tag}})))
+        .add("two_ja.json", fileText(lookupDocument({"ツー", "TWO", "two"}, {{"h", "エイチ"}})))
+        .write(root.path() / lookup / "two.zip");
+    root.write(pages / "one.json", fileText(pageDocument({"One " + tag, "ONE", "one"},
+                                                         {{"one/p.html", "p " + tag}, {"one/r.html", "r " + tag}})));
+    root.write(pages / "one_ja.json", fileText(pageDocument({"ワン", "ONE", "one"}, {{"one/p.html", "ピー " + tag}})));
 }
 
 class Stress : public HostSettingsFixture {

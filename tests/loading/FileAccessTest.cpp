@@ -11,8 +11,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -45,10 +47,8 @@ protected:
 
 TEST_F(FileAccessTest, DiskFilesComeBackByteForByteIntoAReusedBuffer) {
     std::mt19937 engine(3);
-    std::string random(1 << 20, '\0');
-    for (auto& byte : random) {
-        byte = static_cast<char>(engine() & 0xFFu);
-    }
+    std::string random;
+    std::generate_n(std::back_inserter(random), 1 << 20, [&] { return static_cast<char>(engine()); });
     const std::string contents[] = {
         random, "", "{}", "{\r\n\"a\":\0\"b\"\r\n}\n"s, "\xef\xbb\xbf{\"bom\":true}", "\xff\xfe\x00\x80"s,
     };
@@ -95,55 +95,41 @@ TEST_F(FileAccessTest, UnreadableFilesGiveNothingAndRecordWhy) {
     // What openAndReadFile does for a file on disk or a package entry, with the reason of a read
     // that gives nothing.
     using reference::docparser::readResourceText;
-    const auto disk = [&](const char* name) {
-        return [path = (dir.path() / name).u16string()](std::string& text) {
-            return readResourceText(ProductPathData(u"p", false, path), text);
-        };
-    };
-    const struct Case {
-        const char* what;
+    struct Case {
         std::function<reference::docparser::ReadResult(std::string&)> read;
         std::string content;
         DropReason reason;
         std::vector<CapturedRecord> records;
-    } cases[] = {
-        {"missing", disk("missing.json"), "", DropReason::Missing, {reading((dir.path() / "missing.json").string())}},
-        {"folder", disk("folder.json"), "", DropReason::Unreadable, {reading((dir.path() / "folder.json").string())}},
-        {"FIFO, which must not block",
-         disk("pipe.json"),
-         "",
-         DropReason::Unreadable,
-         {reading((dir.path() / "pipe.json").string())}},
-        {"dangling link",
-         disk("dangling.json"),
-         "",
-         DropReason::Missing,
-         {reading((dir.path() / "dangling.json").string())}},
-        {"link",
-         disk("link.json"),
-         "{\"via\":\"link\"}",
-         DropReason::None,
-         {reading((dir.path() / "link.json").string())}},
-        {"non-ASCII path",
-         disk("\xe8\xa3\xbd\xe5\x93\x81.json"),
-         "{\"n\":1}",
-         DropReason::None,
-         {reading(nonAscii.string())}},
-        {"oversized", disk("oversized.json"), "", DropReason::Unreadable, {reading(oversized.string()), tooLarge}},
-        {"good zip entry",
-         [&](std::string& text) { return readResourceText(goodEntry, text); },
+    };
+    const auto disk = [&](const std::string& name, std::string content, DropReason reason,
+                          std::vector<CapturedRecord> more = {}) {
+        const fs::path path = dir.path() / name;
+        more.insert(more.begin(), reading(path.string()));
+        return Case{[path](std::string& text) {
+                        return readResourceText(ProductPathData(u"p", false, path.u16string()), text);
+                    },
+                    std::move(content), reason, std::move(more)};
+    };
+    const Case cases[] = {
+        disk("missing.json", "", DropReason::Missing),
+        disk("folder.json", "", DropReason::Unreadable),
+        disk("pipe.json", "", DropReason::Unreadable), // a FIFO, which must not block
+        disk("dangling.json", "", DropReason::Missing),
+        disk("link.json", "{\"via\":\"link\"}", DropReason::None),
+        disk(nonAscii.filename().string(), "{\"n\":1}", DropReason::None),
+        disk("oversized.json", "", DropReason::Unreadable, {tooLarge}),
+        {[&](std::string& text) { return readResourceText(goodEntry, text); },
          "{\"zip\":1}",
          DropReason::None,
          {reading("goodProduct")}},
-        {"bad zip entry",
-         [&](std::string& text) { return readResourceText(badEntry, text); },
+        {[&](std::string& text) { return readResourceText(badEntry, text); },
          "",
          DropReason::Unreadable,
          {reading(badName), {kChannel, kFileAccessSeverity, "Error reading file: " + badName}}},
     };
     LogCapture capture(kBoth);
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+        SCOPED_TRACE(c.records.front().message);
         capture.clear();
         std::string text = "left over";
         EXPECT_EQ(c.read(text).reason, c.reason);

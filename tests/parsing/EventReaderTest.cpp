@@ -5,6 +5,7 @@
 #include "docparser/parsing/LookupParser.hpp"
 #include "docparser/parsing/RefItemParser.hpp"
 
+#include "diagnostics/RecordText.hpp"
 #include "support/JsonFixtures.hpp"
 
 #include <gtest/gtest.h>
@@ -19,6 +20,7 @@ namespace {
 using namespace reference::docparser;
 using namespace reference::property;
 using refdoc::test::parseJson;
+using refdoc::test::recordText;
 
 constexpr const char* kHeader = R"("productName": "P", "baseCode": "B", "helpFolder": "p", "helpLocation": "h")";
 
@@ -43,6 +45,13 @@ Outcome readLookup(const std::string& text) {
     } catch (const boost::system::system_error&) {
         outcome.failed = true;
     }
+    // Read without a record, the text gives the same documents or refusal.
+    try {
+        EXPECT_EQ(parseLookupFile(text, scratch, nullptr), outcome.result) << text;
+        EXPECT_FALSE(outcome.failed) << "accepted only without a record: " << text;
+    } catch (...) {
+        EXPECT_TRUE(outcome.failed) << "refused only without a record: " << text;
+    }
     // The same tables read the parsed value of strict JSON text: the same records or refusal.
     if (outcome.record.dropReason != DropReason::SyntaxError) {
         try {
@@ -55,91 +64,64 @@ Outcome readLookup(const std::string& text) {
     return outcome;
 }
 
-std::vector<ParseWarning> enumWarnings(std::initializer_list<std::pair<const char*, const char*>> places) {
-    std::vector<ParseWarning> warnings;
-    for (const auto& [pointer, text] : places) {
-        warnings.push_back({WarningKind::UnknownEnumText, pointer, text});
-    }
-    return warnings;
+// A support package keyed by `baseCode` with the given items.
+std::string package(const std::string& baseCode, const std::string& items = "") {
+    return R"({"productName": "Q", "baseCode": ")" + baseCode + R"(", "helpFolder": "q", "helpLocation": "h",
+               "refItems": [)" +
+           items + "]}";
 }
 
 TEST(EventReader, FailureReportedIsTheFirstInTableOrderAndASyntaxErrorWins) {
     const struct Case {
         const char* what;
         std::string text;
-        DropReason reason;
-        const char* message;
-        const char* pointer;
-        std::vector<ParseWarning> warnings;
+        std::string record;
     } cases[] = {
-        {"members in table order, not text order",
-         lookupFile(R"({"href": 5, "refpurpose": "p"})"),
-         DropReason::MissingKey,
-         "missing required member \"name\"",
-         "/refItems/0/name",
-         {}},
+        {"members in table order, not text order", lookupFile(R"({"href": 5, "refpurpose": "p"})"),
+         "missing key at /refItems/0/name: missing required member \"name\""},
         {"earlier element first, whatever comes later in it",
          lookupFile(R"({"name": "a", "href": "h", "refpurpose": 1}, {"href": "h"})"),
-         DropReason::WrongKind,
-         "expected a string, found a number",
-         "/refItems/0/refpurpose",
-         {}},
+         "wrong kind at /refItems/0/refpurpose: expected a string, found a number"},
         {"the header before the items, wherever it stands",
          R"({"refItems": [{"name": 1}], "productName": "P", "baseCode": "B", "helpFolder": [], "helpLocation": "h"})",
-         DropReason::WrongKind,
-         "expected a string, found an array",
-         "/helpFolder",
-         {}},
-        {"an array element of the wrong kind",
-         lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"}, [])"),
-         DropReason::WrongKind,
-         "expected an object, found an array",
-         "/refItems/1",
-         {}},
-        {"the whole document of the wrong kind",
-         R"(["a"])",
-         DropReason::WrongKind,
-         "expected an object, found an array at the top level",
-         "",
-         {}},
+         "wrong kind at /helpFolder: expected a string, found an array"},
+        {"an array element of the wrong kind", lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h"}, [])"),
+         "wrong kind at /refItems/1: expected an object, found an array"},
+        {"the whole document of the wrong kind", R"(["a"])",
+         "wrong kind: expected an object, found an array at the top level"},
         {"keys escaped in pointers",
-         R"({"productName": "P", "baseCode": "B", "helpFolder": "p", "helpLocation": "h", "refItems": [],
-             "supportPackages": [{"productName": "Q", "baseCode": "a/b~c"}]})",
-         DropReason::MissingKey,
-         "missing required member \"helpFolder\"",
-         "/supportPackages/0/helpFolder",
-         {}},
+         lookupFile("", R"(, "supportPackages": [{"productName": "Q", "baseCode": "a/b~c"}])"),
+         "missing key at /supportPackages/0/helpFolder: missing required member \"helpFolder\""},
+        {"a document without entries", std::string("{") + kHeader + "}",
+         "missing key at /refItems: missing required member \"refItems\""},
+        {"a package dropped for its taken key is still checked",
+         lookupFile("", R"(, "supportPackages": [)" + package("p", R"({"name": "y", "refpurpose": "p"})") + "]"),
+         "missing key at /supportPackages/0/refItems/0/href: missing required member \"href\""},
         {"warnings before the failure stay, later ones go",
          lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "type": "odd"}, {"name": "b", "refpurpose": "p"},
                        {"name": "c", "refpurpose": "p", "href": "h", "type": "later"})"),
-         DropReason::MissingKey, "missing required member \"href\"", "/refItems/1/href",
-         enumWarnings({{"/refItems/0/type", "odd"}})},
+         "missing key at /refItems/1/href: missing required member \"href\"; "
+         "unknown enumeration text at /refItems/0/type: odd"},
         {"a failure inside a value that a repeated key replaces does not count",
-         lookupFile(R"({"name": "a"})", R"(, "refItems": [{"name": "b", "refpurpose": "p", "href": "h"}])"),
-         DropReason::None,
-         "",
-         "",
-         {}},
+         lookupFile(R"({"name": "a"})", R"(, "refItems": [{"name": "b", "refpurpose": "p", "href": "h"}])"), "read"},
         {"nor do its warnings; warnings come in table order",
          lookupFile(R"({"name": "a", "refpurpose": "p", "href": "h", "fcntype": "f1", "type": "t1", "type": "class"},
                        {"name": "b", "refpurpose": "p", "href": "h", "fcntype": "f2", "type": "t2"})"),
-         DropReason::None, "", "",
-         enumWarnings({{"/refItems/0/fcntype", "f1"}, {"/refItems/1/type", "t2"}, {"/refItems/1/fcntype", "f2"}})},
-        {"a syntax error after a failure",
-         lookupFile(R"({"name": "a"},)"),
-         DropReason::SyntaxError,
-         "syntax error",
-         "",
-         {}},
+         "read; unknown enumeration text at /refItems/0/fcntype: f1; unknown enumeration text at /refItems/1/type: t2; "
+         "unknown enumeration text at /refItems/1/fcntype: f2"},
+        {"a package whose key the main document or an earlier package holds is dropped with a warning",
+         lookupFile("", R"(, "supportPackages": [)" +
+                            package("sp", R"({"name": "b", "refpurpose": "p", "href": "h", "fcntype": "Ordinary"})") +
+                            "," + package("p") + "," + package("sp") + "]"),
+         "read; unknown enumeration text at /supportPackages/0/refItems/0/fcntype: Ordinary; "
+         "document key taken at /supportPackages/1: p; document key taken at /supportPackages/2: sp"},
+        {"a syntax error after a failure", lookupFile(R"({"name": "a"},)"), "syntax error at 1:106: syntax error"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const Outcome outcome = readLookup(c.text);
-        EXPECT_EQ(outcome.failed, c.reason != DropReason::None);
-        EXPECT_EQ(outcome.record.dropReason, c.reason);
-        EXPECT_EQ(outcome.record.message, c.message);
-        EXPECT_EQ(outcome.record.jsonPath, c.pointer);
-        EXPECT_EQ(outcome.record.warnings, c.warnings);
+        EXPECT_EQ(outcome.failed, outcome.record.dropped());
+        EXPECT_EQ(recordText(outcome.record), c.record);
     }
 }
 
@@ -172,46 +154,58 @@ TEST(EventReader, TheLastOfARepeatedKeyCountsWholly) {
 }
 
 // What a page's records depend on may come after them in the text or change with a repeated
-// key: the href in every anchor, the block entity in member names, the href in whether a
-// replacing file holds the page.
+// key: the href in every anchor, the block entity in member names (input and class property
+// names are UTF-8 only on pages documenting a block; output and parameter names always are),
+// the href in whether a replacing file holds the page.
 TEST(EventReader, PageRecordsFollowTheFinalHrefAndEntitiesWhereverTheyStand) {
     const auto page = [](const std::string& item) {
         return std::string("{") + kHeader + R"(, "refItems": [)" + item + "]}";
     };
-    const std::string input =
-        R"("inputgroup": [{"title": "T", "inputs": [{"htmlid": "in", "name": "n\u00e9", "purpose": "p"}]}],
-                                  "classpropertygroup": [{"classproperty": [{"name": "c\u00e9", "purpose": "p"}]}],
-                                  "outputs": [{"htmlid": "out", "name": "o", "purpose": "p"}])";
-    const std::string block = R"("refentity": [{"type": "block", "name": "b"}])";
-    const std::string function = R"("refentity": [{"type": "function", "name": "f"}])";
+    const std::string members =
+        R"("inputgroup": [{"title": "T", "inputs": [{"htmlid": "in", "name": "\u00e9", "purpose": "p"}]},
+                          {"namevaluepairs": [{"title": "NV", "inputs": [{"name": "\u00e9", "purpose": "p"}]}]}],
+           "classpropertygroup": [{"classproperty": [{"name": "\u00e9", "purpose": "p"}]}],
+           "outputs": [{"htmlid": "out", "name": "\u00e9", "purpose": "p"}],
+           "parameters": [{"name": "\u00e9", "purpose": "p"}])";
+    const auto entities = [](const std::string& types) { return R"("refentity": [)" + types + "]"; };
+    const std::string block = R"({"type": "block", "name": "b"})";
+    const std::string function = R"({"type": "function", "name": "f"})";
+    const std::string a = R"("href": "a.html", "refpurpose": "p")";
     const struct Case {
         const char* what;
         std::string item;
-        std::u16string href;
         bool utf8Names;
     } cases[] = {
-        {"href and entities first", R"({"href": "a.html", "refpurpose": "p", )" + block + ", " + input + "}", u"a.html",
-         true},
-        {"href and entities last", "{" + input + R"(, "refpurpose": "p", )" + block + R"(, "href": "a.html"})",
-         u"a.html", true},
+        {"no entities", "{" + a + ", " + members + "}", false},
+        {"a function", "{" + a + ", " + entities(function) + ", " + members + "}", false},
+        {"an unknown type text", "{" + a + ", " + entities(R"({"type": "Block", "name": "f"})") + ", " + members + "}",
+         false},
+        {"href and block first", "{" + a + ", " + entities(block) + ", " + members + "}", true},
+        {"block after a function, href and entities last",
+         "{" + members + ", " + entities(function + ", " + block) + ", " + a + "}", true},
+        {"block before a function", "{" + members + ", " + entities(block + ", " + function) + ", " + a + "}", true},
         {"repeated href and entities",
-         R"({"href": "x.html", "refpurpose": "p", )" + block + ", " + input + ", " + function +
+         R"({"href": "x.html", "refpurpose": "p", )" + entities(block) + ", " + members + ", " + entities(function) +
              R"(, "href": "a.html"})",
-         u"a.html", false},
+         false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const std::string text = page(c.item);
         const auto pages = parseRefItemFile(text, nullptr, nullptr);
         EXPECT_EQ(parseRefItemFile(parseJson(text)), pages);
-        const RefItem& item = pages.at(u"p").getItems().at(c.href).at(0);
-        const std::u16string inputName = c.utf8Names ? u"n\u00e9" : u"n\u00c3\u00a9";
-        const std::u16string propertyName = c.utf8Names ? u"c\u00e9" : u"c\u00c3\u00a9";
-        EXPECT_EQ(item.getInputGroups().at(0).getInputs().at(0).getInfo().getName(), inputName);
-        EXPECT_EQ(item.getInputGroups().at(0).getInputs().at(0).getInfo().getAnchor(), c.href + u"#in");
-        EXPECT_EQ(item.getClassPropertyGroups().at(0).getProperties().at(0).getInfo().getAnchor(),
-                  c.href + u"#prop_" + propertyName);
-        EXPECT_EQ(item.getOutputs().at(0).getInfo().getAnchor(), c.href + u"#out");
+        const RefItem& item = pages.at(u"p").getItems().at(u"a.html").at(0);
+        const std::u16string name = c.utf8Names ? u"\u00e9" : u"\u00c3\u00a9";
+        const auto& inputs = item.getInputGroups();
+        EXPECT_EQ(inputs.at(0).getInputs().at(0).getInfo().getName(), name);
+        EXPECT_EQ(inputs.at(0).getInputs().at(0).getInfo().getAnchor(), u"a.html#in");
+        EXPECT_EQ(inputs.at(1).getInputs().at(0).getInfo().getName(), name);
+        const auto& property = item.getClassPropertyGroups().at(0).getProperties().at(0).getInfo();
+        EXPECT_EQ(property.getName(), name);
+        EXPECT_EQ(property.getAnchor(), u"a.html#prop_" + name);
+        EXPECT_EQ(item.getOutputs().at(0).getInfo().getName(), u"\u00e9");
+        EXPECT_EQ(item.getOutputs().at(0).getInfo().getAnchor(), u"a.html#out");
+        EXPECT_EQ(item.getParameters().at(0).getInfo().getName(), u"\u00e9");
     }
 
     // A page that the replacing file holds is only checked, decided by its last href.

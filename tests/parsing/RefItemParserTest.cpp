@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -91,60 +90,15 @@ TEST(RefItemParser, ReadsEverySectionOfAFullPage) {
     EXPECT_TRUE(onlyItem(resource).engineValues().allEmpty());
 }
 
-// Input and class property names are UTF-8 only on pages documenting a block; output and
-// parameter names always are.
-TEST(RefItemParser, BlockPagesDecodeMemberNamesAsUtf8) {
-    const std::u16string decoded = u"Gr\u00F6\u00DFe";
-    const std::u16string widenedBytes = u"Gr\u00C3\u00B6\u00C3\u009Fe";
-    struct Case {
-        const char* entities;
-        bool utf8;
-    };
-    const Case cases[] = {
-        {nullptr, false},
-        {R"([])", false},
-        {R"([{"type": "function", "name": "f"}])", false},
-        {R"([{"type": "Block", "name": "f"}])", false}, // unknown text: default type
-        {R"([{"type": "block", "name": "b"}])", true},
-        {R"([{"type": "function", "name": "f"}, {"type": "block", "name": "b"}])", true},
-        {R"([{"type": "block", "name": "b"}, {"type": "function", "name": "f"}])", true},
-    };
-    const auto members = parseJson(R"({
-        "inputgroup": [{"title": "T", "inputs": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]},
-                       {"namevaluepairs": [{"title": "NV", "inputs": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]}]}],
-        "classpropertygroup": [{"classproperty": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]}],
-        "outputs": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}],
-        "parameters": [{"name": "Gr\u00f6\u00dfe", "purpose": "p"}]
-    })")
-                             .as_object();
-
-    for (const auto& c : cases) {
-        auto item = members;
-        item["href"] = "ref/b.html";
-        item["refpurpose"] = "p";
-        if (c.entities != nullptr) {
-            item["refentity"] = parseJson(c.entities);
-        }
-        const auto resource = parseRefItemDocument(documentWith({item}));
-        const RefItem& page = onlyItem(resource);
-        const std::u16string& memberName = c.utf8 ? decoded : widenedBytes;
-        const auto label = c.entities != nullptr ? c.entities : "no refentity";
-
-        EXPECT_EQ(page.getInputGroups().at(0).getInputs().at(0).getInfo().getName(), memberName) << label;
-        EXPECT_EQ(page.getInputGroups().at(1).getInputs().at(0).getInfo().getName(), memberName) << label;
-        const auto& property = page.getClassPropertyGroups().at(0).getProperties().at(0).getInfo();
-        EXPECT_EQ(property.getName(), memberName) << label;
-        EXPECT_EQ(property.getAnchor(), u"ref/b.html#prop_" + memberName) << label;
-        EXPECT_EQ(page.getOutputs().at(0).getInfo().getName(), decoded) << label;
-        EXPECT_EQ(page.getParameters().at(0).getInfo().getName(), decoded) << label;
-    }
-}
-
-TEST(RefItemParser, NameValuePairGroupsExpandInPlace) {
+// Name-value pair groups expand in place (their holder's own title and inputs are not read);
+// absent or unknown optional members take their defaults.
+TEST(RefItemParser, NameValuePairGroupsExpandInPlaceAndOptionalMembersTakeTheirDefaults) {
     const auto item = parseJson(R"({
-        "href": "ref/f.html", "refpurpose": "p",
+        "href": "ref/f.html", "refpurpose": "p", "deprecationstatus": "someday",
+        "refentity": [{"type": "gadget", "fcntype": "odd", "name": "f"}],
+        "syntaxgroup": [{"title": "no type", "syntax": []}, {"syntaxtype": "gadget", "title": "odd", "syntax": []}],
         "inputgroup": [
-            {"title": "A", "inputs": [{"name": "a", "purpose": "p"}]},
+            {"title": "A", "inputs": [{"name": "a", "purpose": "p", "syntaxtype": "gadget"}]},
             {"title": "ignored", "inputs": [{"name": "ignored", "purpose": "p"}],
              "namevaluepairs": [{"title": "P1", "inputs": [{"name": "p1", "purpose": "p"}]},
                                 {"title": "P2", "inputs": [{"name": "p2a", "purpose": "p"},
@@ -152,7 +106,9 @@ TEST(RefItemParser, NameValuePairGroupsExpandInPlace) {
             {"namevaluepairs": [{"title": "P3"}]},
             {"namevaluepairs": []},
             {"title": "B", "inputs": []}
-        ]
+        ],
+        "classpropertygroup": [{"classproperty": []}],
+        "examples": [{"url": "ex/a.html", "title": "A"}]
     })")
                           .as_object();
     const auto resource = parseRefItemDocument(documentWith({item}));
@@ -170,42 +126,17 @@ TEST(RefItemParser, NameValuePairGroupsExpandInPlace) {
     EXPECT_EQ(titles, (std::vector<std::u16string>{u"A", u"P1", u"P2", u"P3", u"B"}));
     EXPECT_EQ(names, (std::vector<std::u16string>{u"a", u"p1", u"p2a", u"p2b"}));
     EXPECT_EQ(pairFlags, (std::vector<bool>{false, true, true, true}));
-}
 
-TEST(RefItemParser, OptionalMembersTakeTheirDefaults) {
-    const auto item = parseJson(R"({
-        "href": "ref/f.html", "refpurpose": "p",
-        "refentity": [{"type": "gadget", "fcntype": "odd", "name": "f"}],
-        "deprecationstatus": "someday",
-        "syntaxgroup": [{"title": "no type", "syntax": []}, {"syntaxtype": "gadget", "title": "odd", "syntax": []}],
-        "inputgroup": [{"title": "T", "inputs": [{"name": "x", "purpose": "p", "syntaxtype": "gadget"}]}],
-        "classpropertygroup": [{"classproperty": []}],
-        "examples": [{"url": "ex/a.html", "title": "A"}]
-    })")
-                          .as_object();
-    const auto resource = parseRefItemDocument(documentWith({item}));
-    const RefItem& page = onlyItem(resource);
     EXPECT_EQ(page.getEntities().at(0),
               RefEntity(RefEntityType::getDefaultValue(), u"f", FunctionType::getDefaultValue()));
     EXPECT_EQ(page.getDeprecationStatus(), DeprecationStatus::getDefaultValue());
     EXPECT_EQ(page.getSyntaxGroups().at(0).getSyntaxType(), SyntaxType::getDefaultValue());
     EXPECT_EQ(page.getSyntaxGroups().at(1).getSyntaxType(), SyntaxType::getDefaultValue());
-    const auto& input = page.getInputGroups().at(0).getInputs().at(0);
-    EXPECT_EQ(input.getSyntaxType(), SyntaxType::getDefaultValue());
-    EXPECT_EQ(input.getDefaultValue(), u"");
-    EXPECT_EQ(input.getInfo().getAnchor(), u"ref/f.html#") << "no html id: the href and a bare '#'";
-    EXPECT_TRUE(input.getInfo().getValues().empty());
+    EXPECT_EQ(page.getInputGroups().at(0).getInputs().at(0),
+              Input(ObjectInfo(u"a", u"p", {}, u"ref/f.html#"), SyntaxType::getDefaultValue(), u"", false))
+        << "no html id: the href and a bare '#'";
     EXPECT_EQ(page.getClassPropertyGroups().at(0).getTitle(), u"");
     EXPECT_EQ(page.getExamples().at(0).getOpenCommand(), u"");
-}
-
-TEST(RefItemParser, SyntaxLinesAreWidenedAndTitlesDecoded) {
-    const auto item = parseJson(R"({"syntaxgroup": [{"title": "\u00e9", "syntax": ["a = \u00e9", ""]}]})").as_object();
-    const auto groups = parseSyntaxGroups(item);
-    ASSERT_EQ(groups.size(), 1u);
-    EXPECT_EQ(groups[0].getTitle(), u"\u00E9");
-    EXPECT_EQ(groups[0].getSyntaxLines(), (std::vector<std::u16string>{u"a = \u00C3\u00A9", u""}));
-    EXPECT_TRUE(parseSyntaxGroups(boost::json::object{}).empty());
 }
 
 // The parts of a page read on their own go through the page's own tables.
@@ -231,6 +162,13 @@ TEST(RefItemParser, PartsOfAPageReadOnTheirOwn) {
     EXPECT_THROW(parseInputGroup(parseJson(R"({"inputs": []})").as_object(), u"h", Parsing::Ascii, false),
                  DocParserException)
         << "the title is required even without inputs";
+
+    // Syntax lines are widened byte by byte, titles decoded.
+    const auto groups = parseSyntaxGroups(
+        parseJson(R"({"syntaxgroup": [{"title": "\u00e9", "syntax": ["a = \u00e9", ""]}]})").as_object());
+    EXPECT_EQ(groups, (std::vector<SyntaxGroup>{
+                          SyntaxGroup(u"\u00E9", SyntaxType::getDefaultValue(), {u"a = \u00C3\u00A9", u""})}));
+    EXPECT_TRUE(parseSyntaxGroups(boost::json::object{}).empty());
 }
 
 } // namespace

@@ -117,23 +117,16 @@ TEST(Serve, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
     EXPECT_TRUE(contains(product->body, "href=\"/ref/evil/good.html?lang=en\">good</a>"));
 }
 
-TEST(Serve, EveryRequestReadsTheFilesAfresh) {
+// Files that break or go away between requests (ParallelRequestsInTwoLanguagesDuringEdits shows
+// edits being read afresh): the answers say so, and the server keeps serving.
+TEST(Serve, FilesBrokenOrGoneBetweenRequestsAreReported) {
     const TempDir root;
-    root.write(
-        "docCatalog/referenceapi_lookup/p.json",
-        resourceFile("Product", "p", R"({"name": "f", "type": "function", "refpurpose": "a", "href": "p/f.html"})"));
     root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "first text")));
     ServerProcess server({"--root", root.path().string()});
     auto client = server.client();
-
     const auto before = client.Get("/ref/p/f.html");
     ASSERT_TRUE(before);
     EXPECT_TRUE(contains(before->body, "first text"));
-
-    root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "second text")));
-    const auto after = client.Get("/ref/p/f.html");
-    ASSERT_TRUE(after);
-    EXPECT_TRUE(contains(after->body, "second text"));
 
     // A broken file: the page is gone, and the problems view says why.
     root.write("docCatalog/referenceapi/p.json", R"({"productName": "P", "refItems": [)");

@@ -2,8 +2,6 @@
 
 #include "support/JsonFixtures.hpp"
 
-#include "ZipWriter.hpp"
-
 #include <boost/json/array.hpp>
 
 namespace refdoc::test {
@@ -55,23 +53,6 @@ std::string fileText(boost::json::object main, const std::vector<boost::json::ob
         main["supportPackages"] = boost::json::array(supportPackages.begin(), supportPackages.end());
     }
     return toText(main);
-}
-
-void writeSettingsProbeRoot(const TempDir& root, const std::string& tag) {
-    const std::filesystem::path lookup = "docCatalog/referenceapi_lookup";
-    const std::filesystem::path pages = "docCatalog/referenceapi";
-    root.write(lookup / "one.json",
-               fileText(lookupDocument({"One " + tag, "ONE", "one"}, {{"f", "f " + tag}, {"g", "g " + tag}}),
-                        {lookupDocument({"Test package", "sp_test", "spt"}, {{"s", "s " + tag}}),
-                         lookupDocument({"Installed package", "sp_installed", "spi"}, {{"t", "t " + tag}})}));
-    root.write(lookup / "one_ja.json", fileText(lookupDocument({"ワン " + tag, "ONE", "one"}, {{"f", "エフ"}})));
-    ZipWriter()
-        .add("two.json", fileText(lookupDocument({"Two " + tag, "TWO", "two"}, {{"h", "h " + tag}})))
-        .add("two_ja.json", fileText(lookupDocument({"ツー", "TWO", "two"}, {{"h", "エイチ"}})))
-        .write(root.path() / lookup / "two.zip");
-    root.write(pages / "one.json", fileText(pageDocument({"One " + tag, "ONE", "one"},
-                                                         {{"one/p.html", "p " + tag}, {"one/r.html", "r " + tag}})));
-    root.write(pages / "one_ja.json", fileText(pageDocument({"ワン", "ONE", "one"}, {{"one/p.html", "ピー " + tag}})));
 }
 
 } // namespace refdoc::test

@@ -58,10 +58,4 @@ LookupSummary summarize(const ResourceMap& resources) {
     return out;
 }
 
-// A documentation root for the concurrency tests, in which every setting shows in the results:
-// the root's `tag` in the texts, the installed product ("one" or "two") and support packages
-// ("sp_test", "sp_installed") in what is installed, the language in the Japanese variants (loose
-// and packed), and root and language in the pages of product "one".
-void writeSettingsProbeRoot(const TempDir& root, const std::string& tag);
-
 } // namespace refdoc::test

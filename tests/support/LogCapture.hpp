@@ -1,8 +1,8 @@
 #pragma once
 
+#include <boost/smart_ptr/shared_ptr.hpp>
+
 #include <cstdint>
-#include <memory>
-#include <mutex>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -33,14 +33,9 @@ public:
     std::vector<std::string> messages() const;
     void clear();
 
-    struct State {
-        std::mutex mutex;
-        std::vector<CapturedRecord> records;
-    };
-
 private:
-    std::shared_ptr<State> state_ = std::make_shared<State>();
-    std::shared_ptr<void> sink_; // removes the sink from the logging core when reset
+    struct Sink;
+    boost::shared_ptr<Sink> sink_; // registered with the logging core while the capture lives
     std::uint32_t previousMask_;
 };
 

@@ -40,47 +40,22 @@ ZipEntryLayout locate(const std::string& bytes, const std::string& entryName) {
     throw std::runtime_error("no entry named " + entryName);
 }
 
-// `centralOffset` and `localOffset`: where the field sits in the two headers.
-void patchField(const std::filesystem::path& package, const std::string& entryName, std::uint64_t centralOffset,
-                std::uint64_t localOffset, std::uint32_t value) {
-    std::string bytes = readBytes(package);
-    const ZipEntryLayout layout = locate(bytes, entryName);
-    for (int i = 0; i < 4; ++i) {
-        const auto byte = static_cast<char>((value >> (8 * i)) & 0xFFu);
-        bytes[layout.centralHeaderOffset + centralOffset + static_cast<std::uint64_t>(i)] = byte;
-        bytes[layout.localHeaderOffset + localOffset + static_cast<std::uint64_t>(i)] = byte;
-    }
-    writeBytes(package, bytes);
-}
-
 } // namespace
 
 ZipEntryLayout locateZipEntry(const std::filesystem::path& package, const std::string& entryName) {
     return locate(readBytes(package), entryName);
 }
 
-void patchZipEntryCrc(const std::filesystem::path& package, const std::string& entryName, std::uint32_t crc) {
-    patchField(package, entryName, 16, 14, crc);
-}
-
-void patchZipEntryUncompressedSize(const std::filesystem::path& package, const std::string& entryName,
-                                   std::uint32_t size) {
-    patchField(package, entryName, 24, 22, size);
-}
-
-void patchZipEntryCompressedSize(const std::filesystem::path& package, const std::string& entryName,
-                                 std::uint32_t size) {
-    patchField(package, entryName, 20, 18, size);
-}
-
-void corruptZipEntryData(const std::filesystem::path& package, const std::string& entryName, std::uint64_t offset,
-                         std::uint64_t count) {
+void patchZipEntry(const std::filesystem::path& package, const std::string& entryName, ZipField field,
+                   std::uint32_t value) {
     std::string bytes = readBytes(package);
     const ZipEntryLayout layout = locate(bytes, entryName);
-    if (offset + count > layout.compressedSize) {
-        throw std::runtime_error("corruption range outside the entry's data");
+    // The fields sit 16, 20 and 24 bytes into a central directory header, 2 bytes earlier in a local one.
+    const auto central = layout.centralHeaderOffset + 16 + 4 * static_cast<std::uint64_t>(field);
+    const auto local = layout.localHeaderOffset + 14 + 4 * static_cast<std::uint64_t>(field);
+    for (std::uint64_t i = 0; i < 4; ++i) {
+        bytes[central + i] = bytes[local + i] = static_cast<char>((value >> (8 * i)) & 0xFFu);
     }
-    bytes.replace(layout.dataOffset + offset, count, count, '\xFF');
     writeBytes(package, bytes);
 }
 

@@ -19,16 +19,15 @@ struct ZipEntryLayout {
 
 ZipEntryLayout locateZipEntry(const std::filesystem::path& package, const std::string& entryName);
 
-// Each writes the field in the central directory and in the local header alike, so that only the
-// entry's data disagrees with the package.
-void patchZipEntryCrc(const std::filesystem::path& package, const std::string& entryName, std::uint32_t crc);
-void patchZipEntryUncompressedSize(const std::filesystem::path& package, const std::string& entryName,
-                                   std::uint32_t size);
-void patchZipEntryCompressedSize(const std::filesystem::path& package, const std::string& entryName,
-                                 std::uint32_t size);
+// The header fields a test may forge, in their order in the headers.
+enum class ZipField { Crc, CompressedSize, UncompressedSize };
 
-// Overwrites `count` bytes of the entry's stored data, from `offset` on, with 0xFF.
-void corruptZipEntryData(const std::filesystem::path& package, const std::string& entryName, std::uint64_t offset,
-                         std::uint64_t count);
+// Writes the field in the central directory and in the local header alike, so that only the
+// entry's data disagrees with the package.
+void patchZipEntry(const std::filesystem::path& package, const std::string& entryName, ZipField field,
+                   std::uint32_t value);
+inline void patchZipEntryCrc(const std::filesystem::path& package, const std::string& entryName, std::uint32_t crc) {
+    patchZipEntry(package, entryName, ZipField::Crc, crc);
+}
 
 } // namespace refdoc::test

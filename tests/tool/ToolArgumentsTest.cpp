@@ -1,5 +1,5 @@
-// The tool's command line: help, and a clear message with exit status 2 for every command line
-// it cannot act on, never a crash.
+// The tool's command line: help, a clear message with exit status 2 for every command line it
+// cannot act on, never a crash, and status 1 when there is nothing to show.
 
 #include "support/TempDir.hpp"
 #include "tool/ToolRunner.hpp"
@@ -10,7 +10,7 @@ namespace {
 
 using namespace refdoc::test;
 
-TEST(ToolArguments, UsageErrorsExitWithStatusTwoAndAMessage) {
+TEST(ToolArguments, UsageErrorsAndNothingFoundExitWithTheirStatusAndAMessage) {
     const TempDir notARoot;
     const TempDir root;
     root.write("docCatalog/referenceapi_lookup/a.json", "{}");
@@ -25,6 +25,7 @@ TEST(ToolArguments, UsageErrorsExitWithStatusTwoAndAMessage) {
     const struct Case {
         std::vector<std::string> args;
         std::string message;
+        int status = 2;
     } cases[] = {
         {{"lookup", "--bogus"}, "refdoc: unknown option --bogus for 'lookup'\nTry 'refdoc lookup --help'.\n"},
         {{"lookup", "--root"}, "refdoc: option --root needs a value\n"},
@@ -48,11 +49,15 @@ TEST(ToolArguments, UsageErrorsExitWithStatusTwoAndAMessage) {
         {{"lookup", "--root", badHostFile.path().string()},
          "refdoc: " + (badHostFile.path() / "refdoc-host.json").string() + ": unknown setting \"installed\"\n"},
         {{"lookup", "--root", hostFileNotJson.path().string()}, "refdoc-host.json: not a JSON object"},
+        // Nothing to show in the bundled sample root; after "--" an option is search text.
+        {{"page", "nosuchproduct"}, "no reference pages for 'nosuchproduct'", 1},
+        {{"find", "zzz"}, "no lookup entry matches zzz", 1},
+        {{"find", "--", "--json"}, "no lookup entry matches --json", 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.args));
         const ToolRun result = runTool(c.args);
-        EXPECT_EQ(result.status, 2) << ::testing::PrintToString(result);
+        EXPECT_EQ(result.status, c.status) << ::testing::PrintToString(result);
         EXPECT_TRUE(result.out.empty()) << result.out;
         EXPECT_TRUE(contains(result.err, c.message)) << result.err;
     }

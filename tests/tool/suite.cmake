@@ -1,4 +1,4 @@
-# The tool suite runs the built refdoc executable; it also reads the committed sample root.
+# The tool suite runs the built refdoc executable.
 if(TARGET refdoc)
   add_dependencies(${REFDOC_SUITE_TARGET} refdoc)
   target_compile_definitions(${REFDOC_SUITE_TARGET} PRIVATE REFDOC_TOOL_PATH="$<TARGET_FILE:refdoc>")
@@ -6,6 +6,5 @@ else()
   # Built without the tool (REFDOC_BUILD_TOOLS=OFF): the suite reports itself skipped.
   target_compile_definitions(${REFDOC_SUITE_TARGET} PRIVATE REFDOC_TOOL_PATH="")
 endif()
-target_compile_definitions(${REFDOC_SUITE_TARGET} PRIVATE REFDOC_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples")
 # The tool is started through Boost.Process, on std::filesystem rather than Boost.Filesystem.
 target_compile_definitions(${REFDOC_SUITE_TARGET} PRIVATE BOOST_PROCESS_USE_STD_FS)

@@ -141,9 +141,7 @@ public:
         return true;
     }
     bool on_key_part(boost::json::string_view part, std::size_t, boost::json::error_code&) {
-        if (skipDepth_ == 0) {
-            pieces_.append(part.data(), part.size());
-        }
+        piece(part);
         return true;
     }
     [[gnu::always_inline]] bool on_key(boost::json::string_view part, std::size_t, boost::json::error_code&) {
@@ -151,9 +149,7 @@ public:
         return true;
     }
     bool on_string_part(boost::json::string_view part, std::size_t, boost::json::error_code&) {
-        if (skipDepth_ == 0) {
-            pieces_.append(part.data(), part.size());
-        }
+        piece(part);
         return true;
     }
     [[gnu::always_inline]] bool on_string(boost::json::string_view part, std::size_t, boost::json::error_code&) {
@@ -674,6 +670,13 @@ private:
                 ParseWarning{warning.kind, std::move(warning.pointer), std::move(warning.text)});
         }
         warnings_.clear();
+    }
+
+    // A piece of a string or key that the parser delivers before its last.
+    void piece(boost::json::string_view part) {
+        if (skipDepth_ == 0) {
+            pieces_.append(part.data(), part.size());
+        }
     }
 
     // A string or key the parser delivered in pieces (escapes, or more than its buffer) is
