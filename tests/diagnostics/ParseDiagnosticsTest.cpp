@@ -23,7 +23,6 @@ namespace {
 
 using reference::docparser::DiagnosticSource;
 using reference::docparser::DocResourceParser;
-using reference::docparser::DropReason;
 using reference::docparser::FileDiagnostic;
 using reference::docparser::ParseDiagnosticsScope;
 using reference::docparser::text::utf16ToUtf8;
@@ -99,31 +98,25 @@ protected:
 // Each way a lookup file can be dropped, one file each, all in the same folder: every file
 // gets its own reason, and one broken file does not disturb the record of the next.
 TEST_F(ParseDiagnostics, EachDroppedLookupFileCarriesItsExactReason) {
-    struct Case {
+    const std::string good = lookupText("good");
+    const auto at = [](std::size_t column) { return "syntax error at 1:" + std::to_string(column) + ": "; };
+    const struct Case {
         const char* file;
         std::string text;
-        DropReason reason;
-        std::string message;
-        std::string jsonPath;
-        std::uint64_t line = 0;
-        std::uint64_t column = 0;
-    };
-    const std::string good = lookupText("good");
-    const Case cases[] = {
-        {"trailing.json", "{\n  \"productName\": \"T\",\n  \"refItems\": [1,],\n}", DropReason::SyntaxError,
-         "syntax error", "", 3, 18},
+        std::string record;
+    } cases[] = {
+        {"trailing.json", "{\n  \"productName\": \"T\",\n  \"refItems\": [1,],\n}",
+         "syntax error at 3:18: syntax error"},
         // Columns count characters: the two Japanese characters before the error are two columns.
-        {"wide.json", "{\"productName\": \"日本\" \"baseCode\": 1}", DropReason::SyntaxError, "syntax error", "", 1,
-         22},
-        {"cut.json", good.substr(0, good.size() - 3), DropReason::SyntaxError, "incomplete JSON", "", 1,
-         good.size() - 2},
-        {"extra.json", good + " {}", DropReason::SyntaxError, "extra data", "", 1, good.size() + 2},
-        {"deep.json", std::string(33, '[') + std::string(33, ']'), DropReason::SyntaxError, "too deep", "", 1, 33},
-        {"badutf8.json", "{\"productName\": \"\xC3\x28\"}", DropReason::SyntaxError, "syntax error", "", 1, 18},
-        {"empty.json", "", DropReason::NoData, "the file is empty", ""},
+        {"wide.json", "{\"productName\": \"日本\" \"baseCode\": 1}", at(22) + "syntax error"},
+        {"cut.json", good.substr(0, good.size() - 3), at(good.size() - 2) + "incomplete JSON"},
+        {"extra.json", good + " {}", at(good.size() + 2) + "extra data"},
+        {"deep.json", std::string(33, '[') + std::string(33, ']'), at(33) + "too deep"},
+        {"badutf8.json", "{\"productName\": \"\xC3\x28\"}", at(18) + "syntax error"},
+        {"empty.json", "", "no data: the file is empty"},
         // The pointer reaches into the second support package and past index 9.
-        {"missinghref.json", deepMissingHref(), DropReason::MissingKey, "missing required member \"href\"",
-         "/supportPackages/1/refItems/11/href"},
+        {"missinghref.json", deepMissingHref(),
+         "missing key at /supportPackages/1/refItems/11/href: missing required member \"href\""},
     };
     for (const auto& c : cases) {
         writeLookup(c.file, c.text);
@@ -138,19 +131,14 @@ TEST_F(ParseDiagnostics, EachDroppedLookupFileCarriesItsExactReason) {
         ASSERT_NE(record, nullptr);
         EXPECT_EQ(record->source, DiagnosticSource::File);
         EXPECT_EQ(record->path, lookupPath(c.file).u16string());
-        EXPECT_EQ(record->dropReason, c.reason);
-        EXPECT_EQ(record->message, c.message);
-        EXPECT_EQ(record->jsonPath, c.jsonPath);
-        EXPECT_EQ(record->line, c.line);
-        EXPECT_EQ(record->column, c.column);
+        EXPECT_EQ(recordText(*record), c.record);
         EXPECT_TRUE(record->documentKeys.empty());
     }
     // The offset is where the parser stopped: the "]" after the trailing comma.
     EXPECT_EQ(findRecord(files, "trailing.json")->offset, 41u);
     const FileDiagnostic* kept = findRecord(files, "good.json");
     ASSERT_NE(kept, nullptr);
-    EXPECT_FALSE(kept->dropped());
-    EXPECT_TRUE(kept->message.empty());
+    EXPECT_EQ(recordText(*kept), "read");
     EXPECT_EQ(kept->documentKeys, std::vector<std::u16string>{u"good"});
 }
 
@@ -213,17 +201,16 @@ TEST_F(ParseDiagnostics, PageFilesRecordMissingTranslationsAndBrokenFiles) {
     }
     // The translation is parsed before the English file, so that English pages it replaces are
     // only checked: the records come in that order.
-    EXPECT_EQ(files[0].productName, u"prod_ja");
-    EXPECT_EQ(files[0].dropReason, DropReason::Missing);
-    EXPECT_FALSE(files[1].dropped());
-    EXPECT_EQ(files[1].productName, u"prod");
+    std::vector<std::string> records;
+    for (const auto& file : files) {
+        records.push_back(utf16ToUtf8(file.productName) + " " + recordText(file));
+    }
+    EXPECT_EQ(records,
+              (std::vector<std::string>{
+                  "prod_ja missing: no such file", "prod read",
+                  "broken_ja wrong kind at /refItems/0/syntaxgroup/0/syntax/1: expected a string, found a number",
+                  "broken missing: no such file"}));
     EXPECT_EQ(files[1].documentKeys, std::vector<std::u16string>{u"prod"});
-    EXPECT_EQ(files[2].productName, u"broken_ja");
-    EXPECT_EQ(files[2].dropReason, DropReason::WrongKind);
-    EXPECT_EQ(files[2].jsonPath, "/refItems/0/syntaxgroup/0/syntax/1");
-    EXPECT_EQ(files[2].message, "expected a string, found a number");
-    EXPECT_EQ(files[3].productName, u"broken");
-    EXPECT_EQ(files[3].dropReason, DropReason::Missing);
 }
 
 TEST_F(ParseDiagnostics, AScopeSeesOnlyItsOwnThreadAndNestedScopesTakeOver) {
