@@ -63,9 +63,10 @@ TEST_F(Settings, SupportedLocalesBecomeSuffixesWithoutEnglish) {
     }
 }
 
-// Explicit settings hold until the defaults are restored: the documentation root service's root,
-// the catalogue's products and the installation's support packages. Every setting makes a new
-// object, and one handed out keeps its contents whatever changes later.
+// Explicit settings hold until the defaults are restored: the documentation root service's root
+// (taken on first use and kept), the catalogue's products and the installation's support
+// packages. Every setting makes a new object, and one handed out keeps its contents whatever
+// changes later.
 TEST_F(Settings, RestoringTheDefaultsDropsEveryExplicitSetting) {
     refdoc::test::TempDir packages;
     std::filesystem::create_directory(packages.path() / "installedPackage");
@@ -74,6 +75,8 @@ TEST_F(Settings, RestoringTheDefaultsDropsEveryExplicitSetting) {
     catalogue()->setInstalledTopLevelDocProducts({catalogued("catalogued")});
     DocResourceParser::restoreDefaultSettings();
     EXPECT_EQ(DocResourceParser::getReferenceRoots()->lookupFolder, u"/srv/docs/docCatalog/referenceapi_lookup");
+    doc_products_shared::Docroot::getInstance().setDocDataRoot(u"/later");
+    EXPECT_EQ(DocResourceParser::getReferenceRoots()->docRoot, u"/srv/docs") << "the host's root is kept once taken";
 
     DocResourceParser::setReferenceRoot(u"/old");
     DocResourceParser::setTestProducts({u"first"}, {u"firstPackage"});
