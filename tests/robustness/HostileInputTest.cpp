@@ -169,11 +169,10 @@ Make entriesSharingTheirData(int count) {
             central += header;
             central.replace(central.size() - header.size() + 47, 2, std::to_string(100 + i).substr(1));
         }
-        for (const auto& [offset, value] : {std::pair{8, count}, {10, count}, {12, static_cast<int>(central.size())}}) {
-            for (int i = 0; i < (offset == 12 ? 4 : 2); ++i) {
-                end[static_cast<std::size_t>(offset + i)] = static_cast<char>((value >> (8 * i)) & 0xFF);
-            }
-        }
+        // The end record's entry counts (on this disk and in all) and the directory's size.
+        putLittleEndian(end, 8, static_cast<std::uint32_t>(count), 2);
+        putLittleEndian(end, 10, static_cast<std::uint32_t>(count), 2);
+        putLittleEndian(end, 12, static_cast<std::uint32_t>(central.size()), 4);
         writeBytes(package, bytes.substr(0, at) + central + end);
     };
 }

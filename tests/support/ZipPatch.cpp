@@ -46,6 +46,12 @@ ZipEntryLayout locateZipEntry(const std::filesystem::path& package, const std::s
     return locate(readBytes(package), entryName);
 }
 
+void putLittleEndian(std::string& bytes, std::uint64_t offset, std::uint32_t value, int width) {
+    for (int i = 0; i < width; ++i) {
+        bytes.at(offset + static_cast<std::uint64_t>(i)) = static_cast<char>((value >> (8 * i)) & 0xFFu);
+    }
+}
+
 void patchZipEntry(const std::filesystem::path& package, const std::string& entryName, ZipField field,
                    std::uint32_t value) {
     std::string bytes = readBytes(package);
@@ -53,9 +59,8 @@ void patchZipEntry(const std::filesystem::path& package, const std::string& entr
     // The fields sit 16, 20 and 24 bytes into a central directory header, 2 bytes earlier in a local one.
     const auto central = layout.centralHeaderOffset + 16 + 4 * static_cast<std::uint64_t>(field);
     const auto local = layout.localHeaderOffset + 14 + 4 * static_cast<std::uint64_t>(field);
-    for (std::uint64_t i = 0; i < 4; ++i) {
-        bytes[central + i] = bytes[local + i] = static_cast<char>((value >> (8 * i)) & 0xFFu);
-    }
+    putLittleEndian(bytes, central, value, 4);
+    putLittleEndian(bytes, local, value, 4);
     writeBytes(package, bytes);
 }
 

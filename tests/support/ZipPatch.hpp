@@ -19,6 +19,9 @@ struct ZipEntryLayout {
 
 ZipEntryLayout locateZipEntry(const std::filesystem::path& package, const std::string& entryName);
 
+// Writes the low `width` bytes of `value` at `offset`, least significant first, as zip headers hold them.
+void putLittleEndian(std::string& bytes, std::uint64_t offset, std::uint32_t value, int width);
+
 // The header fields a test may forge, in their order in the headers.
 enum class ZipField { Crc, CompressedSize, UncompressedSize };
 
