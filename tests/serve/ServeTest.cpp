@@ -73,6 +73,23 @@ TEST(Serve, AnswersHostileRequestsWithClientErrorsAndKeepsServing) {
     EXPECT_EQ(server.stop(), 0);
 }
 
+TEST(Serve, APortInUseIsRefusedAndTheFirstServerKeepsIt) {
+    ServerProcess first({});
+    const std::string port = std::to_string(first.port());
+    const ToolRun second = runTool({"serve", "--port", port});
+    EXPECT_EQ(second.status, 2) << ::testing::PrintToString(second);
+    EXPECT_TRUE(contains(second.err, "refdoc: cannot listen on 127.0.0.1 port " + port + ": the port is in use"))
+        << second.err;
+    EXPECT_FALSE(contains(second.out, "Open http://")) << second.out;
+    // Every request still reaches the first server.
+    for (int i = 0; i < 10; ++i) {
+        const auto response = first.client().Get("/");
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->status, 200);
+    }
+    EXPECT_EQ(first.stop(), 0);
+}
+
 TEST(Serve, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
     const TempDir root;
     const std::string hostile = R"(<script>alert(1)</script> \"q\" 'a' & <img src=x onerror=alert(2)>)";
@@ -118,7 +135,7 @@ TEST(Serve, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
 }
 
 // Files that break or go away between requests (ParallelRequestsInTwoLanguagesDuringEdits shows
-// edits being read afresh): the answers say so, and the server keeps serving.
+// edits being read on the next request): the answers say so, and the server keeps serving.
 TEST(Serve, FilesBrokenOrGoneBetweenRequestsAreReported) {
     const TempDir root;
     root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "first text")));

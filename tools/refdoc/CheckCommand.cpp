@@ -312,7 +312,16 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
 } // namespace
 
 Report buildReport(const HostSettings& settings) {
+    auto& languageService = doclanguage::DocLanguage::getInstance();
+    Report report = buildReport(settings, [&](const std::string& language, const std::function<void()>& load) {
+        languageService.setDocLanguage(toUtf16(language));
+        load();
+    });
+    languageService.setDocLanguage(toUtf16(settings.language));
+    return report;
+}
 
+Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
     // Each run reads the English files and the current language's variants, so one run per
     // supported language reads every file there is.
     std::vector<std::string> languages;
@@ -324,29 +333,27 @@ Report buildReport(const HostSettings& settings) {
     if (languages.empty()) {
         languages.push_back("en");
     }
-    auto& languageService = doclanguage::DocLanguage::getInstance();
 
     Report report;
     report.languages = languages;
     std::set<Identity> seen;
-    for (const auto& language : languages) {
-        languageService.setDocLanguage(toUtf16(language));
-        ParseDiagnosticsScope scope;
-        DocResourceParser::getResourceLookupFiles();
-        addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
-    }
     const auto roots = DocResourceParser::getReferenceRoots();
     const std::filesystem::path pageFolder = toUtf8(roots->referenceFolder);
     const std::set<std::string> names = pageNames(pageFolder, settings);
     for (const auto& language : languages) {
-        languageService.setDocLanguage(toUtf16(language));
-        for (const auto& name : names) {
-            ParseDiagnosticsScope scope;
-            DocResourceParser::getResourceFile(toUtf16(name));
-            addRecords(report, seen, DataKind::Page, scope.takeFiles(), language);
-        }
+        runIn(language, [&] {
+            {
+                ParseDiagnosticsScope scope;
+                DocResourceParser::getResourceLookupFiles();
+                addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
+            }
+            for (const auto& name : names) {
+                ParseDiagnosticsScope scope;
+                DocResourceParser::getResourceFile(toUtf16(name));
+                addRecords(report, seen, DataKind::Page, scope.takeFiles(), language);
+            }
+        });
     }
-    languageService.setDocLanguage(toUtf16(settings.language));
 
     std::stable_sort(report.files.begin(), report.files.end(), [](const CheckedFile& a, const CheckedFile& b) {
         return std::tie(a.kind, a.diagnostic.path, a.diagnostic.entry) <

@@ -9,6 +9,7 @@
 #include <reference/docparser/ParseDiagnostics.hpp>
 
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -41,6 +42,12 @@ struct Report {
 // switches the documentation language while it runs and sets it back to settings.language, so
 // no other thread may load data meanwhile.
 Report buildReport(const HostSettings& settings);
+
+// Runs `load` with `language` as the current documentation language.
+using LanguageRunner = std::function<void(const std::string& language, const std::function<void()>& load)>;
+// The same report, with each language's loads run through `runIn`, for callers that share the
+// language setting with other threads.
+Report buildReport(const HostSettings& settings, const LanguageRunner& runIn);
 
 // The product names of the page files in `folder`: each .json file's stem without a supported
 // language's suffix.

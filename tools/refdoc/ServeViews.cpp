@@ -1,0 +1,522 @@
+// The views of `refdoc serve`: each turns a snapshot of the loaded data into an HTML page. The
+// data is untrusted, so every text is escaped and only checked relative page references
+// become links.
+
+#include "ServeViews.hpp"
+
+#include "Html.hpp"
+#include "Search.hpp"
+#include "Text.hpp"
+
+#include <algorithm>
+#include <map>
+
+namespace refdoc::tool::serve {
+
+using reference::docparser::DocResourceParser;
+using namespace reference::property;
+using html::escape;
+
+namespace {
+
+constexpr std::size_t kMaxShownHits = 200;
+
+std::string refUrl(const html::PageRef& ref, const std::string& language) {
+    return html::viewUrl("/ref/" + ref.path, language, ref.fragment);
+}
+
+std::string plural(std::size_t n, const char* one, const char* many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+} // namespace
+
+std::string document(const std::vector<std::string>& languages, const std::string& language, const View& view,
+                     const std::string& path) {
+    std::string out;
+    out.reserve(view.body.size() + 4096);
+    out += "<!DOCTYPE html>\n<html lang=\"" + escape(language) +
+           "\"><head><meta charset=\"utf-8\"><meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">"
+           "<title>" +
+           escape(view.title) +
+           " · refdoc</title><link rel=\"stylesheet\" href=\"/assets/style.css\">"
+           "<script src=\"/assets/search.js\" defer></script></head>\n<body>\n<header class=\"top\">"
+           "<a class=\"brand\" href=\"" +
+           escape(html::viewUrl("/", language)) +
+           "\">refdoc</a>"
+           "<form action=\"/search\" method=\"get\" role=\"search\"><input type=\"search\" id=\"q\" name=\"q\" "
+           "placeholder=\"Search names\" autocomplete=\"off\" aria-label=\"Search names\" value=\"" +
+           escape(view.query) + "\"><input type=\"hidden\" name=\"lang\" value=\"" + escape(language) +
+           "\"><button type=\"submit\">Search</button></form><nav class=\"langs\" aria-label=\"Language\">";
+    for (const auto& code : languages) {
+        if (code == language) {
+            out += "<strong>" + escape(code) + "</strong>";
+        } else {
+            out += "<a href=\"" + escape(html::viewUrl(path, code)) + "\" hreflang=\"" +
+                   escape(code) + "\">" + escape(code) + "</a>";
+        }
+    }
+    const std::string problemsUrl = escape(html::viewUrl("/problems", language));
+    out += "</nav><a id=\"problems-link\" href=\"" + problemsUrl + "\">Problems</a></header>\n";
+    const LoadCounts& counts = view.counts;
+    const bool problems = counts.dropped + counts.warnings != 0;
+    out += std::string("<p class=\"note") + (problems ? " has-problems" : "") + "\" id=\"problem-count\">";
+    if (counts.filesRead == 0) {
+        out += "This view read no data file.";
+    } else {
+        out += "This view read " + plural(counts.filesRead, "file", "files") + ": " +
+               plural(counts.dropped, "dropped", "dropped") + ", " + plural(counts.warnings, "warning", "warnings") +
+               ".";
+    }
+    out += " <a href=\"" + problemsUrl + "\">Check every file</a></p>\n<main>\n";
+    out += view.body;
+    out += "</main>\n</body></html>\n";
+    return out;
+}
+
+void errorView(View& view, int status, const std::string& title, const std::string& text) {
+    view.status = status;
+    view.title = title;
+    view.body = "<h1>" + escape(title) + "</h1>\n<p class=\"error\">" + escape(text) + "</p>\n";
+}
+
+// ---- index ------------------------------------------------------------------------------
+
+void indexView(const Snapshot& snapshot, const std::filesystem::path& root, View& view) {
+    const LookupResults& results = snapshot.lookup();
+    const std::string& language = snapshot.language();
+    view.counts = snapshot.lookupCounts();
+    struct Row {
+        std::string key;
+        bool installed;
+        std::size_t items;
+        std::string name;
+    };
+    std::vector<Row> rows;
+    for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
+        for (const auto& [key, resource] : *map) {
+            std::size_t items = 0;
+            for (const auto& entry : resource.getItems()) {
+                items += entry.second.size();
+            }
+            rows.push_back({toUtf8(key), map == &results.installedResources, items,
+                            toUtf8(resource.getHeader().getProductName())});
+        }
+    }
+    std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.key < b.key; });
+    view.title = "Products";
+    std::string& out = view.body;
+    out += "<h1>Products</h1>\n<p class=\"meta\">Documentation root <code>" + escape(root.string()) +
+           "</code> · language <strong>" + escape(language) + "</strong> · " +
+           plural(rows.size(), "product key", "product keys") + "</p>\n";
+    if (rows.empty()) {
+        out += "<p>No lookup data found.</p>\n";
+        return;
+    }
+    out += "<table class=\"products\"><thead><tr><th>Key</th><th>Product</th><th>Installed</th><th>Items</th></tr>"
+           "</thead><tbody>\n";
+    for (const auto& row : rows) {
+        out += "<tr><td><a href=\"" + escape(html::productUrl(row.key, language)) + "\">" + escape(row.key) +
+               "</a></td><td>" + escape(row.name) + "</td><td>" + (row.installed ? "yes" : "no") +
+               "</td><td class=\"num\">" + std::to_string(row.items) + "</td></tr>\n";
+    }
+    out += "</tbody></table>\n";
+}
+
+// ---- a product's lookup entries ---------------------------------------------------------------
+
+void productView(const Snapshot& snapshot, const std::string& key, View& view) {
+    const LookupResults& results = snapshot.lookup();
+    const std::string& language = snapshot.language();
+    view.counts = snapshot.lookupCounts();
+    const std::u16string wanted = toUtf16(key);
+    bool installed = true;
+    auto found = results.installedResources.find(wanted);
+    if (found == results.installedResources.end()) {
+        installed = false;
+        found = results.uninstalledResources.find(wanted);
+        if (found == results.uninstalledResources.end()) {
+            errorView(view, 404, "No such product", "No lookup data has the product key \"" + key + "\".");
+            return;
+        }
+    }
+    const auto& resource = found->second;
+    const auto& header = resource.getHeader();
+    view.title = toUtf8(header.getProductName());
+    std::string& out = view.body;
+    out += "<h1>" + escape(toUtf8(header.getProductName())) + "</h1>\n<p class=\"meta\">Key <code>" + escape(key) +
+           "</code> · base code <code>" + escape(toUtf8(header.getBaseCode())) + "</code> · help folder <code>" +
+           escape(toUtf8(header.getHelpFolder())) + "</code> · help location <code>" +
+           escape(toUtf8(header.getHelpLocation())) + "</code> · " + (installed ? "installed" : "not installed") +
+           "</p>\n<table class=\"items\"><thead><tr><th>Name</th><th>Type</th><th>Purpose</th></tr></thead><tbody>\n";
+    for (const auto& [name, entries] : resource.getItems()) {
+        for (const auto& entry : entries) {
+            const std::string href = toUtf8(entry.getHref());
+            const auto ref = html::pageHref(href);
+            out += "<tr><td>";
+            out += ref ? "<a href=\"" + escape(refUrl(*ref, language)) + "\">" + escape(toUtf8(name)) + "</a>"
+                       : escape(toUtf8(name));
+            out += "</td><td>" + escape(std::string(RefEntityType::toString(entry.getEntityType())));
+            if (entry.isDeprecated()) {
+                out += "<span class=\"tag deprecated\">deprecated</span>";
+            }
+            out += "</td><td>" + escape(toUtf8(entry.getPurpose())) + "</td></tr>\n";
+        }
+    }
+    out += "</tbody></table>\n";
+}
+
+// ---- search --------------------------------------------------------------------------------
+
+void searchView(const Snapshot& snapshot, const std::string& text, View& view) {
+    const std::string& language = snapshot.language();
+    view.title = text.empty() ? "Search" : "Search: " + text;
+    view.query = text;
+    std::vector<std::u32string> queries;
+    for (const auto& piece : splitList(std::string_view(text))) {
+        // Words separated by blanks are separate texts, as `refdoc find a b` takes them.
+        std::size_t start = 0;
+        while (start < piece.size()) {
+            const std::size_t blank = piece.find_first_of(" \t", start);
+            const std::string word = piece.substr(start, blank == std::string::npos ? blank : blank - start);
+            if (!word.empty()) {
+                queries.push_back(foldCase(toUtf16(word)));
+            }
+            if (blank == std::string::npos) {
+                break;
+            }
+            start = blank + 1;
+        }
+    }
+    std::string& out = view.body;
+    out += "<h1>Search</h1>\n<div id=\"results\">";
+    if (queries.empty()) {
+        out += "<p class=\"muted\">Type a name, or part of one, in the box above.</p></div>\n";
+        return;
+    }
+    view.counts = snapshot.lookupCounts();
+    const std::vector<Hit> hits = findHits(snapshot.lookup(), queries);
+    out += "<p class=\"meta\">" + plural(hits.size(), "match", "matches") + " for <strong>" + escape(text) +
+           "</strong> (exact, then prefix, then substring; case ignored)</p>\n";
+    if (!hits.empty()) {
+        out += "<table class=\"hits\"><thead><tr><th>Name</th><th>Purpose</th><th>Product</th><th>Match</th></tr>"
+               "</thead><tbody>\n";
+        for (std::size_t i = 0; i < hits.size() && i < kMaxShownHits; ++i) {
+            const Hit& hit = hits[i];
+            const auto ref = html::pageHref(hit.href);
+            out += "<tr><td>";
+            out += ref ? "<a class=\"hit\" href=\"" + escape(refUrl(*ref, language)) + "\">" + escape(hit.name) + "</a>"
+                       : escape(hit.name);
+            out += "</td><td>" + escape(hit.purpose) + "</td><td><a href=\"" +
+                   escape(html::productUrl(hit.productKey, language)) + "\">" + escape(hit.productName) + "</a>" +
+                   (hit.installed ? "" : "<span class=\"tag\">not installed</span>") + "</td><td>" +
+                   std::string(matchName(hit.match)) + "</td></tr>\n";
+        }
+        out += "</tbody></table>\n";
+        if (hits.size() > kMaxShownHits) {
+            out += "<p class=\"muted\">" + std::to_string(hits.size() - kMaxShownHits) +
+                   " more; a longer text narrows the search.</p>\n";
+        }
+    }
+    out += "</div>\n";
+}
+
+// ---- a reference page ---------------------------------------------------------------------------
+
+namespace {
+
+const std::vector<RefItem>* findPage(const PageFiles& files, const std::u16string& href) {
+    for (const auto& [key, resource] : files) {
+        const auto found = resource.getItems().find(href);
+        if (found != resource.getItems().end()) {
+            return &found->second;
+        }
+    }
+    return nullptr;
+}
+
+struct PageContext {
+    const Snapshot& snapshot;
+    const std::string& language;
+    const PageFiles& files;
+
+    // True when `path` is a page of the root: in the shown page's file, or in the file named
+    // for its first folder.
+    bool hasPage(const std::string& path) {
+        const std::u16string wanted = toUtf16(path);
+        if (findPage(files, wanted) != nullptr) {
+            return true;
+        }
+        const std::string first = path.substr(0, path.find('/'));
+        if (snapshot.pageNames().count(first) == 0) {
+            return false;
+        }
+        return findPage(snapshot.pages(first)->files, wanted) != nullptr;
+    }
+};
+
+// A data link: a link to that page of the root when it is one, else its text.
+std::string dataLink(PageContext& context, const std::string& url, const std::string& label) {
+    const auto ref = html::pageHref(url);
+    if (ref) {
+        if (context.hasPage(ref->path)) {
+            return "<a class=\"page-link\" href=\"" + escape(refUrl(*ref, context.language)) + "\">" + escape(label) +
+                   "</a>";
+        }
+    }
+    return "<span class=\"unlinked\">" + escape(label) + "</span>";
+}
+
+std::string enumText(std::string_view text) { return escape(std::string(text)); }
+
+void renderArgument(std::string& out, const ObjectInfo& info, std::vector<std::string> details = {},
+                    const std::u16string& defaultValue = {}) {
+    if (!defaultValue.empty()) {
+        details.push_back("Default: <code>" + escape(toUtf8(defaultValue)) + "</code>");
+    }
+    // Anchors come as "page.html#id"; the id is the element's.
+    const std::string full = toUtf8(info.getAnchor());
+    const std::string anchor = full.substr(full.find('#') == std::string::npos ? 0 : full.rfind('#') + 1);
+    const bool linkable = html::isSafeId(anchor);
+    out += linkable ? "<dt id=\"" + escape(anchor) + "\">" : std::string("<dt>");
+    out += "<code>" + escape(toUtf8(info.getName())) + "</code>";
+    if (linkable) {
+        out += " <a class=\"anchor\" href=\"#" + escape(anchor) + "\">#" + escape(anchor) + "</a>";
+    } else if (!full.empty()) {
+        out += " <span class=\"muted\">anchor " + escape(full) + "</span>";
+    }
+    out += "</dt><dd>";
+    if (!info.getPurpose().empty()) {
+        out += "<div>" + escape(toUtf8(info.getPurpose())) + "</div>";
+    }
+    if (!info.getValues().empty()) {
+        std::vector<std::string> values;
+        for (const auto& value : info.getValues()) {
+            values.push_back("<code>" + escape(toUtf8(value)) + "</code>");
+        }
+        out += "<div class=\"muted\">Values: " + joinList(values, ", ") + "</div>";
+    }
+    for (const auto& detail : details) {
+        out += "<div class=\"muted\">" + detail + "</div>";
+    }
+    out += "</dd>\n";
+}
+
+void renderPage(std::string& out, PageContext& context, const RefItem& page) {
+    std::vector<std::string> names;
+    std::vector<std::string> kinds;
+    for (const auto& entity : page.getEntities()) {
+        names.push_back(escape(toUtf8(entity.getName())));
+        if (const auto kind = std::string(RefEntityType::toString(entity.getEntityType())); !kind.empty()) {
+            kinds.push_back("<span class=\"tag\">" + escape(kind) + "</span>");
+        }
+    }
+    out += "<article class=\"page\">\n<h1>" + (names.empty() ? escape(toUtf8(page.getHref())) : joinList(names, ", ")) +
+           joinList(kinds, "");
+    if (page.getDeprecationStatus() != DeprecationStatus::Value{}) {
+        out += "<span class=\"tag deprecated\">" + enumText(DeprecationStatus::toString(page.getDeprecationStatus())) +
+               "</span>";
+    }
+    out += "</h1>\n<p class=\"purpose\" id=\"purpose\">" + escape(toUtf8(page.getPurpose())) + "</p>\n";
+    std::vector<std::string> facts{"Page <code>" + escape(toUtf8(page.getHref())) + "</code>"};
+    if (!page.getPackageName().empty()) {
+        facts.push_back("package <code>" + escape(toUtf8(page.getPackageName())) + "</code>");
+    }
+    if (!page.getIntroduced().empty()) {
+        facts.push_back("introduced in " + escape(toUtf8(page.getIntroduced())));
+    }
+    facts.push_back("status " + enumText(DeprecationStatus::toString(page.getDeprecationStatus())));
+    out += "<p class=\"meta\">" + joinList(facts, " · ") + "</p>\n";
+    if (!page.getDescription().empty()) {
+        out += "<p class=\"description\">" + escape(toUtf8(page.getDescription())) + "</p>\n";
+    }
+    if (!page.getThumbnailFileRef().empty() || !page.getThumbnailAltText().empty()) {
+        out += "<p class=\"meta thumbnail\">Thumbnail <code>" + escape(toUtf8(page.getThumbnailFileRef())) + "</code>" +
+               (page.getThumbnailAltText().empty() ? "" : ": " + escape(toUtf8(page.getThumbnailAltText()))) + "</p>\n";
+    }
+    if (!page.getSyntaxGroups().empty()) {
+        out += "<section id=\"syntax\"><h2>Syntax</h2>\n";
+        for (const auto& group : page.getSyntaxGroups()) {
+            out += "<h3>" + escape(toUtf8(group.getTitle()));
+            if (const auto type = std::string(SyntaxType::toString(group.getSyntaxType())); !type.empty()) {
+                out += "<span class=\"tag\">" + escape(type) + "</span>";
+            }
+            out += "</h3><pre>";
+            for (const auto& line : group.getSyntaxLines()) {
+                out += escape(toUtf8(line)) + "\n";
+            }
+            out += "</pre>\n";
+        }
+        out += "</section>\n";
+    }
+    if (!page.getInputGroups().empty()) {
+        out += "<section id=\"inputs\"><h2>Inputs</h2>\n";
+        for (const auto& group : page.getInputGroups()) {
+            out += "<h3>" + escape(toUtf8(group.getTitle())) + "</h3><dl class=\"args\">\n";
+            for (const auto& input : group.getInputs()) {
+                std::vector<std::string> details;
+                std::string kind = std::string(SyntaxType::toString(input.getSyntaxType()));
+                if (input.isNameValuePair()) {
+                    kind += kind.empty() ? "name-value pair" : ", name-value pair";
+                }
+                if (!kind.empty()) {
+                    details.push_back("Kind: " + escape(kind));
+                }
+                renderArgument(out, input.getInfo(), std::move(details), input.getDefaultValue());
+            }
+            out += "</dl>\n";
+        }
+        out += "</section>\n";
+    }
+    if (!page.getOutputs().empty()) {
+        out += "<section id=\"outputs\"><h2>Outputs</h2><dl class=\"args\">\n";
+        for (const auto& output : page.getOutputs()) {
+            renderArgument(out, output.getInfo());
+        }
+        out += "</dl></section>\n";
+    }
+    if (!page.getClassPropertyGroups().empty()) {
+        out += "<section id=\"properties\"><h2>Properties</h2>\n";
+        for (const auto& group : page.getClassPropertyGroups()) {
+            if (!group.getTitle().empty()) {
+                out += "<h3>" + escape(toUtf8(group.getTitle())) + "</h3>";
+            }
+            out += "<dl class=\"args\">\n";
+            for (const auto& property : group.getProperties()) {
+                renderArgument(out, property.getInfo(), {}, property.getDefaultValue());
+            }
+            out += "</dl>\n";
+        }
+        out += "</section>\n";
+    }
+    if (!page.getParameters().empty()) {
+        out += "<section id=\"parameters\"><h2>Parameters</h2><dl class=\"args\">\n";
+        for (const auto& parameter : page.getParameters()) {
+            renderArgument(out, parameter.getInfo(), {}, parameter.getDefaultValue());
+        }
+        out += "</dl></section>\n";
+    }
+    if (!page.getExamples().empty()) {
+        out += "<section id=\"examples\"><h2>Examples</h2><ul class=\"plain\">\n";
+        for (const auto& example : page.getExamples()) {
+            const std::string url = toUtf8(example.getUrl());
+            out += "<li>" + dataLink(context, url, toUtf8(example.getTitle())) + " <code class=\"muted\">" +
+                   escape(url) + "</code>";
+            if (!example.getOpenCommand().empty()) {
+                out += "<div class=\"muted\">Open with <code>" + escape(toUtf8(example.getOpenCommand())) +
+                       "</code></div>";
+            }
+            out += "</li>\n";
+        }
+        out += "</ul></section>\n";
+    }
+    if (!page.getSeeAlso().empty()) {
+        out += "<section id=\"seealso\" class=\"seealso\"><h2>See also</h2><ul class=\"plain\">\n";
+        for (const auto& link : page.getSeeAlso()) {
+            const std::string url = toUtf8(link.getUrl());
+            out += "<li>" + dataLink(context, url, toUtf8(link.getName())) + " <code class=\"muted\">" + escape(url) +
+                   "</code></li>\n";
+        }
+        out += "</ul></section>\n";
+    }
+    out += "</article>\n";
+}
+
+} // namespace
+
+void pageView(const Snapshot& snapshot, const std::string& href, View& view) {
+    const std::set<std::string>& names = snapshot.pageNames();
+    // The page file is most often named for the first folder of the link; the others are read
+    // only when it is not there (support packages' pages live in their product's file).
+    std::vector<std::string> order;
+    const std::string first = href.substr(0, href.find('/'));
+    if (names.count(first) != 0) {
+        order.push_back(first);
+    }
+    for (const auto& name : names) {
+        if (name != first) {
+            order.push_back(name);
+        }
+    }
+    const std::u16string wanted = toUtf16(href);
+    for (const auto& name : order) {
+        const auto load = snapshot.pages(name);
+        view.counts.add(load->counts);
+        const auto* pages = findPage(load->files, wanted);
+        if (pages == nullptr) {
+            continue;
+        }
+        PageContext context{snapshot, snapshot.language(), load->files};
+        view.title = href;
+        for (const auto& page : *pages) {
+            if (view.title == href && !page.getEntities().empty()) {
+                view.title = toUtf8(page.getEntities().front().getName());
+            }
+            renderPage(view.body, context, page);
+        }
+        view.body += "<p class=\"meta\">From page file <code>" + escape(name) + ".json</code></p>\n";
+        return;
+    }
+    errorView(view, 404, "No such page",
+              "No page file of the documentation root has the page \"" + href +
+                  "\" (or the file that has it was dropped; the problems view says why).");
+}
+
+// ---- problems ---------------------------------------------------------------------------------
+
+void problemsView(const Report& report, const std::filesystem::path& root, View& view) {
+    view.counts = LoadCounts{report.files.size(), report.dropped, report.warnings};
+    view.title = "Problems";
+    std::string& out = view.body;
+    out += "<h1>Problems</h1>\n<p class=\"meta\">Every lookup and page file under <code>" +
+           escape(root.string()) + "</code>, read with each supported language current (" +
+           escape(joinList(report.languages, ", ")) + "), as <code>refdoc check</code> reads them.</p>\n";
+    out += "<p id=\"summary\">" + plural(report.files.size(), "file", "files") + ": " +
+           std::to_string(report.files.size() - report.dropped) + " read, " + "<span class=\"dropped\">" +
+           plural(report.dropped, "dropped", "dropped") + "</span>, " + "<span class=\"warning\">" +
+           plural(report.warnings, "warning", "warnings") + "</span>.</p>\n";
+    for (const DataKind kind : {DataKind::Lookup, DataKind::Page}) {
+        out += std::string("<h2>") + (kind == DataKind::Lookup ? "Lookup files" : "Page files") +
+               "</h2>\n<table class=\"problems\"><tbody>\n";
+        std::size_t clean = 0;
+        for (const auto& file : report.files) {
+            if (file.kind != kind) {
+                continue;
+            }
+            const auto& d = file.diagnostic;
+            if (!d.dropped() && warningCount(file) == 0) {
+                ++clean;
+                continue;
+            }
+            out += std::string("<tr class=\"problem\"><td>") +
+                   (d.dropped() ? "<span class=\"dropped\">dropped</span>" : "<span class=\"warning\">warning</span>") +
+                   "</td><td><code>" + escape(fileLabel(d, root)) + "</code>";
+            if (d.localeVariant) {
+                out += "<span class=\"tag\">locale variant</span>";
+            }
+            if (d.dropped()) {
+                out += "<div class=\"reason\">" + escape(dropText(d)) + "</div>";
+            }
+            for (const auto& warning : d.warnings) {
+                out += "<div class=\"reason\">" + escape(warningText(warning)) + "</div>";
+            }
+            for (const auto& warning : file.nameWarnings) {
+                out += "<div class=\"reason\">" + escape(warning.text) + "</div>";
+            }
+            out += "</td></tr>\n";
+        }
+        out += "</tbody></table>\n<p class=\"muted\">" + plural(clean, "other file", "other files") +
+               " read without a problem.</p>\n";
+    }
+    if (!report.ignored.empty()) {
+        out += "<h2>Not read</h2>\n<p class=\"muted\">Only .json and .zip lookup files and .json page files are "
+               "data.</p><ul class=\"plain\">\n";
+        for (const auto& path : report.ignored) {
+            out += "<li><code>" + escape(path) + "</code></li>\n";
+        }
+        out += "</ul>\n";
+    }
+}
+
+
+} // namespace refdoc::tool::serve
