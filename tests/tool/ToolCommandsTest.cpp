@@ -106,6 +106,40 @@ TEST_F(ToolCommands, HostFileSuppliesDefaultsThatTheCommandLineOverrides) {
     EXPECT_EQ(linesWith(overridden.out, "alpha  "), std::vector<std::string>{"alpha  no             4  Alpha"});
 }
 
+// Without a list from the options or the host file, the supported languages are those the data
+// files are named for: a suffix counts only beside the file it translates.
+TEST_F(ToolCommands, SupportedLanguagesDefaultToThoseTheDataFilesAreNamedFor) {
+    write(kPages / "alpha_de.json", kFullPage);
+    write(kLookup / "orphan_ko.json", fileText(lookupDocument({"Orphan", "OR", "orphan"}, {{"o", "O"}})));
+    write(kLookup / "gamma_zh_CN.json", fileText(lookupDocument({"Gamma CN", "GA", "gamma"}, {{"g", "G"}})));
+    write(kLookup / "gamma.json", fileText(lookupDocument({"Gamma", "GA", "gamma"}, {{"g", "G"}})));
+    const struct Case {
+        std::vector<std::string> args;
+        int status;
+        std::string text; // in the output, or the message when the status is 2
+    } cases[] = {
+        {{"lookup"}, 0, "Language: en (supported: en, de, ja, zh_CN)"},
+        {{"lookup", "--lang", "JA"}, 0, "Language: ja (supported: en, de, ja, zh_CN)"},
+        {{"lookup", "--lang", "ZH_cn"}, 0, "Language: zh_CN (supported: en, de, ja, zh_CN)"},
+        {{"lookup", "--lang", "ko"},
+         2,
+         "refdoc: no data file of " + root_.path().string() +
+             " is named for the language 'ko'; the languages present are en, de, ja, zh_CN (--languages names "
+             "others)\n"},
+        {{"lookup", "--lang", "KO", "--languages", "en,ko"}, 0, "Language: ko (supported: en, ko)"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.args));
+        const ToolRun result = run(c.args);
+        EXPECT_EQ(result.status, c.status) << ::testing::PrintToString(result);
+        EXPECT_TRUE(contains(c.status == 2 ? result.err : result.out, c.text)) << ::testing::PrintToString(result);
+    }
+    // JA reads the Japanese variants as ja does.
+    const auto alpha = linesWith(run({"lookup", "--lang", "JA"}).out, "alpha ");
+    ASSERT_EQ(alpha.size(), 1u);
+    EXPECT_TRUE(alpha.front().ends_with("  アルファ")) << alpha.front();
+}
+
 TEST_F(ToolCommands, PageRendersEverySectionOfAPage) {
     const ToolRun result = run({"page", "alpha"});
     ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);

@@ -73,40 +73,6 @@ std::string fileLabel(const FileDiagnostic& file, const std::filesystem::path& r
 
 namespace {
 
-bool isLowerAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
-    if (text.size() < minimum || text.size() > maximum) {
-        return false;
-    }
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
-}
-
-bool isAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
-    if (text.size() < minimum || text.size() > maximum) {
-        return false;
-    }
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
-}
-
-// The language code a stem seems to end with ("ja" in "optics_ja", "zh_CN" in "map_zh_CN"),
-// and the stem without it; nothing when the stem does not look like a locale variant.
-std::optional<std::pair<std::string, std::string>> localeLikeSuffix(const std::string& stem) {
-    const std::size_t last = stem.rfind('_');
-    if (last == std::string::npos || last == 0) {
-        return std::nullopt;
-    }
-    const std::string_view tail = std::string_view(stem).substr(last + 1);
-    if (isLowerAlpha(tail, 2, 3)) {
-        return std::make_pair(stem.substr(0, last), std::string(tail));
-    }
-    const std::size_t previous = stem.rfind('_', last - 1);
-    if (previous != std::string::npos && previous != 0 && isAlpha(tail, 2, 4) &&
-        isLowerAlpha(std::string_view(stem).substr(previous + 1, last - previous - 1), 2, 3)) {
-        return std::make_pair(stem.substr(0, previous), stem.substr(previous + 1));
-    }
-    return std::nullopt;
-}
-
 // The package of an entry, the folder of a file: where a file's siblings are.
 std::u16string containerOf(const FileDiagnostic& file) {
     if (file.source == DiagnosticSource::PackageEntry) {

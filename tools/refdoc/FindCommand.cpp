@@ -55,35 +55,53 @@ std::optional<Match> bestMatch(const std::u32string& name, const std::vector<std
     return best;
 }
 
-void collect(const DocResourceParser::LookupResourceMap& resources, bool installed,
-             const std::vector<std::u32string>& queries, std::vector<Hit>& hits) {
-    for (const auto& [key, resource] : resources) {
-        for (const auto& [name, entries] : resource.getItems()) {
-            std::u32string folded = foldCase(name);
-            const auto match = bestMatch(folded, queries);
-            if (!match) {
-                continue;
-            }
-            for (const auto& entry : entries) {
-                hits.push_back(Hit{*match, folded, toUtf8(name), toUtf8(entry.getPurpose()), toUtf8(entry.getHref()),
-                                   toUtf8(key), toUtf8(resource.getHeader().getProductName()), installed});
+} // namespace
+
+NameIndex::NameIndex(const LookupResults& results) {
+    keys_.reserve(results.installedResources.size() + results.uninstalledResources.size());
+    for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
+        for (const auto& [key, resource] : *map) {
+            keys_.push_back(toUtf8(key)); // never reallocated: names_ point into it
+            for (const auto& [name, entries] : resource.getItems()) {
+                names_.push_back(Name{foldCase(name), toUtf8(name), &keys_.back(), &resource, &entries,
+                                      map == &results.installedResources});
             }
         }
     }
 }
 
-} // namespace
-
-std::vector<Hit> findHits(const DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap>& results,
-                          const std::vector<std::u32string>& queries) {
-    std::vector<Hit> hits;
-    collect(results.installedResources, true, queries, hits);
-    collect(results.uninstalledResources, false, queries, hits);
-    std::stable_sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) {
-        return std::tie(a.match, a.foldedName, a.name, a.productKey) <
-               std::tie(b.match, b.foldedName, b.name, b.productKey);
+std::vector<Hit> NameIndex::find(const std::vector<std::u32string>& queries, std::size_t limit,
+                                 std::size_t& total) const {
+    std::vector<std::pair<Match, const Name*>> matches;
+    total = 0;
+    for (const auto& name : names_) {
+        if (const auto match = bestMatch(name.folded, queries)) {
+            matches.emplace_back(*match, &name);
+            total += name.entries->size();
+        }
+    }
+    // The entries of one name stay in their order, and names that tie keep the load's order.
+    std::stable_sort(matches.begin(), matches.end(), [](const auto& a, const auto& b) {
+        return std::tie(a.first, a.second->folded, a.second->name, *a.second->productKey) <
+               std::tie(b.first, b.second->folded, b.second->name, *b.second->productKey);
     });
+    std::vector<Hit> hits;
+    for (const auto& [match, name] : matches) {
+        for (const auto& entry : *name->entries) {
+            if (hits.size() == limit) {
+                return hits;
+            }
+            hits.push_back(Hit{match, name->folded, name->name, toUtf8(entry.getPurpose()), toUtf8(entry.getHref()),
+                               *name->productKey, toUtf8(name->resource->getHeader().getProductName()),
+                               name->installed});
+        }
+    }
     return hits;
+}
+
+std::vector<Hit> findHits(const LookupResults& results, const std::vector<std::u32string>& queries) {
+    std::size_t total = 0;
+    return NameIndex(results).find(queries, static_cast<std::size_t>(-1), total);
 }
 
 namespace {

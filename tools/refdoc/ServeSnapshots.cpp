@@ -152,6 +152,7 @@ std::shared_ptr<const Snapshot> SnapshotCache::snapshot(const std::string& langu
         fresh->lookup_ = DocResourceParser::getResourceLookupFiles();
         fresh->lookupCounts_ = LoadCounts::of(scope);
     });
+    fresh->names_ = std::make_unique<const NameIndex>(fresh->lookup_);
     fresh->pageNames_ = pageNames(pageFolder_, settings_);
     slot->snapshot = keep ? fresh : nullptr;
     return fresh;
@@ -164,8 +165,10 @@ std::shared_ptr<const Report> SnapshotCache::report() {
     if (report_ && reportFingerprint_ == now) {
         return report_;
     }
-    auto fresh = std::make_shared<const Report>(buildReport(
-        settings_, [this](const std::string& language, const std::function<void()>& load) { gate_.run(language, load); }));
+    auto fresh = std::make_shared<const Report>(
+        buildReport(settings_, [this](const std::string& language, const std::function<void()>& load) {
+            gate_.run(language, load);
+        }));
     if (settled(now, seen)) {
         report_ = fresh;
         reportFingerprint_ = std::move(now);

@@ -8,6 +8,7 @@
 
 #include "CheckReport.hpp"
 #include "Host.hpp"
+#include "Search.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 #include <reference/docparser/ParseDiagnostics.hpp>
@@ -25,8 +26,6 @@
 
 namespace refdoc::tool::serve {
 
-using LookupResults = reference::docparser::DocResourceParser::ParsingResults<
-    reference::docparser::DocResourceParser::LookupResourceMap>;
 using PageFiles = reference::docparser::DocResourceParser::RefItemFileMap;
 
 // What the library dropped or warned about in the files a view read.
@@ -94,6 +93,8 @@ public:
     const Fingerprint& fingerprint() const { return fingerprint_; }
     const LookupResults& lookup() const { return lookup_; }
     const LoadCounts& lookupCounts() const { return lookupCounts_; }
+    // The lookup names, for the search.
+    const NameIndex& names() const { return *names_; }
     // The product names of the page files (their stems without the language suffix).
     const std::set<std::string>& pageNames() const { return pageNames_; }
 
@@ -108,6 +109,7 @@ private:
     LanguageGate& gate_;
     LookupResults lookup_;
     LoadCounts lookupCounts_;
+    std::unique_ptr<const NameIndex> names_; // refers to lookup_
     std::set<std::string> pageNames_;
     mutable std::mutex pagesMutex_;
     mutable std::map<std::string, std::shared_ptr<const PageLoad>> pages_;

@@ -52,8 +52,8 @@ std::string document(const std::vector<std::string>& languages, const std::strin
         if (code == language) {
             out += "<strong>" + escape(code) + "</strong>";
         } else {
-            out += "<a href=\"" + escape(html::viewUrl(path, code)) + "\" hreflang=\"" +
-                   escape(code) + "\">" + escape(code) + "</a>";
+            out += "<a href=\"" + escape(html::viewUrl(path, code)) + "\" hreflang=\"" + escape(code) + "\">" +
+                   escape(code) + "</a>";
         }
     }
     const std::string problemsUrl = escape(html::viewUrl("/problems", language));
@@ -195,14 +195,14 @@ void searchView(const Snapshot& snapshot, const std::string& text, View& view) {
         return;
     }
     view.counts = snapshot.lookupCounts();
-    const std::vector<Hit> hits = findHits(snapshot.lookup(), queries);
-    out += "<p class=\"meta\">" + plural(hits.size(), "match", "matches") + " for <strong>" + escape(text) +
+    std::size_t total = 0;
+    const std::vector<Hit> hits = snapshot.names().find(queries, kMaxShownHits, total);
+    out += "<p class=\"meta\">" + plural(total, "match", "matches") + " for <strong>" + escape(text) +
            "</strong> (exact, then prefix, then substring; case ignored)</p>\n";
     if (!hits.empty()) {
         out += "<table class=\"hits\"><thead><tr><th>Name</th><th>Purpose</th><th>Product</th><th>Match</th></tr>"
                "</thead><tbody>\n";
-        for (std::size_t i = 0; i < hits.size() && i < kMaxShownHits; ++i) {
-            const Hit& hit = hits[i];
+        for (const Hit& hit : hits) {
             const auto ref = html::pageHref(hit.href);
             out += "<tr><td>";
             out += ref ? "<a class=\"hit\" href=\"" + escape(refUrl(*ref, language)) + "\">" + escape(hit.name) + "</a>"
@@ -213,8 +213,8 @@ void searchView(const Snapshot& snapshot, const std::string& text, View& view) {
                    std::string(matchName(hit.match)) + "</td></tr>\n";
         }
         out += "</tbody></table>\n";
-        if (hits.size() > kMaxShownHits) {
-            out += "<p class=\"muted\">" + std::to_string(hits.size() - kMaxShownHits) +
+        if (total > hits.size()) {
+            out += "<p class=\"muted\">" + std::to_string(total - hits.size()) +
                    " more; a longer text narrows the search.</p>\n";
         }
     }
@@ -468,9 +468,9 @@ void problemsView(const Report& report, const std::filesystem::path& root, View&
     view.counts = LoadCounts{report.files.size(), report.dropped, report.warnings};
     view.title = "Problems";
     std::string& out = view.body;
-    out += "<h1>Problems</h1>\n<p class=\"meta\">Every lookup and page file under <code>" +
-           escape(root.string()) + "</code>, read with each supported language current (" +
-           escape(joinList(report.languages, ", ")) + "), as <code>refdoc check</code> reads them.</p>\n";
+    out += "<h1>Problems</h1>\n<p class=\"meta\">Every lookup and page file under <code>" + escape(root.string()) +
+           "</code>, read with each supported language current (" + escape(joinList(report.languages, ", ")) +
+           "), as <code>refdoc check</code> reads them.</p>\n";
     out += "<p id=\"summary\">" + plural(report.files.size(), "file", "files") + ": " +
            std::to_string(report.files.size() - report.dropped) + " read, " + "<span class=\"dropped\">" +
            plural(report.dropped, "dropped", "dropped") + "</span>, " + "<span class=\"warning\">" +
@@ -517,6 +517,5 @@ void problemsView(const Report& report, const std::filesystem::path& root, View&
         out += "</ul>\n";
     }
 }
-
 
 } // namespace refdoc::tool::serve

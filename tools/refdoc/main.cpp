@@ -23,9 +23,10 @@ namespace refdoc::tool {
 std::string hostOptionsHelp() {
     return "  --root DIR               documentation root (the folder holding docCatalog);\n"
            "                           default: the bundled sample root\n"
-           "  --lang CODE              current documentation language (default: en)\n"
+           "  --lang CODE              current documentation language (default: en; case is\n"
+           "                           ignored)\n"
            "  --languages CODE,...     supported documentation languages (default: en and the\n"
-           "                           current language)\n"
+           "                           languages the root's data files are named for)\n"
            "  --installed NAME,...     installed products, by short name (default: none)\n"
            "  --support-packages NAME,...\n"
            "                           installed support packages (default: none)\n"
