@@ -38,15 +38,15 @@ using Identity = std::tuple<DiagnosticSource, std::u16string, std::u16string>;
 Identity identityOf(const FileDiagnostic& file) { return {file.source, file.path, file.entry}; }
 
 // Adds what one loading call recorded; a file read again by a later call (the English files
-// are read with every language) is kept once. The page loader names a translation
-// NAME_<language>.json for the current language, which is how its records are told apart.
+// are read with every language) is kept once. `variants` are the page files that are
+// translations into the current language.
 void addRecords(Report& report, std::set<Identity>& seen, DataKind kind, std::vector<FileDiagnostic> records,
-                const std::string& language = {}) {
+                const std::set<std::u16string>& variants = {}) {
     for (auto& record : records) {
         if (record.dropReason == DropReason::Missing) {
             continue; // a translation that does not exist: the English pages stand alone
         }
-        if (kind == DataKind::Page && language != "en" && toUtf8(record.productName).ends_with("_" + language)) {
+        if (kind == DataKind::Page && variants.count(record.path) != 0) {
             record.localeVariant = true;
         }
         if (seen.insert(identityOf(record)).second) {
@@ -163,31 +163,25 @@ bool hasExtension(const std::string& name, std::string_view extension) {
 
 } // namespace
 
-std::set<std::string> pageNames(const std::filesystem::path& folder, const HostSettings& settings) {
-    std::set<std::string> names;
-    std::error_code error;
-    std::filesystem::directory_iterator entries(folder, error);
-    if (error) {
-        return names;
-    }
-    for (const auto& entry : entries) {
-        const std::string fileName = entry.path().filename().string();
-        if (!hasExtension(fileName, "json")) {
-            continue;
+PageFileRoles pageFileRoles(const std::filesystem::path& folder) {
+    using Tools = DocResourceParser::ParsingTools;
+    // The same enumeration, with the same settings, as the library's loads of lookup files.
+    const std::u16string currentSuffix = Tools::kLocaleSeparator + Tools::getCurrentLocale();
+    const auto [jsonFiles, zipFiles] =
+        DocResourceParser::getAllProducts(toUtf16(folder.string()), Tools::getSupportedDocLocales(), currentSuffix);
+    PageFileRoles roles;
+    for (const auto& file : jsonFiles) {
+        std::u16string name = file.getName();
+        if (file.isNonEnglishLocale()) {
+            // A variant of the current language: the loader finds it from its base name.
+            name.resize(name.size() - currentSuffix.size());
+            roles.variants.insert(file.getFullPath());
         }
-        std::string stem = fileName.substr(0, fileName.size() - 5);
-        for (const auto& code : settings.supportedLanguages) {
-            const std::string suffix = "_" + code;
-            if (code != "en" && stem.size() > suffix.size() && stem.ends_with(suffix)) {
-                stem.resize(stem.size() - suffix.size());
-                break;
-            }
-        }
-        if (!stem.empty()) {
-            names.insert(stem);
+        if (!name.empty()) {
+            roles.names.insert(toUtf8(name));
         }
     }
-    return names;
+    return roles;
 }
 
 std::string dropText(const FileDiagnostic& file) {
@@ -305,7 +299,6 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
     std::set<Identity> seen;
     const auto roots = DocResourceParser::getReferenceRoots();
     const std::filesystem::path pageFolder = toUtf8(roots->referenceFolder);
-    const std::set<std::string> names = pageNames(pageFolder, settings);
     for (const auto& language : languages) {
         runIn(language, [&] {
             {
@@ -313,10 +306,11 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
                 DocResourceParser::getResourceLookupFiles();
                 addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
             }
-            for (const auto& name : names) {
+            const PageFileRoles roles = pageFileRoles(pageFolder);
+            for (const auto& name : roles.names) {
                 ParseDiagnosticsScope scope;
                 DocResourceParser::getResourceFile(toUtf16(name));
-                addRecords(report, seen, DataKind::Page, scope.takeFiles(), language);
+                addRecords(report, seen, DataKind::Page, scope.takeFiles(), roles.variants);
             }
         });
     }
@@ -327,9 +321,12 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
     });
     addLocaleWarnings(report, settings);
     addUnusedPackageWarnings(report);
+    // The page loader reads NAME.json and its translations only: a package there is not data.
     addIgnored(report, toUtf8(roots->lookupFolder), settings.root,
-               [](const std::string& name) { return hasExtension(name, "json") || hasExtension(name, "zip"); });
-    addIgnored(report, pageFolder, settings.root, [](const std::string& name) { return hasExtension(name, "json"); });
+               [](const std::string& name) { return DocResourceParser::isValidFilename(name); });
+    addIgnored(report, pageFolder, settings.root, [](const std::string& name) {
+        return DocResourceParser::isValidFilename(name) && hasExtension(name, "json");
+    });
 
     for (const auto& file : report.files) {
         report.dropped += file.diagnostic.dropped() ? 1 : 0;

@@ -49,9 +49,15 @@ using LanguageRunner = std::function<void(const std::string& language, const std
 // language setting with other threads.
 Report buildReport(const HostSettings& settings, const LanguageRunner& runIn);
 
-// The product names of the page files in `folder`: each .json file's stem without a supported
-// language's suffix.
-std::set<std::string> pageNames(const std::filesystem::path& folder, const HostSettings& settings);
+// The page files of `folder` as the library's enumeration of a data folder sorts them with the
+// current language and supported languages: the names the page loader takes (each base file's
+// stem, each current-language variant's stem without its suffix) and the variants' paths.
+// Variants of the other supported languages are passed over, as the library passes them over.
+struct PageFileRoles {
+    std::set<std::string> names;
+    std::set<std::u16string> variants;
+};
+PageFileRoles pageFileRoles(const std::filesystem::path& folder);
 
 // The file's path relative to the root, with ": ENTRY" for a package entry.
 std::string fileLabel(const reference::docparser::FileDiagnostic& file, const std::filesystem::path& root);

@@ -151,9 +151,9 @@ std::shared_ptr<const Snapshot> SnapshotCache::snapshot(const std::string& langu
         ParseDiagnosticsScope scope;
         fresh->lookup_ = DocResourceParser::getResourceLookupFiles();
         fresh->lookupCounts_ = LoadCounts::of(scope);
+        fresh->pageNames_ = pageFileRoles(pageFolder_).names;
     });
     fresh->names_ = std::make_unique<const NameIndex>(fresh->lookup_);
-    fresh->pageNames_ = pageNames(pageFolder_, settings_);
     slot->snapshot = keep ? fresh : nullptr;
     return fresh;
 }

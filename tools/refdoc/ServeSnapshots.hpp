@@ -95,7 +95,7 @@ public:
     const LoadCounts& lookupCounts() const { return lookupCounts_; }
     // The lookup names, for the search.
     const NameIndex& names() const { return *names_; }
-    // The product names of the page files (their stems without the language suffix).
+    // The names the page loader takes in this language (see pageFileRoles).
     const std::set<std::string>& pageNames() const { return pageNames_; }
 
     // The page file `name` (one of pageNames(), or any base name) in this snapshot's language.
