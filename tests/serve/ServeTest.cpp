@@ -9,12 +9,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <thread>
 
 namespace {
 
 using namespace refdoc::test;
+using namespace std::chrono_literals;
 
 // A lookup or page document: the two share their header.
 std::string resourceFile(const std::string& product, const std::string& folder, const std::string& items) {
@@ -162,6 +165,49 @@ TEST(Serve, FilesBrokenOrGoneBetweenRequestsAreReported) {
     ASSERT_TRUE(gone);
     EXPECT_EQ(gone->status, 503);
     EXPECT_TRUE(contains(gone->body, "has no docCatalog folder any more"));
+    EXPECT_EQ(server.stop(), 0);
+}
+
+// What a request loaded is kept while every data file keeps its name, size and modification
+// time, and loaded again as soon as one of them changes.
+TEST(Serve, LoadedDataIsKeptUntilADataFileChanges) {
+    const TempDir root;
+    const auto pagePath = root.path() / "docCatalog/referenceapi/p.json";
+    const auto lookupFile = root.path() / "docCatalog/referenceapi_lookup/q.json";
+    const auto past = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+    const auto writeAt = [&](const std::filesystem::path& file, const std::string& text, auto time) {
+        root.write(std::filesystem::relative(file, root.path()), text);
+        std::filesystem::last_write_time(file, time);
+    };
+    writeAt(pagePath, pageFile("p", page("p/f.html", "text A")), past);
+    ServerProcess server({"--root", root.path().string()});
+    auto client = server.client();
+    const auto shows = [&](const std::string& path, const std::string& text) {
+        const auto response = client.Get(path);
+        return response && response->status == 200 && contains(response->body, text);
+    };
+    const struct Step {
+        std::string what;
+        std::function<void()> edit;
+        std::string path;
+        std::string text;
+    } steps[] = {
+        {"first load", [] {}, "/ref/p/f.html", "text A"},
+        {"same size, later time", [&] { writeAt(pagePath, pageFile("p", page("p/f.html", "text B")), past + 1s); },
+         "/ref/p/f.html", "text B"},
+        // Nothing the key sees has changed, so the kept data answers.
+        {"same size and time", [&] { writeAt(pagePath, pageFile("p", page("p/f.html", "text C")), past + 1s); },
+         "/ref/p/f.html", "text B"},
+        {"same time, other size", [&] { writeAt(pagePath, pageFile("p", page("p/f.html", "text DD")), past + 1s); },
+         "/ref/p/f.html", "text DD"},
+        {"a file added", [&] { writeAt(lookupFile, resourceFile("Added", "q", ""), past); }, "/", "Added"},
+        {"a file removed", [&] { std::filesystem::remove(lookupFile); }, "/", "No lookup data found."},
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.what);
+        step.edit();
+        EXPECT_TRUE(shows(step.path, step.text));
+    }
     EXPECT_EQ(server.stop(), 0);
 }
 
