@@ -73,6 +73,11 @@ TEST(Serve, AnswersHostileRequestsWithClientErrorsAndKeepsServing) {
     const auto index = server.client().Get("/");
     ASSERT_TRUE(index);
     EXPECT_EQ(index->status, 200);
+    for (const char* link :
+         {"<a class=\"brand\" href=\"/?lang=en\">", "<a href=\"/?lang=ja\" hreflang=\"ja\">",
+          "<a href=\"/product/signal?lang=en\">", "<a id=\"problems-link\" href=\"/problems?lang=en\">"}) {
+        EXPECT_TRUE(contains(index->body, link)) << link;
+    }
     EXPECT_EQ(server.stop(), 0);
 }
 

@@ -33,7 +33,11 @@ std::string escape(std::string_view text) {
 
 std::string viewUrl(std::string_view path, std::string_view language, std::string_view fragment) {
     boost::urls::url url;
-    url.set_path(path);
+    if (path == "/") {
+        url.set_path_absolute(true); // Boost.URL 1.81 writes set_path("/") as "/./"
+    } else {
+        url.set_path(path);
+    }
     url.params().append({"lang", language});
     if (!fragment.empty()) {
         url.set_fragment(fragment);

@@ -4,6 +4,7 @@
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
+#include "PageView.hpp"
 #include "Text.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
@@ -12,138 +13,120 @@ namespace refdoc::tool {
 namespace {
 
 using reference::docparser::DocResourceParser;
-using namespace reference::property;
 
-template <class Enumeration>
-std::string spelling(typename Enumeration::Value value) {
-    return std::string(Enumeration::toString(value));
-}
-
-std::string joined(const std::vector<std::u16string>& values, std::string_view separator) {
-    std::vector<std::string> items;
-    for (const auto& value : values) {
-        items.push_back(toUtf8(value));
-    }
-    return joinList(items, separator);
-}
-
-// "name  purpose" followed by indented detail lines.
-void renderArgument(std::ostream& out, const ObjectInfo& info, std::vector<std::string> details) {
-    out << "    " << toUtf8(info.getName());
-    if (!info.getPurpose().empty()) {
-        out << " — " << toUtf8(info.getPurpose());
+// "name — purpose" followed by indented detail lines.
+void renderArgument(std::ostream& out, const PageView::Argument& argument, std::vector<std::string> details) {
+    out << "    " << argument.name;
+    if (!argument.purpose.empty()) {
+        out << " — " << argument.purpose;
     }
     out << '\n';
-    if (!info.getValues().empty()) {
-        details.insert(details.begin(), "values: " + joined(info.getValues(), ", "));
+    if (!argument.values.empty()) {
+        details.insert(details.begin(), "values: " + joinList(argument.values, ", "));
     }
-    details.push_back("anchor: " + toUtf8(info.getAnchor()));
+    details.push_back("anchor: " + argument.anchor);
     for (const auto& detail : details) {
         out << "        " << detail << '\n';
     }
 }
 
-void renderPage(std::ostream& out, const RefItem& page) {
-    std::vector<std::string> names;
+std::vector<std::string> defaultDetail(const PageView::Argument& argument) {
+    if (argument.defaultValue.empty()) {
+        return {};
+    }
+    return {"default: " + argument.defaultValue};
+}
+
+void renderPage(std::ostream& out, const PageView& page) {
     std::vector<std::string> kinds;
-    for (const auto& entity : page.getEntities()) {
-        names.push_back(toUtf8(entity.getName()));
-        if (const auto kind = spelling<RefEntityType>(entity.getEntityType()); !kind.empty()) {
-            kinds.push_back(kind);
+    for (const auto& entity : page.entities) {
+        if (!entity.type.empty()) {
+            kinds.push_back(entity.type);
         }
     }
-    out << "── " << (names.empty() ? toUtf8(page.getHref()) : joinList(names, ", "));
+    out << "── " << page.heading();
     if (!kinds.empty()) {
         out << "  [" << joinList(kinds, ", ") << ']';
     }
     out << '\n';
-    out << "  " << toUtf8(page.getPurpose()) << '\n';
-    out << "  Link: " << toUtf8(page.getHref()) << '\n';
+    out << "  " << page.purpose << '\n';
+    out << "  Link: " << page.href << '\n';
 
     std::vector<std::string> facts;
-    if (!page.getPackageName().empty()) {
-        facts.push_back("Package: " + toUtf8(page.getPackageName()));
+    if (!page.packageName.empty()) {
+        facts.push_back("Package: " + page.packageName);
     }
-    if (!page.getIntroduced().empty()) {
-        facts.push_back("Introduced: " + toUtf8(page.getIntroduced()));
+    if (!page.introduced.empty()) {
+        facts.push_back("Introduced: " + page.introduced);
     }
-    facts.push_back("Status: " + spelling<DeprecationStatus>(page.getDeprecationStatus()));
+    facts.push_back("Status: " + page.deprecationStatus);
     out << "  " << joinList(facts, "   ") << '\n';
-    if (!page.getDescription().empty()) {
-        out << "  " << toUtf8(page.getDescription()) << '\n';
+    if (!page.description.empty()) {
+        out << "  " << page.description << '\n';
     }
-    if (!page.getThumbnailFileRef().empty()) {
-        out << "  Thumbnail: " << toUtf8(page.getThumbnailFileRef()) << " (" << toUtf8(page.getThumbnailAltText())
-            << ")\n";
+    if (!page.thumbnailFileRef.empty()) {
+        out << "  Thumbnail: " << page.thumbnailFileRef << " (" << page.thumbnailAltText << ")\n";
     }
 
-    if (!page.getSyntaxGroups().empty()) {
+    if (!page.syntaxGroups.empty()) {
         out << "\n  Syntax\n";
-        for (const auto& group : page.getSyntaxGroups()) {
-            out << "    " << toUtf8(group.getTitle());
-            if (const auto type = spelling<SyntaxType>(group.getSyntaxType()); !type.empty()) {
-                out << " (" << type << ')';
+        for (const auto& group : page.syntaxGroups) {
+            out << "    " << group.title;
+            if (!group.syntaxType.empty()) {
+                out << " (" << group.syntaxType << ')';
             }
             out << '\n';
-            for (const auto& line : group.getSyntaxLines()) {
-                out << "        " << toUtf8(line) << '\n';
+            for (const auto& line : group.lines) {
+                out << "        " << line << '\n';
             }
         }
     }
-    for (const auto& group : page.getInputGroups()) {
-        out << "\n  Inputs: " << toUtf8(group.getTitle()) << '\n';
-        for (const auto& input : group.getInputs()) {
+    for (const auto& group : page.inputGroups) {
+        out << "\n  Inputs: " << group.title << '\n';
+        for (const auto& input : group.arguments) {
             std::vector<std::string> details;
-            if (const auto type = spelling<SyntaxType>(input.getSyntaxType()); !type.empty()) {
-                details.push_back("kind: " + type + (input.isNameValuePair() ? ", name-value pair" : ""));
-            } else if (input.isNameValuePair()) {
+            if (!input.syntaxType.empty()) {
+                details.push_back("kind: " + input.syntaxType + (input.nameValuePair ? ", name-value pair" : ""));
+            } else if (input.nameValuePair) {
                 details.push_back("kind: name-value pair");
             }
-            if (!input.getDefaultValue().empty()) {
-                details.push_back("default: " + toUtf8(input.getDefaultValue()));
+            for (auto& detail : defaultDetail(input)) {
+                details.push_back(std::move(detail));
             }
-            renderArgument(out, input.getInfo(), std::move(details));
+            renderArgument(out, input, std::move(details));
         }
     }
-    if (!page.getOutputs().empty()) {
+    if (!page.outputs.empty()) {
         out << "\n  Outputs\n";
-        for (const auto& output : page.getOutputs()) {
-            renderArgument(out, output.getInfo(), {});
+        for (const auto& output : page.outputs) {
+            renderArgument(out, output, {});
         }
     }
-    for (const auto& group : page.getClassPropertyGroups()) {
-        out << "\n  Properties" << (group.getTitle().empty() ? "" : ": " + toUtf8(group.getTitle())) << '\n';
-        for (const auto& property : group.getProperties()) {
-            std::vector<std::string> details;
-            if (!property.getDefaultValue().empty()) {
-                details.push_back("default: " + toUtf8(property.getDefaultValue()));
-            }
-            renderArgument(out, property.getInfo(), std::move(details));
+    for (const auto& group : page.propertyGroups) {
+        out << "\n  Properties" << (group.title.empty() ? "" : ": " + group.title) << '\n';
+        for (const auto& property : group.arguments) {
+            renderArgument(out, property, defaultDetail(property));
         }
     }
-    if (!page.getParameters().empty()) {
+    if (!page.parameters.empty()) {
         out << "\n  Parameters\n";
-        for (const auto& parameter : page.getParameters()) {
-            std::vector<std::string> details;
-            if (!parameter.getDefaultValue().empty()) {
-                details.push_back("default: " + toUtf8(parameter.getDefaultValue()));
-            }
-            renderArgument(out, parameter.getInfo(), std::move(details));
+        for (const auto& parameter : page.parameters) {
+            renderArgument(out, parameter, defaultDetail(parameter));
         }
     }
-    if (!page.getExamples().empty()) {
+    if (!page.examples.empty()) {
         out << "\n  Examples\n";
-        for (const auto& example : page.getExamples()) {
-            out << "    " << toUtf8(example.getTitle()) << "\n        " << toUtf8(example.getUrl()) << '\n';
-            if (!example.getOpenCommand().empty()) {
-                out << "        open: " << toUtf8(example.getOpenCommand()) << '\n';
+        for (const auto& example : page.examples) {
+            out << "    " << example.title << "\n        " << example.url << '\n';
+            if (!example.openCommand.empty()) {
+                out << "        open: " << example.openCommand << '\n';
             }
         }
     }
-    if (!page.getSeeAlso().empty()) {
+    if (!page.seeAlso.empty()) {
         out << "\n  See also\n";
-        for (const auto& link : page.getSeeAlso()) {
-            out << "    " << toUtf8(link.getName()) << "  " << toUtf8(link.getUrl()) << '\n';
+        for (const auto& link : page.seeAlso) {
+            out << "    " << link.name << "  " << link.url << '\n';
         }
     }
     out << '\n';
@@ -177,7 +160,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
             << "\n\n";
         for (const auto& entry : resource.getItems()) {
             for (const auto& page : entry.second) {
-                renderPage(out, page);
+                renderPage(out, makePageView(page));
             }
         }
     }

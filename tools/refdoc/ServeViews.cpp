@@ -5,6 +5,7 @@
 #include "ServeViews.hpp"
 
 #include "Html.hpp"
+#include "PageView.hpp"
 #include "Search.hpp"
 #include "Text.hpp"
 
@@ -267,32 +268,29 @@ std::string dataLink(PageContext& context, const std::string& url, const std::st
     return "<span class=\"unlinked\">" + escape(label) + "</span>";
 }
 
-std::string enumText(std::string_view text) { return escape(std::string(text)); }
-
-void renderArgument(std::string& out, const ObjectInfo& info, std::vector<std::string> details = {},
-                    const std::u16string& defaultValue = {}) {
-    if (!defaultValue.empty()) {
-        details.push_back("Default: <code>" + escape(toUtf8(defaultValue)) + "</code>");
+void renderArgument(std::string& out, const PageView::Argument& argument, std::vector<std::string> details = {}) {
+    if (!argument.defaultValue.empty()) {
+        details.push_back("Default: <code>" + escape(argument.defaultValue) + "</code>");
     }
     // Anchors come as "page.html#id"; the id is the element's.
-    const std::string full = toUtf8(info.getAnchor());
+    const std::string& full = argument.anchor;
     const std::string anchor = full.substr(full.find('#') == std::string::npos ? 0 : full.rfind('#') + 1);
     const bool linkable = html::isSafeId(anchor);
     out += linkable ? "<dt id=\"" + escape(anchor) + "\">" : std::string("<dt>");
-    out += "<code>" + escape(toUtf8(info.getName())) + "</code>";
+    out += "<code>" + escape(argument.name) + "</code>";
     if (linkable) {
         out += " <a class=\"anchor\" href=\"#" + escape(anchor) + "\">#" + escape(anchor) + "</a>";
     } else if (!full.empty()) {
         out += " <span class=\"muted\">anchor " + escape(full) + "</span>";
     }
     out += "</dt><dd>";
-    if (!info.getPurpose().empty()) {
-        out += "<div>" + escape(toUtf8(info.getPurpose())) + "</div>";
+    if (!argument.purpose.empty()) {
+        out += "<div>" + escape(argument.purpose) + "</div>";
     }
-    if (!info.getValues().empty()) {
+    if (!argument.values.empty()) {
         std::vector<std::string> values;
-        for (const auto& value : info.getValues()) {
-            values.push_back("<code>" + escape(toUtf8(value)) + "</code>");
+        for (const auto& value : argument.values) {
+            values.push_back("<code>" + escape(value) + "</code>");
         }
         out += "<div class=\"muted\">Values: " + joinList(values, ", ") + "</div>";
     }
@@ -302,119 +300,109 @@ void renderArgument(std::string& out, const ObjectInfo& info, std::vector<std::s
     out += "</dd>\n";
 }
 
-void renderPage(std::string& out, PageContext& context, const RefItem& page) {
-    std::vector<std::string> names;
-    std::vector<std::string> kinds;
-    for (const auto& entity : page.getEntities()) {
-        names.push_back(escape(toUtf8(entity.getName())));
-        if (const auto kind = std::string(RefEntityType::toString(entity.getEntityType())); !kind.empty()) {
-            kinds.push_back("<span class=\"tag\">" + escape(kind) + "</span>");
+void renderPage(std::string& out, PageContext& context, const PageView& page) {
+    std::string kinds;
+    for (const auto& entity : page.entities) {
+        if (!entity.type.empty()) {
+            kinds += "<span class=\"tag\">" + escape(entity.type) + "</span>";
         }
     }
-    out += "<article class=\"page\">\n<h1>" + (names.empty() ? escape(toUtf8(page.getHref())) : joinList(names, ", ")) +
-           joinList(kinds, "");
-    if (page.getDeprecationStatus() != DeprecationStatus::Value{}) {
-        out += "<span class=\"tag deprecated\">" + enumText(DeprecationStatus::toString(page.getDeprecationStatus())) +
-               "</span>";
+    out += "<article class=\"page\">\n<h1>" + escape(page.heading()) + kinds;
+    if (page.deprecated) {
+        out += "<span class=\"tag deprecated\">" + escape(page.deprecationStatus) + "</span>";
     }
-    out += "</h1>\n<p class=\"purpose\" id=\"purpose\">" + escape(toUtf8(page.getPurpose())) + "</p>\n";
-    std::vector<std::string> facts{"Page <code>" + escape(toUtf8(page.getHref())) + "</code>"};
-    if (!page.getPackageName().empty()) {
-        facts.push_back("package <code>" + escape(toUtf8(page.getPackageName())) + "</code>");
+    out += "</h1>\n<p class=\"purpose\" id=\"purpose\">" + escape(page.purpose) + "</p>\n";
+    std::vector<std::string> facts{"Page <code>" + escape(page.href) + "</code>"};
+    if (!page.packageName.empty()) {
+        facts.push_back("package <code>" + escape(page.packageName) + "</code>");
     }
-    if (!page.getIntroduced().empty()) {
-        facts.push_back("introduced in " + escape(toUtf8(page.getIntroduced())));
+    if (!page.introduced.empty()) {
+        facts.push_back("introduced in " + escape(page.introduced));
     }
-    facts.push_back("status " + enumText(DeprecationStatus::toString(page.getDeprecationStatus())));
+    facts.push_back("status " + escape(page.deprecationStatus));
     out += "<p class=\"meta\">" + joinList(facts, " · ") + "</p>\n";
-    if (!page.getDescription().empty()) {
-        out += "<p class=\"description\">" + escape(toUtf8(page.getDescription())) + "</p>\n";
+    if (!page.description.empty()) {
+        out += "<p class=\"description\">" + escape(page.description) + "</p>\n";
     }
-    if (!page.getThumbnailFileRef().empty() || !page.getThumbnailAltText().empty()) {
-        out += "<p class=\"meta thumbnail\">Thumbnail <code>" + escape(toUtf8(page.getThumbnailFileRef())) + "</code>" +
-               (page.getThumbnailAltText().empty() ? "" : ": " + escape(toUtf8(page.getThumbnailAltText()))) + "</p>\n";
+    if (!page.thumbnailFileRef.empty() || !page.thumbnailAltText.empty()) {
+        out += "<p class=\"meta thumbnail\">Thumbnail <code>" + escape(page.thumbnailFileRef) + "</code>" +
+               (page.thumbnailAltText.empty() ? "" : ": " + escape(page.thumbnailAltText)) + "</p>\n";
     }
-    if (!page.getSyntaxGroups().empty()) {
+    if (!page.syntaxGroups.empty()) {
         out += "<section id=\"syntax\"><h2>Syntax</h2>\n";
-        for (const auto& group : page.getSyntaxGroups()) {
-            out += "<h3>" + escape(toUtf8(group.getTitle()));
-            if (const auto type = std::string(SyntaxType::toString(group.getSyntaxType())); !type.empty()) {
-                out += "<span class=\"tag\">" + escape(type) + "</span>";
+        for (const auto& group : page.syntaxGroups) {
+            out += "<h3>" + escape(group.title);
+            if (!group.syntaxType.empty()) {
+                out += "<span class=\"tag\">" + escape(group.syntaxType) + "</span>";
             }
             out += "</h3><pre>";
-            for (const auto& line : group.getSyntaxLines()) {
-                out += escape(toUtf8(line)) + "\n";
+            for (const auto& line : group.lines) {
+                out += escape(line) + "\n";
             }
             out += "</pre>\n";
         }
         out += "</section>\n";
     }
-    if (!page.getInputGroups().empty()) {
+    if (!page.inputGroups.empty()) {
         out += "<section id=\"inputs\"><h2>Inputs</h2>\n";
-        for (const auto& group : page.getInputGroups()) {
-            out += "<h3>" + escape(toUtf8(group.getTitle())) + "</h3><dl class=\"args\">\n";
-            for (const auto& input : group.getInputs()) {
-                std::vector<std::string> details;
-                std::string kind = std::string(SyntaxType::toString(input.getSyntaxType()));
-                if (input.isNameValuePair()) {
+        for (const auto& group : page.inputGroups) {
+            out += "<h3>" + escape(group.title) + "</h3><dl class=\"args\">\n";
+            for (const auto& input : group.arguments) {
+                std::string kind = input.syntaxType;
+                if (input.nameValuePair) {
                     kind += kind.empty() ? "name-value pair" : ", name-value pair";
                 }
-                if (!kind.empty()) {
-                    details.push_back("Kind: " + escape(kind));
-                }
-                renderArgument(out, input.getInfo(), std::move(details), input.getDefaultValue());
+                renderArgument(out, input,
+                               kind.empty() ? std::vector<std::string>{} : std::vector{"Kind: " + escape(kind)});
             }
             out += "</dl>\n";
         }
         out += "</section>\n";
     }
-    if (!page.getOutputs().empty()) {
+    if (!page.outputs.empty()) {
         out += "<section id=\"outputs\"><h2>Outputs</h2><dl class=\"args\">\n";
-        for (const auto& output : page.getOutputs()) {
-            renderArgument(out, output.getInfo());
+        for (const auto& output : page.outputs) {
+            renderArgument(out, output);
         }
         out += "</dl></section>\n";
     }
-    if (!page.getClassPropertyGroups().empty()) {
+    if (!page.propertyGroups.empty()) {
         out += "<section id=\"properties\"><h2>Properties</h2>\n";
-        for (const auto& group : page.getClassPropertyGroups()) {
-            if (!group.getTitle().empty()) {
-                out += "<h3>" + escape(toUtf8(group.getTitle())) + "</h3>";
+        for (const auto& group : page.propertyGroups) {
+            if (!group.title.empty()) {
+                out += "<h3>" + escape(group.title) + "</h3>";
             }
             out += "<dl class=\"args\">\n";
-            for (const auto& property : group.getProperties()) {
-                renderArgument(out, property.getInfo(), {}, property.getDefaultValue());
+            for (const auto& property : group.arguments) {
+                renderArgument(out, property);
             }
             out += "</dl>\n";
         }
         out += "</section>\n";
     }
-    if (!page.getParameters().empty()) {
+    if (!page.parameters.empty()) {
         out += "<section id=\"parameters\"><h2>Parameters</h2><dl class=\"args\">\n";
-        for (const auto& parameter : page.getParameters()) {
-            renderArgument(out, parameter.getInfo(), {}, parameter.getDefaultValue());
+        for (const auto& parameter : page.parameters) {
+            renderArgument(out, parameter);
         }
         out += "</dl></section>\n";
     }
-    if (!page.getExamples().empty()) {
+    if (!page.examples.empty()) {
         out += "<section id=\"examples\"><h2>Examples</h2><ul class=\"plain\">\n";
-        for (const auto& example : page.getExamples()) {
-            const std::string url = toUtf8(example.getUrl());
-            out += "<li>" + dataLink(context, url, toUtf8(example.getTitle())) + " <code class=\"muted\">" +
-                   escape(url) + "</code>";
-            if (!example.getOpenCommand().empty()) {
-                out += "<div class=\"muted\">Open with <code>" + escape(toUtf8(example.getOpenCommand())) +
-                       "</code></div>";
+        for (const auto& example : page.examples) {
+            out += "<li>" + dataLink(context, example.url, example.title) + " <code class=\"muted\">" +
+                   escape(example.url) + "</code>";
+            if (!example.openCommand.empty()) {
+                out += "<div class=\"muted\">Open with <code>" + escape(example.openCommand) + "</code></div>";
             }
             out += "</li>\n";
         }
         out += "</ul></section>\n";
     }
-    if (!page.getSeeAlso().empty()) {
+    if (!page.seeAlso.empty()) {
         out += "<section id=\"seealso\" class=\"seealso\"><h2>See also</h2><ul class=\"plain\">\n";
-        for (const auto& link : page.getSeeAlso()) {
-            const std::string url = toUtf8(link.getUrl());
-            out += "<li>" + dataLink(context, url, toUtf8(link.getName())) + " <code class=\"muted\">" + escape(url) +
+        for (const auto& link : page.seeAlso) {
+            out += "<li>" + dataLink(context, link.url, link.name) + " <code class=\"muted\">" + escape(link.url) +
                    "</code></li>\n";
         }
         out += "</ul></section>\n";
@@ -452,7 +440,7 @@ void pageView(const Snapshot& snapshot, const std::string& href, View& view) {
             if (view.title == href && !page.getEntities().empty()) {
                 view.title = toUtf8(page.getEntities().front().getName());
             }
-            renderPage(view.body, context, page);
+            renderPage(view.body, context, makePageView(page));
         }
         view.body += "<p class=\"meta\">From page file <code>" + escape(name) + ".json</code></p>\n";
         return;
