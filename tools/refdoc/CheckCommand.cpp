@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <set>
 #include <system_error>
 #include <tuple>
@@ -337,8 +338,14 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
 
 namespace {
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
-    const HostSettings settings = resolveHostSettings(args);
+struct Options {
+    HostOptions host;
+    bool json = false;
+    bool quiet = false;
+};
+
+int run(const Options& options, std::ostream& out) {
+    const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     const Report report = buildReport(settings);
     const std::vector<std::string>& languages = report.languages;
@@ -346,7 +353,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
     const std::size_t warnings = report.warnings;
     const std::size_t read = report.files.size() - dropped;
 
-    if (args.has("--json")) {
+    if (options.json) {
         boost::json::array files;
         for (const auto& file : report.files) {
             boost::json::value entry = toJson(file.diagnostic, settings.root);
@@ -376,7 +383,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
                       {"summary", boost::json::object{{"read", read}, {"dropped", dropped}, {"warnings", warnings}}},
                   });
     } else {
-        writeText(out, report, settings, args.has("--quiet"));
+        writeText(out, report, settings, options.quiet);
         out << "\nSummary: " << read << (read == 1 ? " file" : " files") << " read, " << dropped << " dropped, "
             << warnings << (warnings == 1 ? " warning" : " warnings") << '\n';
     }
@@ -387,9 +394,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
 
 Command checkCommand() {
     Command command;
-    command.syntax.name = "check";
-    addHostOptions(command.syntax);
-    command.syntax.flags = {"--json", "--quiet"};
+    command.name = "check";
     command.summary = "read every lookup and page file and report each one the library would drop";
     command.help = "Usage: refdoc check [options]\n"
                    "\n"
@@ -409,7 +414,13 @@ Command checkCommand() {
                    "  --quiet                  list only files that are dropped or have warnings\n"
                    "  --json                   print the report as JSON\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addFlag(app, "--json", options->json);
+        addFlag(app, "--quiet", options->quiet);
+        return [options](std::ostream& out, std::ostream&) { return run(*options, out); };
+    };
     return command;
 }
 

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <optional>
 #include <tuple>
 
@@ -106,29 +107,23 @@ std::vector<Hit> findHits(const LookupResults& results, const std::vector<std::u
 
 namespace {
 
-std::size_t parseLimit(const std::optional<std::string>& text) {
-    if (!text) {
-        return 0;
-    }
-    std::size_t limit = 0;
-    const auto* end = text->data() + text->size();
-    const auto [next, error] = std::from_chars(text->data(), end, limit);
-    if (error != std::errc() || next != end || limit == 0) {
-        throw UsageError("--limit needs a positive number, not '" + *text + "'");
-    }
-    return limit;
-}
+struct Options {
+    HostOptions host;
+    bool json = false;
+    std::size_t limit = 0; // 0: no limit
+    std::vector<std::string> texts;
+};
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
+int run(const Options& options, std::ostream& out, std::ostream& err) {
     std::vector<std::u32string> queries;
-    for (const auto& text : args.positionals) {
+    for (const auto& text : options.texts) {
         if (text.empty()) {
             throw UsageError("search TEXT must not be empty");
         }
         queries.push_back(foldCase(toUtf16(text)));
     }
-    const std::size_t limit = parseLimit(args.value("--limit"));
-    const HostSettings settings = resolveHostSettings(args);
+    const std::size_t limit = options.limit;
+    const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     const auto results = DocResourceParser::getResourceLookupFiles();
 
@@ -138,7 +133,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
         hits.resize(limit);
     }
 
-    if (args.has("--json")) {
+    if (options.json) {
         boost::json::array array;
         for (const auto& hit : hits) {
             array.push_back(boost::json::object{{"match", std::string(matchName(hit.match))},
@@ -153,7 +148,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
         return hits.empty() ? kExitProblem : kExitOk;
     }
     if (hits.empty()) {
-        err << "refdoc: no lookup entry matches " << joinList(args.positionals, ", ") << '\n';
+        err << "refdoc: no lookup entry matches " << joinList(options.texts, ", ") << '\n';
         return kExitProblem;
     }
     for (const auto& hit : hits) {
@@ -171,13 +166,8 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command findCommand() {
     Command command;
-    command.syntax.name = "find";
-    addHostOptions(command.syntax);
-    command.syntax.valueOptions.insert("--limit");
-    command.syntax.flags = {"--json"};
-    command.syntax.minPositionals = 1;
-    command.syntax.maxPositionals = static_cast<std::size_t>(-1);
-    command.syntax.positionalName = "the TEXT to search for";
+    command.name = "find";
+    command.needs = "the TEXT to search for";
     command.summary = "search the lookup names (exact, then prefix, then substring matches)";
     command.help = "Usage: refdoc find TEXT [TEXT...] [options]\n"
                    "\n"
@@ -190,7 +180,23 @@ Command findCommand() {
                    "  --limit N                print at most N matches\n"
                    "  --json                   print the matches as JSON\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addFlag(app, "--json", options->json);
+        addValueOption(app, "--limit", options->limit)
+            ->check(toolCheck(
+                [](const std::string& value) {
+                    std::size_t limit = 0;
+                    const auto [next, error] = std::from_chars(value.data(), value.data() + value.size(), limit);
+                    return error == std::errc() && next == value.data() + value.size() && limit != 0
+                               ? std::string()
+                               : "needs a positive number, not '" + value + "'";
+                },
+                "N"));
+        app.add_option("TEXT", options->texts)->required();
+        return [options](std::ostream& out, std::ostream& err) { return run(*options, out, err); };
+    };
     return command;
 }
 

@@ -24,14 +24,15 @@ namespace {
 using reference::docparser::DocResourceParser;
 
 // Language codes name files (pname_ja.json), so they are kept to what a file name can carry.
-void checkLanguageCode(const std::string& code, const std::string& origin) {
-    bool valid = !code.empty();
-    for (const char c : code) {
-        valid = valid &&
-                ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-');
-    }
-    if (!valid) {
-        throw UsageError("invalid language code '" + code + "' in " + origin);
+bool isLanguageCode(const std::string& code) {
+    return !code.empty() && std::all_of(code.begin(), code.end(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+    });
+}
+
+void checkLanguageCode(const std::string& code, const std::filesystem::path& file) {
+    if (!isLanguageCode(code)) {
+        throw UsageError(file.string() + ": invalid language code '" + code + "'");
     }
 }
 
@@ -77,8 +78,12 @@ void readHostFile(const std::filesystem::path& file, HostSettings& settings) {
                 throw UsageError(file.string() + ": \"language\" must be a string");
             }
             settings.language.assign(language->data(), language->size());
+            checkLanguageCode(settings.language, file);
         } else if (key == "supportedLanguages") {
             settings.supportedLanguages = stringList(member.value(), key, file);
+            for (const auto& code : settings.supportedLanguages) {
+                checkLanguageCode(code, file);
+            }
         } else if (key == "installedProducts") {
             settings.installedProducts = stringList(member.value(), key, file);
         } else if (key == "installedSupportPackages") {
@@ -181,8 +186,22 @@ std::vector<std::string> languagesPresent(const std::filesystem::path& root) {
     return languages;
 }
 
-void addHostOptions(CommandSyntax& syntax) {
-    syntax.valueOptions.insert({"--root", "--lang", "--languages", "--installed", "--support-packages"});
+void addHostOptions(CLI::App& app, HostOptions& options) {
+    const CLI::Validator languageCode = toolCheck(
+        [](const std::string& value) {
+            for (const auto& code : splitList(value)) {
+                if (!isLanguageCode(code)) {
+                    return "invalid language code '" + code + "'";
+                }
+            }
+            return std::string();
+        },
+        "CODE");
+    addValueOption(app, "--root", options.root);
+    addValueOption(app, "--lang", options.language)->check(languageCode);
+    addListOption(app, "--languages", options.supportedLanguages)->check(languageCode);
+    addListOption(app, "--installed", options.installedProducts);
+    addListOption(app, "--support-packages", options.installedSupportPackages);
 }
 
 std::filesystem::path findSampleRoot() {
@@ -203,9 +222,9 @@ std::filesystem::path findSampleRoot() {
     return {};
 }
 
-HostSettings resolveHostSettings(const ParsedArgs& args) {
+HostSettings resolveHostSettings(const HostOptions& options) {
     HostSettings settings;
-    if (const auto root = args.value("--root")) {
+    if (const auto& root = options.root) {
         if (root->empty()) {
             throw UsageError("--root needs a folder");
         }
@@ -233,24 +252,20 @@ HostSettings resolveHostSettings(const ParsedArgs& args) {
 
     readHostFile(settings.root / kHostFileName, settings);
 
-    const bool languagesGiven = args.value("--languages").has_value();
-    if (const auto language = args.value("--lang")) {
-        settings.language = *language;
+    const bool languagesGiven = options.supportedLanguages.has_value();
+    if (options.language) {
+        settings.language = *options.language;
     }
     if (languagesGiven) {
-        settings.supportedLanguages = splitList(*args.value("--languages"));
+        settings.supportedLanguages = *options.supportedLanguages;
     }
-    if (const auto products = args.value("--installed")) {
-        settings.installedProducts = splitList(*products);
+    if (options.installedProducts) {
+        settings.installedProducts = *options.installedProducts;
     }
-    if (const auto packages = args.value("--support-packages")) {
-        settings.installedSupportPackages = splitList(*packages);
+    if (options.installedSupportPackages) {
+        settings.installedSupportPackages = *options.installedSupportPackages;
     }
 
-    checkLanguageCode(settings.language, "--lang");
-    for (const auto& code : settings.supportedLanguages) {
-        checkLanguageCode(code, "--languages");
-    }
     const bool fromRoot = settings.supportedLanguages.empty() && !languagesGiven;
     if (fromRoot) {
         settings.supportedLanguages = languagesPresent(settings.root);

@@ -28,12 +28,22 @@ struct HostSettings {
     std::vector<std::string> installedSupportPackages;
 };
 
-// The options every command that loads data accepts.
-void addHostOptions(CommandSyntax& syntax);
+// The host settings given on the command line; what is not given comes from the host file or
+// the defaults.
+struct HostOptions {
+    std::optional<std::string> root;
+    std::optional<std::string> language;
+    std::optional<std::vector<std::string>> supportedLanguages;
+    std::optional<std::vector<std::string>> installedProducts;
+    std::optional<std::vector<std::string>> installedSupportPackages;
+};
 
-// The settings for `args`. Throws UsageError for a root that is missing or not a documentation
-// root, for a malformed language code and for a host file that cannot be used.
-HostSettings resolveHostSettings(const ParsedArgs& args);
+// The options every command that loads data accepts.
+void addHostOptions(CLI::App& app, HostOptions& options);
+
+// The settings for `options`. Throws UsageError for a root that is missing or not a
+// documentation root, for a malformed language code and for a host file that cannot be used.
+HostSettings resolveHostSettings(const HostOptions& options);
 
 // Makes the library and the stand-ins use `settings`, for this process.
 void applyHostSettings(const HostSettings& settings);

@@ -11,6 +11,7 @@
 #include <boost/json/object.hpp>
 
 #include <algorithm>
+#include <memory>
 
 namespace refdoc::tool {
 namespace {
@@ -34,8 +35,13 @@ void addRows(const DocResourceParser::LookupResourceMap& resources, bool install
     }
 }
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
-    const HostSettings settings = resolveHostSettings(args);
+struct Options {
+    HostOptions host;
+    bool json = false;
+};
+
+int run(const Options& options, std::ostream& out, std::ostream& err) {
+    const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     if (std::find(settings.supportedLanguages.begin(), settings.supportedLanguages.end(), settings.language) ==
         settings.supportedLanguages.end()) {
@@ -44,7 +50,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
     }
     const auto results = DocResourceParser::getResourceLookupFiles();
 
-    if (args.has("--json")) {
+    if (options.json) {
         writeJson(out, boost::json::object{{"installedResources", toJson(results.installedResources)},
                                            {"uninstalledResources", toJson(results.uninstalledResources)}});
         return kExitOk;
@@ -84,9 +90,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command lookupCommand() {
     Command command;
-    command.syntax.name = "lookup";
-    addHostOptions(command.syntax);
-    command.syntax.flags = {"--json"};
+    command.name = "lookup";
     command.summary = "list every product's lookup index: key, installed or not, product name, items";
     command.help = "Usage: refdoc lookup [options]\n"
                    "\n"
@@ -98,7 +102,12 @@ Command lookupCommand() {
                    "  --json                   print the whole result (installedResources and\n"
                    "                           uninstalledResources) as JSON\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addFlag(app, "--json", options->json);
+        return [options](std::ostream& out, std::ostream& err) { return run(*options, out, err); };
+    };
     return command;
 }
 

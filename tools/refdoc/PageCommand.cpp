@@ -9,6 +9,8 @@
 
 #include <reference/docparser/DocResourceParser.hpp>
 
+#include <memory>
+
 namespace refdoc::tool {
 namespace {
 
@@ -132,16 +134,22 @@ void renderPage(std::ostream& out, const PageView& page) {
     out << '\n';
 }
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
-    const std::string& name = args.positionals.front();
+struct Options {
+    HostOptions host;
+    bool json = false;
+    std::string name;
+};
+
+int run(const Options& options, std::ostream& out, std::ostream& err) {
+    const std::string& name = options.name;
     if (name.empty() || name.find('/') != std::string::npos) {
         throw UsageError("NAME must be a product's page file name without folder, locale suffix or extension");
     }
-    const HostSettings settings = resolveHostSettings(args);
+    const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     const auto pages = DocResourceParser::getResourceFile(toUtf16(name));
 
-    if (args.has("--json")) {
+    if (options.json) {
         writeJson(out, toJson(pages));
         return pages.empty() ? kExitProblem : kExitOk;
     }
@@ -171,12 +179,8 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command pageCommand() {
     Command command;
-    command.syntax.name = "page";
-    addHostOptions(command.syntax);
-    command.syntax.flags = {"--json"};
-    command.syntax.minPositionals = 1;
-    command.syntax.maxPositionals = 1;
-    command.syntax.positionalName = "a product NAME";
+    command.name = "page";
+    command.needs = "a product NAME";
     command.summary = "show one product's reference pages";
     command.help = "Usage: refdoc page NAME [options]\n"
                    "\n"
@@ -188,7 +192,13 @@ Command pageCommand() {
                    "Options:\n"
                    "  --json                   print the full page records as JSON\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addFlag(app, "--json", options->json);
+        app.add_option("NAME", options->name)->required();
+        return [options](std::ostream& out, std::ostream& err) { return run(*options, out, err); };
+    };
     return command;
 }
 

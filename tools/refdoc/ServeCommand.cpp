@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstring>
 #include <iostream>
+#include <memory>
 #include <thread>
 
 #include <pthread.h>
@@ -34,26 +35,16 @@ void socketOptions(socket_t sock) {
     ::setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
 }
 
-std::uint16_t parsePort(const std::optional<std::string>& text) {
-    if (!text) {
-        return 8737;
-    }
-    unsigned value = 0;
-    const auto* end = text->data() + text->size();
-    const auto [next, error] = std::from_chars(text->data(), end, value);
-    if (error != std::errc() || next != end || value > 65535) {
-        throw UsageError("--port needs a number from 0 to 65535, not '" + *text + "'");
-    }
-    return static_cast<std::uint16_t>(value);
-}
+struct Options {
+    HostOptions host;
+    std::uint16_t port = 8737;
+    std::string bind = "127.0.0.1";
+};
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
-    const std::uint16_t port = parsePort(args.value("--port"));
-    const std::string bind = args.value("--bind").value_or("127.0.0.1");
-    if (bind.empty()) {
-        throw UsageError("--bind needs an address");
-    }
-    HostSettings settings = resolveHostSettings(args);
+int run(const Options& options, std::ostream& out, std::ostream& err) {
+    const std::uint16_t port = options.port;
+    const std::string& bind = options.bind;
+    HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     if (std::find(settings.supportedLanguages.begin(), settings.supportedLanguages.end(), settings.language) ==
         settings.supportedLanguages.end()) {
@@ -122,9 +113,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command serveCommand() {
     Command command;
-    command.syntax.name = "serve";
-    addHostOptions(command.syntax);
-    command.syntax.valueOptions.insert({"--port", "--bind"});
+    command.name = "serve";
     command.summary = "show the documentation root in a web browser, reloaded when its files change";
     command.help = "Usage: refdoc serve [options]\n"
                    "\n"
@@ -142,7 +131,25 @@ Command serveCommand() {
                    "                           reach it read the documentation root's data and its file\n"
                    "                           paths, without any password\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addValueOption(app, "--port", options->port)
+            ->check(toolCheck(
+                [](const std::string& value) {
+                    unsigned port = 0;
+                    const auto [next, error] = std::from_chars(value.data(), value.data() + value.size(), port);
+                    return error == std::errc() && next == value.data() + value.size() && port <= 65535
+                               ? std::string()
+                               : "needs a number from 0 to 65535, not '" + value + "'";
+                },
+                "N"));
+        addValueOption(app, "--bind", options->bind)
+            ->check(
+                toolCheck([](const std::string& value) { return value.empty() ? "needs an address" : std::string(); },
+                          "ADDRESS"));
+        return [options](std::ostream& out, std::ostream& err) { return run(*options, out, err); };
+    };
     return command;
 }
 
