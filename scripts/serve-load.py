@@ -105,6 +105,9 @@ def main():
         root = os.path.join(scratch, "root")
         subprocess.run([args.corpus_tool, root, "--products", str(args.products)], check=True,
                        stdout=subprocess.DEVNULL)
+        # The server keeps nothing it loaded from files written in the last 2 seconds (they
+        # could change again within the timestamps' granularity): let the new root settle.
+        time.sleep(2.5)
     server = None
     try:
         server, port = start_server(args.tool, root)
