@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <tuple>
@@ -81,11 +82,18 @@ std::vector<Hit> NameIndex::find(const std::vector<std::u32string>& queries, std
             total += name.entries->size();
         }
     }
-    // The entries of one name stay in their order, and names that tie keep the load's order.
-    std::stable_sort(matches.begin(), matches.end(), [](const auto& a, const auto& b) {
-        return std::tie(a.first, a.second->folded, a.second->name, *a.second->productKey) <
-               std::tie(b.first, b.second->folded, b.second->name, *b.second->productKey);
-    });
+    // The order is total (a product key holds a name once; installed products come first, as
+    // they are collected), so only the names that can make the first `limit` hits need sorting;
+    // each name's entries stay in their order.
+    const std::size_t sorted = std::min(limit, matches.size());
+    std::partial_sort(matches.begin(), matches.begin() + static_cast<std::ptrdiff_t>(sorted), matches.end(),
+                      [](const auto& a, const auto& b) {
+                          return std::make_tuple(a.first, std::cref(a.second->folded), std::cref(a.second->name),
+                                                 std::cref(*a.second->productKey), !a.second->installed) <
+                                 std::make_tuple(b.first, std::cref(b.second->folded), std::cref(b.second->name),
+                                                 std::cref(*b.second->productKey), !b.second->installed);
+                      });
+    matches.resize(sorted);
     std::vector<Hit> hits;
     for (const auto& [match, name] : matches) {
         for (const auto& entry : *name->entries) {
