@@ -123,6 +123,45 @@ TEST(ToolCheck, ReadsEveryLanguageVariantAndQuietListsOnlyProblems) {
         << broken.out;
 }
 
+// Which page file is a base file, which a variant of a supported language and which is passed
+// over is the library's own enumeration; the languages come from the file names when neither
+// the options nor a host file name them.
+TEST(ToolCheck, PageFilesPlayTheRolesTheLibraryGivesThem) {
+    const TempDir root;
+    root.write(kLookup / "alpha.json", lookupText("alpha"));
+    root.write(kLookup / "alpha_ko.json", lookupText("alpha"));
+    const std::string pages = fileText(pageDocument({"Alpha", "AL", "alpha"}, {{"a.html", "A"}}));
+    for (const char* name : {"alpha.json", "alpha_ja.json", "alpha_ko.json", "beta_fr.json", "gamma_ja.json"}) {
+        root.write(kPages / name, pages);
+    }
+    ZipWriter().add("delta.json", pages).write(root.path() / kPages / "delta.zip");
+
+    const ToolRun result = check(root, {"--json"});
+    ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);
+    const json::value report = result.json();
+    EXPECT_EQ(report.at("languages"), json::parse(R"(["en", "ja", "ko"])"));
+    const struct Case {
+        std::string path;
+        bool variant;
+    } cases[] = {
+        {"referenceapi/alpha.json", false},
+        {"referenceapi/alpha_ja.json", true},
+        {"referenceapi/alpha_ko.json", true},
+        {"referenceapi/beta_fr.json", false}, // fr is no language of this root: a product of its own
+        {"referenceapi/gamma_ja.json", true}, // a translation without its English file
+        {"referenceapi_lookup/alpha_ko.json", true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        const json::value record = recordOf(report, c.path);
+        ASSERT_FALSE(record.is_null()) << "not read";
+        EXPECT_EQ(record.at("localeVariant"), c.variant);
+        EXPECT_EQ(record.at("dropped"), false);
+    }
+    EXPECT_EQ(report.at("ignored"), json::parse(R"(["docCatalog/referenceapi/delta.zip"])"));
+    EXPECT_EQ(report.at("files").as_array().size(), 7u);
+}
+
 TEST(ToolCheck, WarnsAboutWhatIsReadOnlyLeniently) {
     const TempDir root;
     root.write(kLookup / "lenient.json", R"({
