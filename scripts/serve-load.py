@@ -7,7 +7,8 @@ or on the root given, and measures:
   1. the first search (the load) and a search alone (median of 5);
   2. a search while 8 idle keep-alive connections are open;
   3. 50 searches sent at once: when the last one answers;
-  4. searches sent while a /problems request of a changed root is being answered.
+  4. searches sent while the first request in another language loads that language;
+  5. searches sent while a /problems request of a changed root is being answered.
 Every request has a time limit; the server is stopped at the end whatever happened.
 
   scripts/serve-load.py [--tool build/debug/tools/refdoc/refdoc] [--root DIR]
@@ -17,6 +18,7 @@ Every request has a time limit; the server is stopped at the end whatever happen
 import argparse
 import http.client
 import os
+import re
 import shutil
 import signal
 import statistics
@@ -65,6 +67,28 @@ def parallel(port, paths):
     for thread in threads:
         thread.join()
     return results, time.monotonic() - start
+
+
+def get_text(port, path):
+    connection = http.client.HTTPConnection("127.0.0.1", port, timeout=REQUEST_TIMEOUT)
+    try:
+        connection.request("GET", path)
+        return connection.getresponse().read().decode("utf-8", "replace")
+    finally:
+        connection.close()
+
+
+def run_beside(port, slow_path, path, limit=20):
+    """Sends slow_path, and path one after another for as long as it runs: ([(status, seconds)], its answer)."""
+    answer = {}
+    thread = threading.Thread(target=lambda: answer.setdefault("slow", get(port, slow_path)))
+    thread.start()
+    time.sleep(0.05)
+    beside = []
+    while thread.is_alive() and len(beside) < limit:
+        beside.append(get(port, path))
+    thread.join()
+    return beside, answer["slow"]
 
 
 def ms(seconds):
@@ -140,30 +164,27 @@ def main():
         print(f"50 parallel searches: all answered within {ms(wall)} "
               f"(slowest {ms(max(s for _, s in results))})")
 
+        # The first request in another language loads that language; searches in the loaded
+        # one run beside it.
+        switch = re.search(r'hreflang="([^"]+)"', get_text(port, "/"))
+        other = switch.group(1) if switch else None
+        if other is not None:
+            beside_load, load_result = run_beside(port, f"{search}&lang={other}", search)
+            failed += load_result[0] != 200 or any(status != 200 for status, _ in beside_load)
+            print(f"first search in {other} (loads it) took {ms(load_result[1])}; {len(beside_load)} searches in en "
+                  f"beside it, slowest {ms(max((s for _, s in beside_load), default=0))}")
+
         # A changed root makes /problems read every file again; searches run beside it. The
         # server keeps nothing loaded from files changed in the last 2 seconds, so the edit is
         # left to settle and the search loads it once before the measurement.
         touch_one_lookup_file(root)
         time.sleep(2.5)
         get(port, search)
-        problems_result = {}
-
-        def problems():
-            problems_result["answer"] = get(port, "/problems")
-
-        thread = threading.Thread(target=problems)
-        thread.start()
-        time.sleep(0.2)
-        beside = []
-        while thread.is_alive() and len(beside) < 20:
-            status, seconds = get(port, search)
-            failed += status != 200
-            beside.append(seconds)
-        thread.join()
-        status, seconds = problems_result["answer"]
-        failed += status != 200
+        beside, (status, seconds) = run_beside(port, "/problems", search)
+        failed += status != 200 or any(status != 200 for status, _ in beside)
         if beside:
-            print(f"/problems took {ms(seconds)}; {len(beside)} searches beside it, slowest {ms(max(beside))}")
+            print(f"/problems took {ms(seconds)}; {len(beside)} searches beside it, "
+                  f"slowest {ms(max(s for _, s in beside))}")
         else:
             print(f"/problems took {ms(seconds)}; it ended before a search could be sent beside it")
         print(f"failed requests: {failed}")
