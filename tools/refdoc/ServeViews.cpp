@@ -10,11 +10,10 @@
 #include "Text.hpp"
 
 #include <algorithm>
-#include <map>
+#include <set>
 
 namespace refdoc::tool::serve {
 
-using reference::docparser::DocResourceParser;
 using namespace reference::property;
 using html::escape;
 
