@@ -1,7 +1,8 @@
 // refdoc check: reads every lookup and page file under a documentation root through the
 // library's own loading operations, with a ParseDiagnosticsScope recording what happens to each
 // file, and reports every file the library drops with its exact reason, plus what it reads
-// only leniently. Exit status 1 when a file is dropped.
+// only leniently, grouped by kind. Exit status 1 when a file is dropped (with --strict, also
+// when there is a warning).
 
 #include "CheckReport.hpp"
 #include "Commands.hpp"
@@ -214,11 +215,108 @@ std::string warningText(const reference::docparser::ParseWarning& warning) {
 
 std::size_t warningCount(const CheckedFile& file) { return file.diagnostic.warnings.size() + file.nameWarnings.size(); }
 
+std::vector<WarningItem> warningItems(const CheckedFile& file) {
+    std::vector<WarningItem> items;
+    std::map<std::string, std::size_t> enumTexts; // text → its item in `items`
+    for (const auto& warning : file.diagnostic.warnings) {
+        const std::string kind(toString(warning.kind));
+        if (warning.kind == WarningKind::UnknownEnumText) {
+            const auto [found, added] = enumTexts.try_emplace(warning.text, items.size());
+            if (!added) {
+                ++items[found->second].count;
+                continue;
+            }
+        }
+        items.push_back({kind, warning.jsonPath, warning.text, 1});
+    }
+    for (const auto& warning : file.nameWarnings) {
+        items.push_back({warning.kind, "", warning.text, 1});
+    }
+    return items;
+}
+
 namespace {
 
-void writeText(std::ostream& out, const Report& report, const HostSettings& settings, bool quiet) {
+std::string itemText(const WarningItem& item) {
+    if (item.kind == toString(WarningKind::UnknownEnumText)) {
+        return "\"" + item.text + "\"" +
+               (item.count == 1 ? " at " + item.jsonPath
+                                : " ×" + std::to_string(item.count) + " (first at " + item.jsonPath + ")");
+    }
+    if (item.kind == toString(WarningKind::DocumentKeyTaken)) {
+        return "key \"" + item.text + "\" at " + item.jsonPath;
+    }
+    return item.text;
+}
+
+std::string kindNote(const std::string& kind) {
+    if (kind == toString(WarningKind::UnknownEnumText)) {
+        return "enumeration texts that name no value: the default value is used";
+    }
+    if (kind == toString(WarningKind::DocumentKeyTaken)) {
+        return "support packages dropped: an earlier document of the same file has their key";
+    }
+    return {};
+}
+
+} // namespace
+
+std::vector<WarningGroup> groupWarnings(const Report& report, const std::filesystem::path& root) {
+    std::map<std::string, WarningGroup> groups;
+    for (const auto& file : report.files) {
+        if (warningCount(file) == 0) {
+            continue;
+        }
+        std::map<std::string, std::vector<std::string>> texts; // kind → the file's texts of it
+        for (const auto& item : warningItems(file)) {
+            WarningGroup& group = groups[item.kind];
+            group.count += item.count;
+            texts[item.kind].push_back(itemText(item));
+        }
+        const std::string label = fileLabel(file.diagnostic, root);
+        for (const auto& [kind, list] : texts) {
+            groups[kind].lines.push_back({label, joinList(list, "; ")});
+        }
+    }
+    std::vector<WarningGroup> out;
+    for (auto& [kind, group] : groups) {
+        group.kind = kind;
+        group.note = kindNote(kind);
+        out.push_back(std::move(group));
+    }
+    return out;
+}
+
+namespace {
+
+constexpr std::size_t kFirstFew = 5;
+
+std::string counted(std::size_t n, const char* one, const char* many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+// The first few lines of a long list, or all of them when `verbose`.
+template <class List, class Print>
+void printList(std::ostream& out, const List& list, bool verbose, std::string_view indent, Print&& print) {
+    const std::size_t shown = verbose ? list.size() : std::min(list.size(), kFirstFew);
+    for (std::size_t i = 0; i < shown; ++i) {
+        print(list[i]);
+    }
+    if (shown < list.size()) {
+        out << indent << "… and " << list.size() - shown << " more (--verbose lists them all)\n";
+    }
+}
+
+struct TextOptions {
+    bool quiet = false;
+    bool verbose = false;
+};
+
+void writeText(std::ostream& out, const Report& report, const HostSettings& settings, const TextOptions& options) {
     out << "Checking " << settings.root.string() << (settings.sampleRoot ? " (bundled sample)" : "")
         << "\nLanguages read: " << joinList(settings.supportedLanguages, ", ") << '\n';
+    // Every file with its state; with --quiet only the dropped ones, as the warnings are
+    // listed by kind below.
     for (const DataKind kind : {DataKind::Lookup, DataKind::Page}) {
         out << '\n' << (kind == DataKind::Lookup ? "Lookup files" : "Page files") << '\n';
         std::size_t shown = 0;
@@ -227,13 +325,14 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
                 continue;
             }
             const FileDiagnostic& d = file.diagnostic;
-            if (quiet && !d.dropped() && warningCount(file) == 0) {
+            const std::size_t warnings = warningCount(file);
+            if (options.quiet && !d.dropped()) {
                 continue;
             }
             ++shown;
-            out << (d.dropped()               ? "  DROPPED  "
-                    : warningCount(file) != 0 ? "  warning  "
-                                              : "  ok       ")
+            out << (d.dropped()     ? "  DROPPED  "
+                    : warnings != 0 ? "  warning  "
+                                    : "  ok       ")
                 << fileLabel(d, settings.root);
             if (d.source == DiagnosticSource::Package) {
                 out << "  (package)";
@@ -247,26 +346,37 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
                 }
                 out << "  → " << joinList(keys, ", ");
             }
+            if (warnings != 0) {
+                out << "  [" << counted(warnings, "warning", "warnings") << ']';
+            }
             out << '\n';
             if (d.dropped()) {
                 out << "           " << dropText(d) << '\n';
             }
-            for (const auto& warning : d.warnings) {
-                out << "           " << warningText(warning) << '\n';
-            }
-            for (const auto& warning : file.nameWarnings) {
-                out << "           " << warning.text << '\n';
-            }
         }
         if (shown == 0) {
-            out << (quiet ? "  no problems\n" : "  none\n");
+            out << (options.quiet ? "  none dropped\n" : "  none\n");
+        }
+    }
+    const std::vector<WarningGroup> groups = groupWarnings(report, settings.root);
+    if (!groups.empty()) {
+        out << "\nWarnings by kind\n";
+        for (const auto& group : groups) {
+            out << "  " << group.kind << ": " << counted(group.count, "warning", "warnings") << " in "
+                << counted(group.lines.size(), "file", "files");
+            if (!group.note.empty()) {
+                out << " (" << group.note << ')';
+            }
+            out << '\n';
+            printList(out, group.lines, options.verbose, "    ",
+                      [&](const WarningGroup::Line& line) { out << "    " << line.file << ": " << line.text << '\n'; });
         }
     }
     if (!report.ignored.empty()) {
-        out << "\nNot read (only .json and .zip lookup files and .json page files are data)\n";
-        for (const auto& path : report.ignored) {
-            out << "  " << path << '\n';
-        }
+        out << "\nNot read (only .json and .zip lookup files and .json page files are data): "
+            << counted(report.ignored.size(), "file", "files") << '\n';
+        printList(out, report.ignored, options.verbose, "  ",
+                  [&](const std::string& path) { out << "  " << path << '\n'; });
     }
 }
 
@@ -342,16 +452,18 @@ struct Options {
     HostOptions host;
     bool json = false;
     bool quiet = false;
+    bool verbose = false;
+    bool strict = false;
 };
 
 int run(const Options& options, std::ostream& out) {
     const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     const Report report = buildReport(settings);
-    const std::vector<std::string>& languages = report.languages;
     const std::size_t dropped = report.dropped;
     const std::size_t warnings = report.warnings;
     const std::size_t read = report.files.size() - dropped;
+    const std::vector<WarningGroup> groups = groupWarnings(report, settings.root);
 
     if (options.json) {
         boost::json::array files;
@@ -359,35 +471,56 @@ int run(const Options& options, std::ostream& out) {
             boost::json::value entry = toJson(file.diagnostic, settings.root);
             auto& object = entry.as_object();
             object["kind"] = file.kind == DataKind::Lookup ? "lookup" : "page";
-            auto& warningArray = object["warnings"].as_array();
-            for (const auto& warning : file.nameWarnings) {
+            boost::json::array warningArray;
+            for (const auto& item : warningItems(file)) {
                 warningArray.push_back(
-                    boost::json::object{{"kind", warning.kind}, {"jsonPath", nullptr}, {"text", warning.text}});
+                    boost::json::object{{"kind", item.kind},
+                                        {"jsonPath", item.jsonPath.empty() ? boost::json::value(nullptr)
+                                                                           : boost::json::value(item.jsonPath)},
+                                        {"text", item.text},
+                                        {"count", item.count}});
             }
+            object["warnings"] = std::move(warningArray);
             files.push_back(std::move(entry));
         }
         boost::json::array languageArray;
-        for (const auto& language : languages) {
+        for (const auto& language : report.languages) {
             languageArray.push_back(boost::json::value(language));
         }
         boost::json::array ignored;
         for (const auto& path : report.ignored) {
             ignored.push_back(boost::json::value(path));
         }
-        writeJson(out,
-                  boost::json::object{
-                      {"root", settings.root.string()},
-                      {"languages", std::move(languageArray)},
-                      {"files", std::move(files)},
-                      {"ignored", std::move(ignored)},
-                      {"summary", boost::json::object{{"read", read}, {"dropped", dropped}, {"warnings", warnings}}},
-                  });
+        boost::json::object byKind;
+        for (const auto& group : groups) {
+            byKind[group.kind] = boost::json::object{{"warnings", group.count}, {"files", group.lines.size()}};
+        }
+        writeJson(out, boost::json::object{
+                           {"root", settings.root.string()},
+                           {"languages", std::move(languageArray)},
+                           {"files", std::move(files)},
+                           {"ignored", std::move(ignored)},
+                           {"summary", boost::json::object{{"read", read},
+                                                           {"dropped", dropped},
+                                                           {"warnings", warnings},
+                                                           {"warningsByKind", std::move(byKind)},
+                                                           {"ignored", report.ignored.size()}}},
+                       });
     } else {
-        writeText(out, report, settings, options.quiet);
-        out << "\nSummary: " << read << (read == 1 ? " file" : " files") << " read, " << dropped << " dropped, "
-            << warnings << (warnings == 1 ? " warning" : " warnings") << '\n';
+        writeText(out, report, settings, {options.quiet, options.verbose});
+        out << "\nSummary: " << counted(read, "file", "files") << " read, " << dropped << " dropped, "
+            << counted(warnings, "warning", "warnings");
+        if (!groups.empty()) {
+            std::vector<std::string> kinds;
+            for (const auto& group : groups) {
+                kinds.push_back(group.kind + ": " + std::to_string(group.count));
+            }
+            out << " (" << joinList(kinds, ", ") << ')';
+        }
+        out << ", " << report.ignored.size() << " not read\n";
     }
-    return dropped == 0 ? kExitOk : kExitProblem;
+    const bool failed = dropped != 0 || (options.strict && warnings != 0);
+    return failed ? kExitProblem : kExitOk;
 }
 
 } // namespace
@@ -408,10 +541,18 @@ Command checkCommand() {
                    "files named for an unsupported language that are read as English, packages of which\n"
                    "no entry is read, and files in the data folders that are not data files.\n"
                    "\n"
-                   "Exit status: 0 when no file is dropped, 1 when one is, 2 for a usage error.\n"
+                   "\n"
+                   "Dropped files are listed with their reasons; warnings are grouped by kind, with their\n"
+                   "count and the first few files (an unknown enumeration text once per file and text,\n"
+                   "with how many items hold it); a summary line ends the report.\n"
+                   "\n"
+                   "Exit status: 0 when no file is dropped, 1 when one is (or, with --strict, when there\n"
+                   "is a warning), 2 for a usage error.\n"
                    "\n"
                    "Options:\n"
-                   "  --quiet                  list only files that are dropped or have warnings\n"
+                   "  --quiet                  list only the dropped files, not every file read\n"
+                   "  --verbose                list every file of each kind of warning, not the first few\n"
+                   "  --strict                 exit status 1 on warnings too\n"
                    "  --json                   print the report as JSON\n" +
                    hostOptionsHelp();
     command.define = [](CLI::App& app) -> Runner {
@@ -419,6 +560,8 @@ Command checkCommand() {
         addHostOptions(app, options->host);
         addFlag(app, "--json", options->json);
         addFlag(app, "--quiet", options->quiet);
+        addFlag(app, "--verbose", options->verbose);
+        addFlag(app, "--strict", options->strict);
         return [options](std::ostream& out, std::ostream&) { return run(*options, out); };
     };
     return command;

@@ -67,4 +67,28 @@ std::string dropText(const reference::docparser::FileDiagnostic& file);
 std::string warningText(const reference::docparser::ParseWarning& warning);
 std::size_t warningCount(const CheckedFile& file);
 
+// One of a file's warnings as the reports give it: an unknown enumeration text once per text,
+// with how many items hold it and the JSON Pointer of the first; every other warning once.
+struct WarningItem {
+    std::string kind;
+    std::string jsonPath; // "" for a warning about the file's name
+    std::string text;
+    std::size_t count = 1;
+};
+std::vector<WarningItem> warningItems(const CheckedFile& file);
+
+// The report's warnings of one kind, one line per file that has any.
+struct WarningGroup {
+    struct Line {
+        std::string file; // fileLabel
+        std::string text; // the file's warnings of this kind, in words
+    };
+    std::string kind;
+    std::string note;      // what the kind means for the data, or ""
+    std::size_t count = 0; // warnings (items, for unknown enumeration texts)
+    std::vector<Line> lines;
+};
+// The warnings grouped by kind, the kinds in alphabetical order, the files in the report's.
+std::vector<WarningGroup> groupWarnings(const Report& report, const std::filesystem::path& root);
+
 } // namespace refdoc::tool

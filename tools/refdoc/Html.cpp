@@ -45,6 +45,15 @@ std::string viewUrl(std::string_view path, std::string_view language, std::strin
     return std::string(url.buffer());
 }
 
+std::string viewUrl(std::string_view path, std::string_view language,
+                    std::initializer_list<std::pair<std::string_view, std::string_view>> params) {
+    boost::urls::url url(viewUrl(path, language));
+    for (const auto& [name, value] : params) {
+        url.params().append({name, value});
+    }
+    return std::string(url.buffer());
+}
+
 std::string productUrl(std::string_view key, std::string_view language) {
     boost::urls::url url;
     url.set_path("/product");

@@ -222,12 +222,6 @@ json::value toJson(const reference::docparser::FileDiagnostic& file, const std::
         out["offset"] = file.offset;
     }
     out["documents"] = texts(file.documentKeys);
-    json::array warnings;
-    for (const auto& warning : file.warnings) {
-        warnings.push_back(json::object{
-            {"kind", name(toString(warning.kind))}, {"jsonPath", warning.jsonPath}, {"text", warning.text}});
-    }
-    out["warnings"] = std::move(warnings);
     return out;
 }
 

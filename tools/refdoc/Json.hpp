@@ -19,7 +19,7 @@ boost::json::value toJson(const reference::docparser::DocResourceParser::LookupR
 boost::json::value toJson(const reference::docparser::DocResourceParser::RefItemFileMap& resources);
 boost::json::value toJson(const reference::property::RefItem& page);
 boost::json::value toJson(const PageView& page);
-// Paths below `root` are given relative to it.
+// Paths below `root` are given relative to it; the warnings are the caller's to add.
 boost::json::value toJson(const reference::docparser::FileDiagnostic& file, const std::filesystem::path& root);
 
 // Indented output, two spaces per level, ending with a newline.

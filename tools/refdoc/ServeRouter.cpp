@@ -6,6 +6,7 @@
 #include "Text.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <system_error>
 
 namespace refdoc::tool::serve {
@@ -92,7 +93,15 @@ void respond(SnapshotCache& cache, const httplib::Request& request, httplib::Res
             searchView(*cache.snapshot(language), text, view);
         }
     } else if (path == "/problems") {
-        problemsView(*cache.report(), settings.root, view);
+        ProblemsQuery query{language, request.has_param("show") ? request.get_param_value("show") : std::string(), 1};
+        const std::string page = request.has_param("page") ? request.get_param_value("page") : "1";
+        const auto [next, error] = std::from_chars(page.data(), page.data() + page.size(), query.page);
+        if (error != std::errc() || next != page.data() + page.size() || query.show.size() > 256 ||
+            hasControl(query.show)) {
+            reject(400, "Bad request", "Not a list of the problems view, or not a page number.");
+        } else {
+            problemsView(*cache.report(), settings.root, query, view);
+        }
     } else if (path.starts_with("/product/")) {
         const std::string key = path.substr(9);
         if (key.empty() || key.size() > 512 || key.find('/') != std::string::npos) {

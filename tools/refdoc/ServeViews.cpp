@@ -58,17 +58,16 @@ std::string document(const std::vector<std::string>& languages, const std::strin
     }
     const std::string problemsUrl = escape(html::viewUrl("/problems", language));
     out += "</nav><a id=\"problems-link\" href=\"" + problemsUrl + "\">Problems</a></header>\n";
+    // The note appears only where a file the view read was dropped: it explains what may be
+    // missing from this view. Warnings alone leave the data whole; the problems view has them.
     const LoadCounts& counts = view.counts;
-    const bool problems = counts.dropped + counts.warnings != 0;
-    out += std::string("<p class=\"note") + (problems ? " has-problems" : "") + "\" id=\"problem-count\">";
-    if (counts.filesRead == 0) {
-        out += "This view read no data file.";
-    } else {
-        out += "This view read " + plural(counts.filesRead, "file", "files") + ": " +
-               plural(counts.dropped, "dropped", "dropped") + ", " + plural(counts.warnings, "warning", "warnings") +
-               ".";
+    if (view.problemsBanner && counts.dropped != 0) {
+        out += "<p class=\"note has-problems\" id=\"problem-count\">This view read " +
+               plural(counts.filesRead, "file", "files") + ": " + plural(counts.dropped, "dropped", "dropped") + ", " +
+               plural(counts.warnings, "warning", "warnings") + ". <a href=\"" + problemsUrl +
+               "\">What was dropped and why</a></p>\n";
     }
-    out += " <a href=\"" + problemsUrl + "\">Check every file</a></p>\n<main>\n";
+    out += "<main>\n";
     out += view.body;
     out += "</main>\n</body></html>\n";
     return out;
@@ -451,57 +450,146 @@ void pageView(const Snapshot& snapshot, const std::string& href, View& view) {
 
 // ---- problems ---------------------------------------------------------------------------------
 
-void problemsView(const Report& report, const std::filesystem::path& root, View& view) {
+namespace {
+
+constexpr std::size_t kProblemsFirst = 20;    // rows of each list on the problems overview
+constexpr std::size_t kProblemsPerPage = 100; // rows of one page of a single list
+
+// One list of the problems view: its rows are already HTML.
+struct ProblemList {
+    std::string id;    // the "show" parameter that pages through it
+    std::string title; // HTML
+    std::string note;  // HTML, or ""
+    std::vector<std::string> rows;
+};
+
+std::string cell(const std::string& file, const std::string& html) {
+    return "<tr><td><code>" + escape(file) + "</code><div class=\"reason\">" + html + "</div></td></tr>\n";
+}
+
+std::vector<ProblemList> problemLists(const Report& report, const std::filesystem::path& root) {
+    std::vector<ProblemList> lists;
+    ProblemList dropped{"dropped", "Dropped files", "The library reads nothing of these files.", {}};
+    for (const auto& file : report.files) {
+        if (file.diagnostic.dropped()) {
+            std::string label = fileLabel(file.diagnostic, root);
+            if (file.diagnostic.localeVariant) {
+                label += " (locale variant)";
+            }
+            dropped.rows.push_back(cell(label, escape(dropText(file.diagnostic))));
+        }
+    }
+    lists.push_back(std::move(dropped));
+    for (const auto& group : groupWarnings(report, root)) {
+        ProblemList list{group.kind,
+                         "<span class=\"warning\">" + escape(group.kind) +
+                             "</span>: " + plural(group.count, "warning", "warnings") + " in " +
+                             plural(group.lines.size(), "file", "files"),
+                         escape(group.note),
+                         {}};
+        for (const auto& line : group.lines) {
+            list.rows.push_back(cell(line.file, escape(line.text)));
+        }
+        lists.push_back(std::move(list));
+    }
+    ProblemList ignored{"ignored", "Not read", "Only .json and .zip lookup files and .json page files are data.", {}};
+    for (const auto& path : report.ignored) {
+        ignored.rows.push_back("<tr><td><code>" + escape(path) + "</code></td></tr>\n");
+    }
+    lists.push_back(std::move(ignored));
+    return lists;
+}
+
+void renderRows(std::string& out, const std::vector<std::string>& rows, std::size_t begin, std::size_t end) {
+    out += "<table class=\"problems\"><tbody>\n";
+    for (std::size_t i = begin; i < end; ++i) {
+        out += rows[i];
+    }
+    out += "</tbody></table>\n";
+}
+
+} // namespace
+
+void problemsView(const Report& report, const std::filesystem::path& root, const ProblemsQuery& query, View& view) {
     view.counts = LoadCounts{report.files.size(), report.dropped, report.warnings};
     view.title = "Problems";
+    view.problemsBanner = false; // the view is the whole account
+    const std::string& language = query.language;
+    const std::vector<ProblemList> lists = problemLists(report, root);
     std::string& out = view.body;
+
+    if (!query.show.empty()) {
+        const auto list = std::find_if(lists.begin(), lists.end(),
+                                       [&](const ProblemList& candidate) { return candidate.id == query.show; });
+        if (list == lists.end()) {
+            errorView(view, 404, "No such list", "The problems view has no list \"" + query.show + "\".");
+            return;
+        }
+        const std::size_t pages =
+            std::max<std::size_t>(1, (list->rows.size() + kProblemsPerPage - 1) / kProblemsPerPage);
+        if (query.page == 0 || query.page > pages) {
+            errorView(view, 404, "No such page", "This list has " + plural(pages, "page", "pages") + ".");
+            return;
+        }
+        const std::size_t begin = (query.page - 1) * kProblemsPerPage;
+        const std::size_t end = std::min(list->rows.size(), begin + kProblemsPerPage);
+        view.title = "Problems: " + list->id;
+        out += "<nav class=\"crumbs\" aria-label=\"Breadcrumbs\"><a href=\"" + escape(html::viewUrl("/", language)) +
+               "\">Products</a> › <a href=\"" + escape(html::viewUrl("/problems", language)) +
+               "\">Problems</a></nav>\n<h1>" + list->title + "</h1>\n";
+        if (!list->note.empty()) {
+            out += "<p class=\"meta\">" + list->note + "</p>\n";
+        }
+        const auto pageUrl = [&](std::size_t page) {
+            return escape(html::viewUrl("/problems", language, {{"show", list->id}, {"page", std::to_string(page)}}));
+        };
+        std::string pager = "<p class=\"pager\">";
+        if (query.page > 1) {
+            pager += "<a rel=\"prev\" href=\"" + pageUrl(query.page - 1) + "\">← previous</a> ";
+        }
+        pager += "rows " + std::to_string(list->rows.empty() ? 0 : begin + 1) + "–" + std::to_string(end) + " of " +
+                 std::to_string(list->rows.size()) + " · page " + std::to_string(query.page) + " of " +
+                 std::to_string(pages);
+        if (query.page < pages) {
+            pager += " <a rel=\"next\" href=\"" + pageUrl(query.page + 1) + "\">next →</a>";
+        }
+        pager += "</p>\n";
+        out += pager;
+        renderRows(out, list->rows, begin, end);
+        out += pager;
+        return;
+    }
+
     out += "<h1>Problems</h1>\n<p class=\"meta\">Every lookup and page file under <code>" + escape(root.string()) +
            "</code>, read with each supported language current (" + escape(joinList(report.languages, ", ")) +
            "), as <code>refdoc check</code> reads them.</p>\n";
     out += "<p id=\"summary\">" + plural(report.files.size(), "file", "files") + ": " +
            std::to_string(report.files.size() - report.dropped) + " read, " + "<span class=\"dropped\">" +
            plural(report.dropped, "dropped", "dropped") + "</span>, " + "<span class=\"warning\">" +
-           plural(report.warnings, "warning", "warnings") + "</span>.</p>\n";
-    for (const DataKind kind : {DataKind::Lookup, DataKind::Page}) {
-        out += std::string("<h2>") + (kind == DataKind::Lookup ? "Lookup files" : "Page files") +
-               "</h2>\n<table class=\"problems\"><tbody>\n";
-        std::size_t clean = 0;
-        for (const auto& file : report.files) {
-            if (file.kind != kind) {
-                continue;
-            }
-            const auto& d = file.diagnostic;
-            if (!d.dropped() && warningCount(file) == 0) {
-                ++clean;
-                continue;
-            }
-            out += std::string("<tr class=\"problem\"><td>") +
-                   (d.dropped() ? "<span class=\"dropped\">dropped</span>" : "<span class=\"warning\">warning</span>") +
-                   "</td><td><code>" + escape(fileLabel(d, root)) + "</code>";
-            if (d.localeVariant) {
-                out += "<span class=\"tag\">locale variant</span>";
-            }
-            if (d.dropped()) {
-                out += "<div class=\"reason\">" + escape(dropText(d)) + "</div>";
-            }
-            for (const auto& warning : d.warnings) {
-                out += "<div class=\"reason\">" + escape(warningText(warning)) + "</div>";
-            }
-            for (const auto& warning : file.nameWarnings) {
-                out += "<div class=\"reason\">" + escape(warning.text) + "</div>";
-            }
-            out += "</td></tr>\n";
+           plural(report.warnings, "warning", "warnings") + "</span>, " +
+           plural(report.ignored.size(), "file", "files") + " not read.</p>\n";
+    for (const auto& list : lists) {
+        if (list.rows.empty()) {
+            continue;
         }
-        out += "</tbody></table>\n<p class=\"muted\">" + plural(clean, "other file", "other files") +
-               " read without a problem.</p>\n";
+        out += "<section class=\"problem-list\"><h2>" + list.title;
+        if (list.id == "dropped" || list.id == "ignored") {
+            out += " <span class=\"count\">" + std::to_string(list.rows.size()) + "</span>";
+        }
+        out += "</h2>\n";
+        if (!list.note.empty()) {
+            out += "<p class=\"meta\">" + list.note + "</p>\n";
+        }
+        renderRows(out, list.rows, 0, std::min(list.rows.size(), kProblemsFirst));
+        if (list.rows.size() > kProblemsFirst) {
+            out += "<p class=\"more\"><a href=\"" +
+                   escape(html::viewUrl("/problems", language, {{"show", list.id}, {"page", "1"}})) + "\">All " +
+                   std::to_string(list.rows.size()) + ", " + std::to_string(kProblemsPerPage) + " to a page</a></p>\n";
+        }
+        out += "</section>\n";
     }
-    if (!report.ignored.empty()) {
-        out += "<h2>Not read</h2>\n<p class=\"muted\">Only .json and .zip lookup files and .json page files are "
-               "data.</p><ul class=\"plain\">\n";
-        for (const auto& path : report.ignored) {
-            out += "<li><code>" + escape(path) + "</code></li>\n";
-        }
-        out += "</ul>\n";
+    if (report.dropped + report.warnings == 0) {
+        out += "<p>No file is dropped and nothing is read leniently.</p>\n";
     }
 }
 

@@ -16,6 +16,16 @@ struct View {
     std::string body;
     std::string query; // the search box's text
     LoadCounts counts; // of the files this view read
+    // Whether the note on what this view read is shown: where its data is, not on the index or
+    // the problems view itself.
+    bool problemsBanner = true;
+};
+
+// What the problems view shows: the overview, or one page of one of its lists.
+struct ProblemsQuery {
+    std::string language;
+    std::string show; // "" for the overview
+    std::size_t page = 1;
 };
 
 // The whole page around `view`; `path` is the view's own path, for the language switch.
@@ -29,6 +39,6 @@ void productView(const Snapshot& snapshot, const std::string& key, View& view);
 void searchView(const Snapshot& snapshot, const std::string& text, View& view);
 // The page `href`, a relative path that html::pageHref accepts.
 void pageView(const Snapshot& snapshot, const std::string& href, View& view);
-void problemsView(const Report& report, const std::filesystem::path& root, View& view);
+void problemsView(const Report& report, const std::filesystem::path& root, const ProblemsQuery& query, View& view);
 
 } // namespace refdoc::tool::serve
