@@ -173,6 +173,77 @@ TEST(Serve, FilesBrokenOrGoneBetweenRequestsAreReported) {
     EXPECT_EQ(server.stop(), 0);
 }
 
+// Many files with the same warning: the problems view counts them, shows the first few and pages
+// through the rest; only views whose data lost a file carry the note about dropped files.
+TEST(Serve, ProblemsAreGroupedAndLongListsPaged) {
+    const TempDir root;
+    for (int i = 0; i < 130; ++i) {
+        const std::string key = "k" + std::to_string(1000 + i);
+        root.write("docCatalog/referenceapi_lookup/" + key + ".json",
+                   resourceFile("P", key, R"({"name": "a", "type": "odd", "refpurpose": "p", "href": "k/a.html"})"));
+    }
+    root.write("docCatalog/referenceapi_lookup/broken.json", "{");
+    root.write("docCatalog/referenceapi/k.json", pageFile("k", page("k/a.html", "text")));
+    ServerProcess server({"--root", root.path().string()});
+    auto client = server.client();
+    const std::string list = "/problems?show=unknown%20enumeration%20text&page=";
+    const struct Case {
+        std::string path;
+        int status;
+        std::vector<std::string> shown;
+        std::vector<std::string> notShown;
+        std::size_t rows;
+    } cases[] = {
+        {"/problems",
+         200,
+         {"130 warnings in 130 files", "docCatalog/referenceapi_lookup/k1019.json",
+          "href=\"/problems?lang=en&amp;show=unknown%20enumeration%20text&amp;page=1\">All 130, 100 to a page</a>",
+          "docCatalog/referenceapi_lookup/broken.json"},
+         {"k1020.json", "id=\"problem-count\""},
+         20 + 1},
+        {list + "1",
+         200,
+         {"rows 1–100 of 130 · page 1 of 2", "rel=\"next\"", "k1099.json"},
+         {"k1100.json", "rel=\"prev\""},
+         100},
+        {list + "2",
+         200,
+         {"rows 101–130 of 130 · page 2 of 2", "rel=\"prev\"", "k1129.json"},
+         {"k1099.json", "rel=\"next\""},
+         30},
+        {list + "3", 404, {"This list has 2 pages."}, {}, 0},
+        {list + "0", 404, {}, {}, 0},
+        {list + "x", 400, {}, {}, 0},
+        {"/problems?show=nothing", 404, {}, {}, 0},
+        // The index and a product are made from the lookup files, one of which was dropped; the
+        // page's file was read whole.
+        {"/", 200, {"id=\"problem-count\"", "1 dropped"}, {}, 0},
+        {"/product/k1000", 200, {"id=\"problem-count\""}, {}, 0},
+        {"/ref/k/a.html", 200, {}, {"id=\"problem-count\""}, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        const auto response = client.Get(c.path);
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->status, c.status);
+        for (const auto& text : c.shown) {
+            EXPECT_TRUE(contains(response->body, text)) << text << " not in\n" << response->body;
+        }
+        for (const auto& text : c.notShown) {
+            EXPECT_FALSE(contains(response->body, text)) << text << " in\n" << response->body;
+        }
+        if (c.rows != 0) {
+            std::size_t rows = 0;
+            for (std::size_t at = response->body.find("<tr>"); at != std::string::npos;
+                 at = response->body.find("<tr>", at + 1)) {
+                ++rows;
+            }
+            EXPECT_EQ(rows, c.rows);
+        }
+    }
+    EXPECT_EQ(server.stop(), 0);
+}
+
 // What a request loaded is kept while every data file keeps its name, size and modification
 // time, and loaded again as soon as one of them changes.
 TEST(Serve, LoadedDataIsKeptUntilADataFileChanges) {
