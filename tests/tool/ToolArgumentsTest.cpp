@@ -38,8 +38,9 @@ TEST(ToolArguments, UsageErrorsAndNothingFoundExitWithTheirStatusAndAMessage) {
         {{"check", "--languages", "en,j a"}, "refdoc: --languages: invalid language code 'j a'\n"},
         {{"lookup", "--json=yes"}, "refdoc: option --json takes no value\n"},
         {{"lookup", "extra"}, "refdoc: unexpected argument 'extra' for 'lookup'\n"},
-        {{"page"}, "refdoc: 'page' needs a product NAME\nTry 'refdoc page --help'.\n"},
-        {{"page", "docs/a"}, "refdoc: NAME must be a product's page file name"},
+        {{"page"},
+         "refdoc: 'page' needs a NAME: page file, product key, entry name or page link\nTry 'refdoc page --help'.\n"},
+        {{"page", ""}, "refdoc: NAME must not be empty"},
         {{"find"}, "refdoc: 'find' needs the TEXT to search for\n"},
         {{"find", "x", "--limit", "0"}, "refdoc: --limit: needs a positive number, not '0'\n"},
         {{"find", "x", "--limit", "-3"}, "refdoc: --limit: needs a positive number, not '-3'\n"},
@@ -55,7 +56,8 @@ TEST(ToolArguments, UsageErrorsAndNothingFoundExitWithTheirStatusAndAMessage) {
          "refdoc: " + (badHostFile.path() / "refdoc-host.json").string() + ": unknown setting \"installed\"\n"},
         {{"lookup", "--root", hostFileNotJson.path().string()}, "refdoc-host.json: not a JSON object"},
         // Nothing to show in the bundled sample root; after "--" an option is search text.
-        {{"page", "nosuchproduct"}, "no reference pages for 'nosuchproduct'", 1},
+        {{"page", "nosuchproduct"}, "'nosuchproduct' is no page file, product key, lookup entry or page link", 1},
+        {{"page", "docs/a.html#x"}, "no page file has the page 'docs/a.html'", 1},
         {{"find", "zzz"}, "no lookup entry matches zzz", 1},
         {{"find", "--", "--json"}, "no lookup entry matches --json", 1},
     };

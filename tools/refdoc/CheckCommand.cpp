@@ -186,6 +186,20 @@ PageFileRoles pageFileRoles(const std::filesystem::path& folder) {
     return roles;
 }
 
+std::size_t droppedCount(const std::vector<FileDiagnostic>& files) {
+    return static_cast<std::size_t>(std::count_if(files.begin(), files.end(), [](const FileDiagnostic& file) {
+        return file.dropped() && file.dropReason != DropReason::Missing;
+    }));
+}
+
+std::string droppedLine(std::size_t dropped) {
+    if (dropped == 0) {
+        return "No lookup file was dropped.";
+    }
+    return std::to_string(dropped) + (dropped == 1 ? " lookup file was" : " lookup files were") +
+           " dropped; 'refdoc check' says why.";
+}
+
 std::string dropText(const FileDiagnostic& file) {
     switch (file.dropReason) {
     case DropReason::SyntaxError:

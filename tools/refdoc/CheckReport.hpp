@@ -59,6 +59,11 @@ struct PageFileRoles {
 };
 PageFileRoles pageFileRoles(const std::filesystem::path& folder);
 
+// How many of the files a load recorded were dropped (a translation that does not exist is not
+// counted), and the closing line of `refdoc lookup` and `refdoc find` that says so.
+std::size_t droppedCount(const std::vector<reference::docparser::FileDiagnostic>& files);
+std::string droppedLine(std::size_t dropped);
+
 // The file's path relative to the root, with ": ENTRY" for a package entry.
 std::string fileLabel(const reference::docparser::FileDiagnostic& file, const std::filesystem::path& root);
 // Why a dropped file was dropped, in words.

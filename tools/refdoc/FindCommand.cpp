@@ -1,5 +1,6 @@
 // refdoc find TEXT...: searches the names of every lookup entry, best matches first.
 
+#include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
@@ -133,7 +134,13 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
     const std::size_t limit = options.limit;
     const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
-    const auto results = DocResourceParser::getResourceLookupFiles();
+    std::size_t dropped = 0;
+    const auto results = [&] {
+        reference::docparser::ParseDiagnosticsScope scope;
+        auto loaded = DocResourceParser::getResourceLookupFiles();
+        dropped = droppedCount(scope.files());
+        return loaded;
+    }();
 
     std::vector<Hit> hits = findHits(results, queries);
     const std::size_t total = hits.size();
@@ -156,7 +163,8 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
         return hits.empty() ? kExitProblem : kExitOk;
     }
     if (hits.empty()) {
-        err << "refdoc: no lookup entry matches " << joinList(options.texts, ", ") << '\n';
+        err << "refdoc: no lookup entry matches " << joinList(options.texts, ", ") << '\n'
+            << droppedLine(dropped) << '\n';
         return kExitProblem;
     }
     for (const auto& hit : hits) {
@@ -167,6 +175,7 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
     if (hits.size() < total) {
         out << "(" << total - hits.size() << " more; raise --limit to see them)\n";
     }
+    out << droppedLine(dropped) << '\n';
     return kExitOk;
 }
 

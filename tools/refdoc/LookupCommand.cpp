@@ -1,6 +1,7 @@
 // refdoc lookup: every product's lookup index under a documentation root, as the library's
 // getResourceLookupFiles returns it.
 
+#include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
@@ -17,6 +18,7 @@ namespace refdoc::tool {
 namespace {
 
 using reference::docparser::DocResourceParser;
+using reference::docparser::ParseDiagnosticsScope;
 
 struct ProductRow {
     std::string key;
@@ -48,11 +50,18 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
         err << "refdoc: warning: language '" << settings.language
             << "' is not a supported language; its files are read as English products\n";
     }
-    const auto results = DocResourceParser::getResourceLookupFiles();
+    std::size_t dropped = 0;
+    const auto results = [&] {
+        ParseDiagnosticsScope scope;
+        auto loaded = DocResourceParser::getResourceLookupFiles();
+        dropped = droppedCount(scope.files());
+        return loaded;
+    }();
 
     if (options.json) {
         writeJson(out, boost::json::object{{"installedResources", toJson(results.installedResources)},
-                                           {"uninstalledResources", toJson(results.uninstalledResources)}});
+                                           {"uninstalledResources", toJson(results.uninstalledResources)},
+                                           {"droppedFiles", dropped}});
         return kExitOk;
     }
 
@@ -65,7 +74,7 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
         << "\nLanguage: " << settings.language << " (supported: " << joinList(settings.supportedLanguages, ", ")
         << ")\n\n";
     if (rows.empty()) {
-        out << "No lookup data found.\n";
+        out << "No lookup data found.\n" << droppedLine(dropped) << '\n';
         return kExitOk;
     }
     std::size_t keyWidth = 3;
@@ -82,7 +91,8 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
     }
     out << '\n'
         << rows.size() << (rows.size() == 1 ? " product: " : " products: ") << installed << " installed, "
-        << rows.size() - installed << " not installed\n";
+        << rows.size() - installed << " not installed\n"
+        << droppedLine(dropped) << '\n';
     return kExitOk;
 }
 

@@ -1,20 +1,28 @@
-// refdoc page NAME: one product's reference pages, as the library's getResourceFile returns
-// them, rendered for a terminal.
+// refdoc page NAME: reference pages as the library's getResourceFile returns them, rendered for
+// a terminal: a page file's, a product's or the one page an entry name or a link names.
 
+#include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
 #include "PageView.hpp"
+#include "Search.hpp"
 #include "Text.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
 
+#include <boost/json/array.hpp>
+
+#include <algorithm>
 #include <memory>
+#include <optional>
+#include <set>
 
 namespace refdoc::tool {
 namespace {
 
 using reference::docparser::DocResourceParser;
+using reference::property::RefItem;
 
 // "name — purpose" followed by indented detail lines.
 void renderArgument(std::ostream& out, const PageView::Argument& argument, std::vector<std::string> details) {
@@ -140,32 +148,59 @@ struct Options {
     std::string name;
 };
 
-int run(const Options& options, std::ostream& out, std::ostream& err) {
-    const std::string& name = options.name;
-    if (name.empty() || name.find('/') != std::string::npos) {
-        throw UsageError("NAME must be a product's page file name without folder, locale suffix or extension");
-    }
-    const HostSettings settings = resolveHostSettings(options.host);
-    applyHostSettings(settings);
-    const auto pages = DocResourceParser::getResourceFile(toUtf16(name));
+using PageFiles = DocResourceParser::RefItemFileMap;
 
-    if (options.json) {
-        writeJson(out, toJson(pages));
-        return pages.empty() ? kExitProblem : kExitOk;
+// The pages of `href` (a link without its fragment) in one page file, or null.
+const std::vector<RefItem>* pagesAt(const PageFiles& files, const std::u16string& href, std::u16string* key = nullptr) {
+    for (const auto& [fileKey, resource] : files) {
+        const auto found = resource.getItems().find(href);
+        if (found != resource.getItems().end()) {
+            if (key != nullptr) {
+                *key = fileKey;
+            }
+            return &found->second;
+        }
     }
-    if (pages.empty()) {
-        err << "refdoc: no reference pages for '" << name << "' under " << settings.root.string() << " (language "
-            << settings.language << "); 'refdoc check' tells whether a file was dropped\n";
-        return kExitProblem;
+    return nullptr;
+}
+
+// The page files to read for `folder`, the first folder of a link or a product's help folder:
+// the file named for it first (where the pages usually are), then every other one.
+std::vector<std::string> readingOrder(const std::set<std::string>& names, const std::string& folder) {
+    std::vector<std::string> order;
+    if (names.count(folder) != 0) {
+        order.push_back(folder);
     }
-    for (const auto& [key, resource] : pages) {
+    for (const auto& name : names) {
+        if (name != folder) {
+            order.push_back(name);
+        }
+    }
+    return order;
+}
+
+std::string firstFolder(const std::string& href) { return href.substr(0, href.find('/')); }
+
+void printHeader(std::ostream& out, const std::u16string& key,
+                 const DocResourceParser::RefItemFileMap::mapped_type& resource, bool whole) {
+    out << "══ " << toUtf8(resource.getHeader().getProductName()) << "  [" << toUtf8(key) << "]";
+    if (whole) {
         std::size_t count = 0;
         for (const auto& entry : resource.getItems()) {
             count += entry.second.size();
         }
-        out << "══ " << toUtf8(resource.getHeader().getProductName()) << "  [" << toUtf8(key) << "]  " << count
-            << (count == 1 ? " page" : " pages") << ", help in " << toUtf8(resource.getHeader().getHelpLocation())
-            << "\n\n";
+        out << "  " << count << (count == 1 ? " page" : " pages");
+    }
+    out << ", help in " << toUtf8(resource.getHeader().getHelpLocation()) << "\n\n";
+}
+
+int printFiles(const PageFiles& files, bool json, std::ostream& out) {
+    if (json) {
+        writeJson(out, toJson(files));
+        return kExitOk;
+    }
+    for (const auto& [key, resource] : files) {
+        printHeader(out, key, resource, true);
         for (const auto& entry : resource.getItems()) {
             for (const auto& page : entry.second) {
                 renderPage(out, makePageView(page));
@@ -175,19 +210,188 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
     return kExitOk;
 }
 
+// One page: every record the file has for its link (usually one).
+int printPage(const PageFiles& files, const std::u16string& href, bool json, std::ostream& out) {
+    std::u16string key;
+    const auto* pages = pagesAt(files, href, &key);
+    if (json) {
+        boost::json::array array;
+        for (const auto& page : *pages) {
+            array.push_back(toJson(page));
+        }
+        writeJson(out, array);
+        return kExitOk;
+    }
+    printHeader(out, key, files.at(key), false);
+    for (const auto& page : *pages) {
+        renderPage(out, makePageView(page));
+    }
+    return kExitOk;
+}
+
+// Finds the page `href` (fragment removed) in the page files; prints it when there is one.
+std::optional<int> pageByHref(const std::set<std::string>& names, const std::string& href, bool json,
+                              std::ostream& out) {
+    const std::u16string wanted = toUtf16(href);
+    for (const auto& name : readingOrder(names, firstFolder(href))) {
+        const PageFiles files = DocResourceParser::getResourceFile(toUtf16(name));
+        if (pagesAt(files, wanted) != nullptr) {
+            return printPage(files, wanted, json, out);
+        }
+    }
+    return std::nullopt;
+}
+
+// The pages of the product `key`, from whichever page file delivers that key.
+std::optional<int> pagesOfProduct(const std::set<std::string>& names, const LookupResults& lookup,
+                                  const std::string& key, bool json, std::ostream& out) {
+    const std::u16string wanted = toUtf16(key);
+    const auto* resource = [&]() -> const DocResourceParser::LookupResourceMap::mapped_type* {
+        for (const auto* map : {&lookup.installedResources, &lookup.uninstalledResources}) {
+            if (const auto found = map->find(wanted); found != map->end()) {
+                return &found->second;
+            }
+        }
+        return nullptr;
+    }();
+    if (resource == nullptr) {
+        return std::nullopt;
+    }
+    // The page file is most often named for the folder of the product's links.
+    std::string folder = key;
+    for (const auto& [name, entries] : resource->getItems()) {
+        if (!entries.empty()) {
+            folder = firstFolder(toUtf8(entries.front().getHref()));
+            break;
+        }
+    }
+    for (const auto& name : readingOrder(names, folder)) {
+        PageFiles files = DocResourceParser::getResourceFile(toUtf16(name));
+        const auto found = files.find(wanted);
+        if (found != files.end()) {
+            PageFiles one;
+            one.insert(*found);
+            return printFiles(one, json, out);
+        }
+    }
+    return std::nullopt;
+}
+
+struct Candidate {
+    std::string href; // without its fragment
+    std::string productKey;
+    std::string productName;
+};
+
+// The distinct pages the lookup entries named exactly `name` link to; entries named so with
+// any case when none has exactly that name.
+std::vector<Candidate> entriesNamed(const LookupResults& lookup, const std::string& name) {
+    std::vector<Candidate> exact;
+    std::vector<Candidate> folded;
+    const std::u16string wanted = toUtf16(name);
+    const std::u32string wantedFolded = foldCase(wanted);
+    for (const auto* map : {&lookup.installedResources, &lookup.uninstalledResources}) {
+        for (const auto& [key, resource] : *map) {
+            for (const auto& [entryName, entries] : resource.getItems()) {
+                const bool same = entryName == wanted;
+                if (!same && foldCase(entryName) != wantedFolded) {
+                    continue;
+                }
+                for (const auto& entry : entries) {
+                    const std::string href = toUtf8(entry.getHref());
+                    Candidate candidate{href.substr(0, href.find('#')), toUtf8(key),
+                                        toUtf8(resource.getHeader().getProductName())};
+                    auto& list = same ? exact : folded;
+                    if (std::none_of(list.begin(), list.end(),
+                                     [&](const Candidate& c) { return c.href == candidate.href; })) {
+                        list.push_back(std::move(candidate));
+                    }
+                }
+            }
+        }
+    }
+    return exact.empty() ? folded : exact;
+}
+
+int run(const Options& options, std::ostream& out, std::ostream& err) {
+    const std::string& name = options.name;
+    if (name.empty()) {
+        throw UsageError("NAME must not be empty");
+    }
+    const HostSettings settings = resolveHostSettings(options.host);
+    applyHostSettings(settings);
+    const auto roots = DocResourceParser::getReferenceRoots();
+    const std::set<std::string> names = pageFileRoles(toUtf8(roots->referenceFolder)).names;
+    const std::string where = " under " + settings.root.string() + " (language " + settings.language + ")";
+
+    // A link: a path with a folder, as lookup entries and see-also links give them.
+    if (name.find('/') != std::string::npos) {
+        const std::string href = name.substr(0, name.find('#'));
+        if (const auto status = pageByHref(names, href, options.json, out)) {
+            return *status;
+        }
+        err << "refdoc: no page file has the page '" << href << "'" << where
+            << "; 'refdoc check' tells whether a file was dropped\n";
+        return kExitProblem;
+    }
+    // A page file's name.
+    if (names.count(name) != 0) {
+        const PageFiles files = DocResourceParser::getResourceFile(toUtf16(name));
+        if (!files.empty()) {
+            return printFiles(files, options.json, out);
+        }
+        err << "refdoc: the page file " << name << ".json has no pages" << where
+            << "; 'refdoc check' tells whether it was dropped\n";
+        return kExitProblem;
+    }
+    // A product key, then a lookup entry's name.
+    const LookupResults lookup = DocResourceParser::getResourceLookupFiles();
+    if (const auto status = pagesOfProduct(names, lookup, name, options.json, out)) {
+        return *status;
+    }
+    const std::vector<Candidate> candidates = entriesNamed(lookup, name);
+    if (candidates.size() == 1) {
+        if (const auto status = pageByHref(names, candidates.front().href, options.json, out)) {
+            return *status;
+        }
+        err << "refdoc: the lookup entry '" << name << "' links to " << candidates.front().href
+            << ", but no page file has that page" << where << "; 'refdoc check' tells whether a file was dropped\n";
+        return kExitProblem;
+    }
+    if (candidates.size() > 1) {
+        err << "refdoc: " << candidates.size() << " pages have the name '" << name << "'; name one by its link:\n";
+        for (const auto& candidate : candidates) {
+            err << "  refdoc page " << candidate.href << "   (" << candidate.productName << " [" << candidate.productKey
+                << "])\n";
+        }
+        return kExitProblem;
+    }
+    err << "refdoc: '" << name << "' is no page file, product key, lookup entry or page link" << where
+        << "; 'refdoc lookup' lists the product keys, 'refdoc find' searches the entries, 'refdoc check' tells "
+           "whether a file was dropped\n";
+    return kExitProblem;
+}
+
 } // namespace
 
 Command pageCommand() {
     Command command;
     command.name = "page";
-    command.needs = "a product NAME";
-    command.summary = "show one product's reference pages";
+    command.needs = "a NAME: page file, product key, entry name or page link";
+    command.summary = "show a product's reference pages, or one page";
     command.help = "Usage: refdoc page NAME [options]\n"
                    "\n"
-                   "Loads the reference pages of the product whose page file is NAME.json (and, unless\n"
-                   "the language is English, NAME_<language>.json over it) and prints every page:\n"
-                   "purpose, syntax, inputs with their anchors, outputs, properties, parameters,\n"
-                   "examples and see-also links. Exit status 1 when there are no pages.\n"
+                   "Prints reference pages: purpose, syntax, inputs with their anchors, outputs,\n"
+                   "properties, parameters, examples and see-also links. NAME is, tried in this order:\n"
+                   "  a page link (with a '/', e.g. signal/ref/fastfilter.html; a #fragment is ignored):\n"
+                   "      that one page\n"
+                   "  a page file's name (NAME.json, and unless the language is English\n"
+                   "      NAME_<language>.json over it): every page of the file\n"
+                   "  a product key, as 'refdoc lookup' lists them: that product's pages\n"
+                   "  a lookup entry's name, as 'refdoc find' shows them (case is ignored when no entry\n"
+                   "      has that exact name): the one page it links to; when several pages have the\n"
+                   "      name, their links are listed to choose from\n"
+                   "Exit status 1 when there are no pages.\n"
                    "\n"
                    "Options:\n"
                    "  --json                   print the full page records as JSON\n" +
