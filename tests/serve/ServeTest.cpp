@@ -138,7 +138,7 @@ TEST(Serve, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
     }
     const auto product = client.Get("/product/evil");
     ASSERT_TRUE(product);
-    EXPECT_TRUE(contains(product->body, "<td>evil&quot;&gt;&lt;b&gt;x</td>")) << product->body;
+    EXPECT_TRUE(contains(product->body, "<td>evil&quot;&gt;&lt;b&gt;x<span class=\"tag no-page\"")) << product->body;
     EXPECT_TRUE(contains(product->body, "href=\"/ref/evil/good.html?lang=en\">good</a>"));
 }
 
@@ -234,11 +234,78 @@ TEST(Serve, ProblemsAreGroupedAndLongListsPaged) {
         }
         if (c.rows != 0) {
             std::size_t rows = 0;
-            for (std::size_t at = response->body.find("<tr>"); at != std::string::npos;
-                 at = response->body.find("<tr>", at + 1)) {
+            const std::string row = "<tr class=\"problem\">";
+            for (std::size_t at = response->body.find(row); at != std::string::npos;
+                 at = response->body.find(row, at + 1)) {
                 ++rows;
             }
             EXPECT_EQ(rows, c.rows);
+        }
+    }
+    EXPECT_EQ(server.stop(), 0);
+}
+
+// The views people read: breadcrumbs back to the product, contents on a long page, the name of an
+// argument without its anchor beside it, entries without a page marked as such, and a translated
+// page that lacks sections pointing to the English one.
+TEST(Serve, PagesCarryBreadcrumbsContentsAndWhatATranslationLacks) {
+    const TempDir root;
+    const std::string lookupItems = R"({"name": "f", "type": "function", "refpurpose": "p", "href": "p/f.html"},
+                                       {"name": "g", "type": "function", "refpurpose": "p", "href": "p/g.html"},
+                                       {"name": "gone", "type": "function", "refpurpose": "p", "href": "p/gone.html"})";
+    root.write("docCatalog/referenceapi_lookup/p.json", resourceFile("Prod", "p", lookupItems));
+    root.write("docCatalog/referenceapi_lookup/p_ja.json", resourceFile("製品", "p", lookupItems));
+    const auto longPage = [](const std::string& purpose, bool examples) {
+        return R"({"href": "p/f.html", "refpurpose": ")" + purpose +
+               R"json(", "refentity": [{"type": "function", "name": "f"}],
+                  "syntaxgroup": [{"title": "Basic", "syntax": ["f(x)"]}],
+                  "inputgroup": [{"title": "Required", "inputs": [{"name": "x", "htmlid": "in_x", "purpose": "x"}]}],
+                  "outputs": [{"name": "y", "htmlid": "out_y", "purpose": "y"}])json" +
+               (examples ? R"(, "examples": [{"url": "p/g.html", "title": "Example"}],
+                           "seealso": [{"url": "p/g.html", "name": "g"}])"
+                         : "") +
+               "}";
+    };
+    root.write("docCatalog/referenceapi/p.json",
+               pageFile("p", longPage("English", true) + "," + page("p/g.html", "short")));
+    root.write("docCatalog/referenceapi/p_ja.json", pageFile("p", longPage("日本語", false)));
+    ServerProcess server({"--root", root.path().string(), "--languages", "en,ja"});
+    auto client = server.client();
+    const struct Case {
+        std::string path;
+        std::vector<std::string> shown;
+        std::vector<std::string> notShown;
+    } cases[] = {
+        {"/product/p",
+         {"<nav class=\"crumbs\" aria-label=\"Breadcrumbs\"><ol><li><a href=\"/?lang=en\">Products</a></li>"
+          "<li aria-current=\"page\">Prod</li></ol></nav>",
+          "<a href=\"/ref/p/f.html?lang=en\">f</a>",
+          "gone<span class=\"tag no-page\" title=\"p/gone.html\">no page</span>"},
+         {"href=\"/ref/p/gone.html"}},
+        {"/ref/p/f.html",
+         {"<li><a href=\"/product/p?lang=en\">Prod</a></li><li aria-current=\"page\">f</li>",
+          "<nav class=\"toc\" aria-label=\"On this page\">", "<li><a href=\"#seealso\">See also</a></li>",
+          "<dt id=\"in_x\"><a class=\"self\" href=\"#in_x\"><code>x</code></a></dt>"},
+         {">#in_x<", "id=\"lacking\""}},
+        {"/ref/p/g.html", {"<li aria-current=\"page\">f</li>"}, {"class=\"toc\""}},
+        {"/ref/p/f.html?lang=ja",
+         {"<li><a href=\"/product/p?lang=ja\">製品</a></li>", "日本語",
+          "lacks sections the English page has: Examples, See also. <a href=\"/ref/p/f.html?lang=en\" "
+          "hreflang=\"en\">Read the English page</a>"},
+         {}},
+        {"/search?q=f", {"<li aria-current=\"page\">Search</li>"}, {}},
+        {"/", {}, {"class=\"crumbs\""}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        const auto response = client.Get(c.path);
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->status, 200);
+        for (const auto& text : c.shown) {
+            EXPECT_TRUE(contains(response->body, text)) << text << " not in\n" << response->body;
+        }
+        for (const auto& text : c.notShown) {
+            EXPECT_FALSE(contains(response->body, text)) << text << " in\n" << response->body;
         }
     }
     EXPECT_EQ(server.stop(), 0);

@@ -114,7 +114,9 @@ void respond(SnapshotCache& cache, const httplib::Request& request, httplib::Res
         if (!html::pageHref(href) || href.find('#') != std::string::npos) {
             reject(400, "Bad request", "Not a page reference: a relative path without \"..\", \".\" or empty parts.");
         } else {
-            pageView(*cache.snapshot(language), href, view);
+            const auto snapshot = cache.snapshot(language);
+            const auto english = language == "en" ? nullptr : cache.snapshot("en");
+            pageView(*snapshot, english.get(), href, view);
         }
     } else {
         reject(404, "Not found", "There is no such page here. The index lists the products.");

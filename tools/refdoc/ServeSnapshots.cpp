@@ -114,6 +114,38 @@ std::shared_ptr<const PageLoad> Snapshot::pages(const std::string& name) const {
     return pages_.emplace(name, std::move(load)).first->second;
 }
 
+std::string Snapshot::pageFileOf(const std::string& href) const {
+    {
+        const std::lock_guard lock(pageFileOfMutex_);
+        if (const auto found = pageFileOf_.find(href); found != pageFileOf_.end()) {
+            return found->second;
+        }
+    }
+    const std::u16string wanted = toUtf16(href);
+    const std::string first = href.substr(0, href.find('/'));
+    std::vector<std::string> order;
+    if (pageNames_.count(first) != 0) {
+        order.push_back(first);
+    }
+    for (const auto& name : pageNames_) {
+        if (name != first) {
+            order.push_back(name);
+        }
+    }
+    std::string file;
+    for (const auto& name : order) {
+        const auto load = pages(name);
+        const bool has = std::any_of(load->files.begin(), load->files.end(),
+                                     [&](const auto& entry) { return entry.second.getItems().count(wanted) != 0; });
+        if (has) {
+            file = name;
+            break;
+        }
+    }
+    const std::lock_guard lock(pageFileOfMutex_);
+    return pageFileOf_.emplace(href, file).first->second;
+}
+
 SnapshotCache::SnapshotCache(HostSettings settings) : settings_(std::move(settings)), gate_(settings_.language) {
     const auto roots = DocResourceParser::getReferenceRoots();
     lookupFolder_ = toUtf8(roots->lookupFolder);

@@ -100,6 +100,10 @@ public:
 
     // The page file `name` (one of pageNames(), or any base name) in this snapshot's language.
     std::shared_ptr<const PageLoad> pages(const std::string& name) const;
+    // The name of the page file that has the page `href` (a link without its fragment): the
+    // file named for the link's first folder when it has it, else the first other one that
+    // does; "" when none does. Loads the page files it needs and remembers its answers.
+    std::string pageFileOf(const std::string& href) const;
 
 private:
     friend class SnapshotCache;
@@ -113,6 +117,8 @@ private:
     std::set<std::string> pageNames_;
     mutable std::mutex pagesMutex_;
     mutable std::map<std::string, std::shared_ptr<const PageLoad>> pages_;
+    mutable std::mutex pageFileOfMutex_;
+    mutable std::map<std::string, std::string> pageFileOf_;
 };
 
 class SnapshotCache {

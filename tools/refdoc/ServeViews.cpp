@@ -68,6 +68,19 @@ std::string document(const std::vector<std::string>& languages, const std::strin
                "\">What was dropped and why</a></p>\n";
     }
     out += "<main>\n";
+    if (!view.crumbs.empty()) {
+        out += "<nav class=\"crumbs\" aria-label=\"Breadcrumbs\"><ol><li><a href=\"" +
+               escape(html::viewUrl("/", language)) + "\">Products</a></li>";
+        for (const auto& crumb : view.crumbs) {
+            if (!crumb.url.empty()) {
+                out += "<li><a href=\"" + escape(crumb.url) + "\">" + escape(crumb.label) + "</a></li>";
+            } else {
+                out += std::string(&crumb == &view.crumbs.back() ? "<li aria-current=\"page\">" : "<li>") +
+                       escape(crumb.label) + "</li>";
+            }
+        }
+        out += "</ol></nav>\n";
+    }
     out += view.body;
     out += "</main>\n</body></html>\n";
     return out;
@@ -142,6 +155,7 @@ void productView(const Snapshot& snapshot, const std::string& key, View& view) {
     const auto& resource = found->second;
     const auto& header = resource.getHeader();
     view.title = toUtf8(header.getProductName());
+    view.crumbs = {{view.title, ""}};
     std::string& out = view.body;
     out += "<h1>" + escape(toUtf8(header.getProductName())) + "</h1>\n<p class=\"meta\">Key <code>" + escape(key) +
            "</code> · base code <code>" + escape(toUtf8(header.getBaseCode())) + "</code> · help folder <code>" +
@@ -152,9 +166,13 @@ void productView(const Snapshot& snapshot, const std::string& key, View& view) {
         for (const auto& entry : entries) {
             const std::string href = toUtf8(entry.getHref());
             const auto ref = html::pageHref(href);
+            // Only a page some page file has is a link; the others say so instead of leading
+            // to a "no such page".
             out += "<tr><td>";
-            out += ref ? "<a href=\"" + escape(refUrl(*ref, language)) + "\">" + escape(toUtf8(name)) + "</a>"
-                       : escape(toUtf8(name));
+            out += ref && !snapshot.pageFileOf(ref->path).empty()
+                       ? "<a href=\"" + escape(refUrl(*ref, language)) + "\">" + escape(toUtf8(name)) + "</a>"
+                       : escape(toUtf8(name)) + "<span class=\"tag no-page\" title=\"" + escape(href) +
+                             "\">no page</span>";
             out += "</td><td>" + escape(std::string(RefEntityType::toString(entry.getEntityType())));
             if (entry.isDeprecated()) {
                 out += "<span class=\"tag deprecated\">deprecated</span>";
@@ -171,6 +189,7 @@ void searchView(const Snapshot& snapshot, const std::string& text, View& view) {
     const std::string& language = snapshot.language();
     view.title = text.empty() ? "Search" : "Search: " + text;
     view.query = text;
+    view.crumbs = {{"Search", ""}};
     std::vector<std::u32string> queries;
     for (const auto& piece : splitList(std::string_view(text))) {
         // Words separated by blanks are separate texts, as `refdoc find a b` takes them.
@@ -270,16 +289,15 @@ void renderArgument(std::string& out, const PageView::Argument& argument, std::v
     if (!argument.defaultValue.empty()) {
         details.push_back("Default: <code>" + escape(argument.defaultValue) + "</code>");
     }
-    // Anchors come as "page.html#id"; the id is the element's.
+    // Anchors come as "page.html#id"; the id is the element's, and the name links to itself
+    // so that the place can be copied.
     const std::string& full = argument.anchor;
     const std::string anchor = full.substr(full.find('#') == std::string::npos ? 0 : full.rfind('#') + 1);
-    const bool linkable = html::isSafeId(anchor);
-    out += linkable ? "<dt id=\"" + escape(anchor) + "\">" : std::string("<dt>");
-    out += "<code>" + escape(argument.name) + "</code>";
-    if (linkable) {
-        out += " <a class=\"anchor\" href=\"#" + escape(anchor) + "\">#" + escape(anchor) + "</a>";
-    } else if (!full.empty()) {
-        out += " <span class=\"muted\">anchor " + escape(full) + "</span>";
+    if (html::isSafeId(anchor)) {
+        out += "<dt id=\"" + escape(anchor) + "\"><a class=\"self\" href=\"#" + escape(anchor) + "\"><code>" +
+               escape(argument.name) + "</code></a>";
+    } else {
+        out += "<dt><code>" + escape(argument.name) + "</code>";
     }
     out += "</dt><dd>";
     if (!argument.purpose.empty()) {
@@ -298,7 +316,28 @@ void renderArgument(std::string& out, const PageView::Argument& argument, std::v
     out += "</dd>\n";
 }
 
-void renderPage(std::string& out, PageContext& context, const PageView& page) {
+// The page's sections, as ids and headings, in the order they are shown.
+std::vector<std::pair<std::string, std::string>> sectionsOf(const PageView& page) {
+    std::vector<std::pair<std::string, std::string>> sections;
+    const auto add = [&](bool present, const char* id, const char* title) {
+        if (present) {
+            sections.emplace_back(id, title);
+        }
+    };
+    add(!page.syntaxGroups.empty(), "syntax", "Syntax");
+    add(!page.inputGroups.empty(), "inputs", "Inputs");
+    add(!page.outputs.empty(), "outputs", "Outputs");
+    add(!page.propertyGroups.empty(), "properties", "Properties");
+    add(!page.parameters.empty(), "parameters", "Parameters");
+    add(!page.examples.empty(), "examples", "Examples");
+    add(!page.seeAlso.empty(), "seealso", "See also");
+    return sections;
+}
+
+// A page with this many sections gets a table of contents.
+constexpr std::size_t kContentsFrom = 3;
+
+void renderPage(std::string& out, PageContext& context, const PageView& page, const std::string& lacking) {
     std::string kinds;
     for (const auto& entity : page.entities) {
         if (!entity.type.empty()) {
@@ -325,6 +364,14 @@ void renderPage(std::string& out, PageContext& context, const PageView& page) {
     if (!page.thumbnailFileRef.empty() || !page.thumbnailAltText.empty()) {
         out += "<p class=\"meta thumbnail\">Thumbnail <code>" + escape(page.thumbnailFileRef) + "</code>" +
                (page.thumbnailAltText.empty() ? "" : ": " + escape(page.thumbnailAltText)) + "</p>\n";
+    }
+    out += lacking;
+    if (const auto sections = sectionsOf(page); sections.size() >= kContentsFrom) {
+        out += "<nav class=\"toc\" aria-label=\"On this page\"><strong>On this page</strong><ul>";
+        for (const auto& [id, title] : sections) {
+            out += std::string("<li><a href=\"#") + id + "\">" + title + "</a></li>";
+        }
+        out += "</ul></nav>\n";
     }
     if (!page.syntaxGroups.empty()) {
         out += "<section id=\"syntax\"><h2>Syntax</h2>\n";
@@ -410,42 +457,86 @@ void renderPage(std::string& out, PageContext& context, const PageView& page) {
 
 } // namespace
 
-void pageView(const Snapshot& snapshot, const std::string& href, View& view) {
-    const std::set<std::string>& names = snapshot.pageNames();
-    // The page file is most often named for the first folder of the link; the others are read
-    // only when it is not there (support packages' pages live in their product's file).
-    std::vector<std::string> order;
-    const std::string first = href.substr(0, href.find('/'));
-    if (names.count(first) != 0) {
-        order.push_back(first);
+namespace {
+
+// The note on a translated page that lacks sections of its English page, or "".
+std::string lackingNote(const Snapshot* english, const std::string& href, const PageView& page,
+                        const std::string& language) {
+    if (english == nullptr) {
+        return {};
     }
-    for (const auto& name : names) {
-        if (name != first) {
-            order.push_back(name);
+    const std::string file = english->pageFileOf(href);
+    if (file.empty()) {
+        return {};
+    }
+    const auto* pages = findPage(english->pages(file)->files, toUtf16(href));
+    if (pages == nullptr || pages->empty()) {
+        return {};
+    }
+    const auto translated = sectionsOf(page);
+    std::vector<std::string> missing;
+    for (const auto& section : sectionsOf(makePageView(pages->front()))) {
+        if (std::find(translated.begin(), translated.end(), section) == translated.end()) {
+            missing.push_back(section.second);
         }
     }
-    const std::u16string wanted = toUtf16(href);
-    for (const auto& name : order) {
-        const auto load = snapshot.pages(name);
-        view.counts.add(load->counts);
-        const auto* pages = findPage(load->files, wanted);
-        if (pages == nullptr) {
-            continue;
+    if (missing.empty()) {
+        return {};
+    }
+    return "<p class=\"lacking\" id=\"lacking\">This page in <strong>" + escape(language) +
+           "</strong> lacks sections the English page has: " + escape(joinList(missing, ", ")) + ". <a href=\"" +
+           escape(html::viewUrl("/ref/" + href, "en")) + "\" hreflang=\"en\">Read the English page</a></p>\n";
+}
+
+} // namespace
+
+void pageView(const Snapshot& snapshot, const Snapshot* english, const std::string& href, View& view) {
+    const std::string name = snapshot.pageFileOf(href);
+    if (name.empty()) {
+        // Every page file was read: the note tells when one of them was dropped.
+        for (const auto& other : snapshot.pageNames()) {
+            view.counts.add(snapshot.pages(other)->counts);
         }
-        PageContext context{snapshot, snapshot.language(), load->files};
-        view.title = href;
-        for (const auto& page : *pages) {
-            if (view.title == href && !page.getEntities().empty()) {
-                view.title = toUtf8(page.getEntities().front().getName());
-            }
-            renderPage(view.body, context, makePageView(page));
-        }
-        view.body += "<p class=\"meta\">From page file <code>" + escape(name) + ".json</code></p>\n";
+        errorView(view, 404, "No such page",
+                  "No page file of the documentation root has the page \"" + href +
+                      "\" (or the file that has it was dropped; the problems view says why).");
         return;
     }
-    errorView(view, 404, "No such page",
-              "No page file of the documentation root has the page \"" + href +
-                  "\" (or the file that has it was dropped; the problems view says why).");
+    const auto load = snapshot.pages(name);
+    view.counts.add(load->counts);
+    const std::u16string wanted = toUtf16(href);
+    std::u16string key;
+    const std::vector<RefItem>* pages = nullptr;
+    for (const auto& [fileKey, resource] : load->files) {
+        if (const auto found = resource.getItems().find(wanted); found != resource.getItems().end()) {
+            key = fileKey;
+            pages = &found->second;
+            break;
+        }
+    }
+    const std::string& language = snapshot.language();
+    PageContext context{snapshot, language, load->files};
+    view.title = href;
+    for (const auto& page : *pages) {
+        const PageView shown = makePageView(page);
+        if (view.title == href && !shown.entities.empty()) {
+            view.title = shown.heading();
+        }
+        renderPage(view.body, context, shown,
+                   &page == &pages->front() ? lackingNote(english, href, shown, language) : "");
+    }
+    view.body += "<p class=\"meta\">From page file <code>" + escape(name) + ".json</code></p>\n";
+
+    // Index › product › page; the product links to its entries when the lookup data has it.
+    const LookupResults& lookup = snapshot.lookup();
+    Crumb product{toUtf8(load->files.at(key).getHeader().getProductName()), ""};
+    for (const auto* map : {&lookup.installedResources, &lookup.uninstalledResources}) {
+        if (const auto found = map->find(key); found != map->end()) {
+            product = {toUtf8(found->second.getHeader().getProductName()), html::productUrl(toUtf8(key), language)};
+            break;
+        }
+    }
+    view.crumbs = {std::move(product), {view.title, ""}};
 }
 
 // ---- problems ---------------------------------------------------------------------------------
@@ -464,7 +555,8 @@ struct ProblemList {
 };
 
 std::string cell(const std::string& file, const std::string& html) {
-    return "<tr><td><code>" + escape(file) + "</code><div class=\"reason\">" + html + "</div></td></tr>\n";
+    return "<tr class=\"problem\"><td><code>" + escape(file) + "</code><div class=\"reason\">" + html +
+           "</div></td></tr>\n";
 }
 
 std::vector<ProblemList> problemLists(const Report& report, const std::filesystem::path& root) {
@@ -494,7 +586,7 @@ std::vector<ProblemList> problemLists(const Report& report, const std::filesyste
     }
     ProblemList ignored{"ignored", "Not read", "Only .json and .zip lookup files and .json page files are data.", {}};
     for (const auto& path : report.ignored) {
-        ignored.rows.push_back("<tr><td><code>" + escape(path) + "</code></td></tr>\n");
+        ignored.rows.push_back("<tr class=\"problem\"><td><code>" + escape(path) + "</code></td></tr>\n");
     }
     lists.push_back(std::move(ignored));
     return lists;
@@ -514,6 +606,7 @@ void problemsView(const Report& report, const std::filesystem::path& root, const
     view.counts = LoadCounts{report.files.size(), report.dropped, report.warnings};
     view.title = "Problems";
     view.problemsBanner = false; // the view is the whole account
+    view.crumbs = {{"Problems", ""}};
     const std::string& language = query.language;
     const std::vector<ProblemList> lists = problemLists(report, root);
     std::string& out = view.body;

@@ -9,13 +9,20 @@
 
 namespace refdoc::tool::serve {
 
+// One step of the breadcrumbs after the index: a link, or the view itself when `url` is "".
+struct Crumb {
+    std::string label;
+    std::string url;
+};
+
 // What one request produced.
 struct View {
     int status = 200;
     std::string title;
     std::string body;
-    std::string query; // the search box's text
-    LoadCounts counts; // of the files this view read
+    std::string query;         // the search box's text
+    std::vector<Crumb> crumbs; // none on the index
+    LoadCounts counts;         // of the files this view read
     // Whether the note on what this view read is shown: where its data is, not on the index or
     // the problems view itself.
     bool problemsBanner = true;
@@ -37,8 +44,9 @@ void errorView(View& view, int status, const std::string& title, const std::stri
 void indexView(const Snapshot& snapshot, const std::filesystem::path& root, View& view);
 void productView(const Snapshot& snapshot, const std::string& key, View& view);
 void searchView(const Snapshot& snapshot, const std::string& text, View& view);
-// The page `href`, a relative path that html::pageHref accepts.
-void pageView(const Snapshot& snapshot, const std::string& href, View& view);
+// The page `href`, a relative path that html::pageHref accepts. `english` is the English
+// snapshot when the view's language is another, to tell which sections a translation lacks.
+void pageView(const Snapshot& snapshot, const Snapshot* english, const std::string& href, View& view);
 void problemsView(const Report& report, const std::filesystem::path& root, const ProblemsQuery& query, View& view);
 
 } // namespace refdoc::tool::serve
