@@ -208,7 +208,9 @@ TEST(Serve, ProblemsAreGroupedAndLongListsPaged) {
          100},
         {list + "2",
          200,
-         {"rows 101–130 of 130 · page 2 of 2", "rel=\"prev\"", "k1129.json"},
+         {"rows 101–130 of 130 · page 2 of 2", "rel=\"prev\"", "k1129.json",
+          "<li><a href=\"/problems?lang=en\">Problems</a></li><li aria-current=\"page\">unknown enumeration "
+          "text</li></ol></nav>\n<h1>"},
          {"k1099.json", "rel=\"next\""},
          30},
         {list + "3", 404, {"This list has 2 pages."}, {}, 0},

@@ -549,6 +549,7 @@ constexpr std::size_t kProblemsPerPage = 100; // rows of one page of a single li
 // One list of the problems view: its rows are already HTML.
 struct ProblemList {
     std::string id;    // the "show" parameter that pages through it
+    std::string label; // its name in the breadcrumbs
     std::string title; // HTML
     std::string note;  // HTML, or ""
     std::vector<std::string> rows;
@@ -561,7 +562,7 @@ std::string cell(const std::string& file, const std::string& html) {
 
 std::vector<ProblemList> problemLists(const Report& report, const std::filesystem::path& root) {
     std::vector<ProblemList> lists;
-    ProblemList dropped{"dropped", "Dropped files", "The library reads nothing of these files.", {}};
+    ProblemList dropped{"dropped", "Dropped files", "Dropped files", "The library reads nothing of these files.", {}};
     for (const auto& file : report.files) {
         if (file.diagnostic.dropped()) {
             std::string label = fileLabel(file.diagnostic, root);
@@ -574,6 +575,7 @@ std::vector<ProblemList> problemLists(const Report& report, const std::filesyste
     lists.push_back(std::move(dropped));
     for (const auto& group : groupWarnings(report, root)) {
         ProblemList list{group.kind,
+                         group.kind,
                          "<span class=\"warning\">" + escape(group.kind) +
                              "</span>: " + plural(group.count, "warning", "warnings") + " in " +
                              plural(group.lines.size(), "file", "files"),
@@ -584,7 +586,8 @@ std::vector<ProblemList> problemLists(const Report& report, const std::filesyste
         }
         lists.push_back(std::move(list));
     }
-    ProblemList ignored{"ignored", "Not read", "Only .json and .zip lookup files and .json page files are data.", {}};
+    ProblemList ignored{
+        "ignored", "Not read", "Not read", "Only .json and .zip lookup files and .json page files are data.", {}};
     for (const auto& path : report.ignored) {
         ignored.rows.push_back("<tr class=\"problem\"><td><code>" + escape(path) + "</code></td></tr>\n");
     }
@@ -626,10 +629,9 @@ void problemsView(const Report& report, const std::filesystem::path& root, const
         }
         const std::size_t begin = (query.page - 1) * kProblemsPerPage;
         const std::size_t end = std::min(list->rows.size(), begin + kProblemsPerPage);
-        view.title = "Problems: " + list->id;
-        out += "<nav class=\"crumbs\" aria-label=\"Breadcrumbs\"><a href=\"" + escape(html::viewUrl("/", language)) +
-               "\">Products</a> › <a href=\"" + escape(html::viewUrl("/problems", language)) +
-               "\">Problems</a></nav>\n<h1>" + list->title + "</h1>\n";
+        view.title = "Problems: " + list->label;
+        view.crumbs = {{"Problems", html::viewUrl("/problems", language)}, {list->label, ""}};
+        out += "<h1>" + list->title + "</h1>\n";
         if (!list->note.empty()) {
             out += "<p class=\"meta\">" + list->note + "</p>\n";
         }
