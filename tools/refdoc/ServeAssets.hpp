@@ -34,10 +34,9 @@ nav.langs a, nav.langs strong { margin-right: .4rem; }
 main { max-width: 64rem; padding: 1rem 1.5rem 3rem; }
 nav.crumbs ol { list-style: none; margin: 0 0 .4rem; padding: 0; display: flex; flex-wrap: wrap; font-size: .88rem; color: var(--muted); }
 nav.crumbs li + li::before { content: "›"; margin: 0 .45rem; }
-nav.toc { float: right; margin: 0 0 1rem 1.5rem; padding: .5rem .9rem; border: 1px solid var(--line); border-radius: 4px; background: var(--panel); font-size: .9rem; }
-nav.toc ul { margin: .2rem 0 0; padding-left: 1rem; }
-@media (max-width: 48rem) { nav.toc { float: none; margin: .5rem 0; } }
-section { clear: right; }
+nav.toc { display: flex; flex-wrap: wrap; align-items: baseline; gap: .2rem .9rem; margin: .8rem 0; padding: .4rem .8rem; border: 1px solid var(--line); border-radius: 4px; background: var(--panel); font-size: .9rem; }
+nav.toc ul { display: contents; }
+nav.toc li { list-style: none; }
 h1 { font-size: 1.5rem; margin: .6rem 0 .3rem; }
 h2 { font-size: 1.15rem; margin: 1.6rem 0 .4rem; padding-bottom: .2rem; border-bottom: 1px solid var(--line); }
 h3 { font-size: 1rem; margin: 1rem 0 .3rem; }
