@@ -234,21 +234,30 @@ TEST(ToolCheck, ListsTheFirstFewFilesOfEachKindAndFailsOnWarningsWhenStrict) {
     const TempDir root;
     for (int i = 0; i < 7; ++i) {
         const std::string key = "p" + std::to_string(i);
+        // p6 has five unknown texts more than the others.
+        std::string more;
+        for (int t = 0; i == 6 && t < 5; ++t) {
+            more += R"(, {"name": "c", "refpurpose": "p", "href": "c.html", "type": "t)" + std::to_string(t) + "\"}";
+        }
         root.write(kLookup / (key + ".json"), R"({"productName": "P", "baseCode": "P", "helpFolder": ")" + key +
                                                   R"(", "helpLocation": "h", "refItems": [
                        {"name": "a", "refpurpose": "p", "href": "a.html", "type": "odd"},
-                       {"name": "b", "refpurpose": "p", "href": "b.html", "type": "odd"}]})");
+                       {"name": "b", "refpurpose": "p", "href": "b.html", "type": "odd"})" +
+                                                  more + "]}");
     }
+    const std::string p6 = "/p6.json: \"odd\" ×2 (first at /refItems/0/type); \"t0\" at /refItems/2/type; \"t1\" at "
+                           "/refItems/3/type; \"t2\" at /refItems/4/type; \"t3\" at /refItems/5/type";
     const struct Case {
         std::vector<std::string> args;
         int status;
         std::size_t fileLines; // lines naming a warned file
         bool more;             // the "… and 2 more" line
+        std::string p6Line;    // the end of p6's line, or "" when it is not listed
     } cases[] = {
-        {{}, 0, 7 + 5, true}, // each file once in the file list, five in the group
-        {{"--quiet"}, 0, 5, true},
-        {{"--quiet", "--verbose"}, 0, 7, false},
-        {{"--quiet", "--strict"}, 1, 5, true},
+        {{}, 0, 7 + 5, true, ""}, // each file once in the file list, five in the group
+        {{"--quiet"}, 0, 5, true, ""},
+        {{"--quiet", "--verbose"}, 0, 7, false, p6 + "; \"t4\" at /refItems/6/type\n"},
+        {{"--quiet", "--strict"}, 1, 5, true, ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.args));
@@ -256,13 +265,24 @@ TEST(ToolCheck, ListsTheFirstFewFilesOfEachKindAndFailsOnWarningsWhenStrict) {
         EXPECT_EQ(run.status, c.status) << ::testing::PrintToString(run);
         EXPECT_EQ(linesWith(run.out, "referenceapi_lookup/p").size(), c.fileLines) << run.out;
         EXPECT_EQ(contains(run.out, "    … and 2 more (--verbose lists them all)\n"), c.more) << run.out;
-        EXPECT_TRUE(contains(run.out, "  unknown enumeration text: 14 warnings in 7 files")) << run.out;
+        EXPECT_TRUE(contains(run.out, "  unknown enumeration text: 19 warnings in 7 files")) << run.out;
         EXPECT_TRUE(contains(run.out, "/p0.json: \"odd\" ×2 (first at /refItems/0/type)\n")) << run.out;
+        EXPECT_EQ(contains(run.out, "/p6.json: "), !c.p6Line.empty()) << run.out;
+        if (!c.p6Line.empty()) {
+            EXPECT_TRUE(contains(run.out, c.p6Line)) << run.out;
+        }
     }
+    // Sorted by name, p6 is among the first five only after p0 and p1 are gone.
+    for (const char* gone : {"p0.json", "p1.json"}) {
+        std::filesystem::remove(root.path() / kLookup / gone);
+    }
+    const ToolRun shortened = check(root, {"--quiet"});
+    EXPECT_TRUE(contains(shortened.out, p6 + "; … 1 more\n")) << shortened.out;
+
     const ToolRun strictJson = check(root, {"--strict", "--json"});
     EXPECT_EQ(strictJson.status, 1);
     EXPECT_EQ(strictJson.json().at("summary").at("warningsByKind"),
-              json::parse(R"({"unknown enumeration text": {"warnings": 14, "files": 7}})"));
+              json::parse(R"({"unknown enumeration text": {"warnings": 15, "files": 5}})"));
 }
 
 } // namespace

@@ -289,7 +289,7 @@ std::vector<WarningGroup> groupWarnings(const Report& report, const std::filesys
         }
         const std::string label = fileLabel(file.diagnostic, root);
         for (const auto& [kind, list] : texts) {
-            groups[kind].lines.push_back({label, joinList(list, "; ")});
+            groups[kind].lines.push_back({label, list});
         }
     }
     std::vector<WarningGroup> out;
@@ -319,6 +319,16 @@ void printList(std::ostream& out, const List& list, bool verbose, std::string_vi
     if (shown < list.size()) {
         out << indent << "… and " << list.size() - shown << " more (--verbose lists them all)\n";
     }
+}
+
+// A file's warnings of one kind: the first few texts (an unknown enumeration text each) unless
+// `verbose`.
+std::string lineText(const WarningGroup::Line& line, bool verbose) {
+    if (verbose || line.texts.size() <= kFirstFew) {
+        return joinList(line.texts, "; ");
+    }
+    const std::vector<std::string> first(line.texts.begin(), line.texts.begin() + kFirstFew);
+    return joinList(first, "; ") + "; … " + std::to_string(line.texts.size() - kFirstFew) + " more";
 }
 
 struct TextOptions {
@@ -382,8 +392,9 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
                 out << " (" << group.note << ')';
             }
             out << '\n';
-            printList(out, group.lines, options.verbose, "    ",
-                      [&](const WarningGroup::Line& line) { out << "    " << line.file << ": " << line.text << '\n'; });
+            printList(out, group.lines, options.verbose, "    ", [&](const WarningGroup::Line& line) {
+                out << "    " << line.file << ": " << lineText(line, options.verbose) << '\n';
+            });
         }
     }
     if (!report.ignored.empty()) {

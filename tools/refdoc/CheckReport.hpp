@@ -85,8 +85,8 @@ std::vector<WarningItem> warningItems(const CheckedFile& file);
 // The report's warnings of one kind, one line per file that has any.
 struct WarningGroup {
     struct Line {
-        std::string file; // fileLabel
-        std::string text; // the file's warnings of this kind, in words
+        std::string file;               // fileLabel
+        std::vector<std::string> texts; // the file's warnings of this kind, in words
     };
     std::string kind;
     std::string note;      // what the kind means for the data, or ""

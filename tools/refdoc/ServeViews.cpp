@@ -582,7 +582,7 @@ std::vector<ProblemList> problemLists(const Report& report, const std::filesyste
                          escape(group.note),
                          {}};
         for (const auto& line : group.lines) {
-            list.rows.push_back(cell(line.file, escape(line.text)));
+            list.rows.push_back(cell(line.file, escape(joinList(line.texts, "; "))));
         }
         lists.push_back(std::move(list));
     }
