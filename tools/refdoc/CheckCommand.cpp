@@ -215,18 +215,6 @@ std::string dropText(const FileDiagnostic& file) {
     }
 }
 
-std::string warningText(const reference::docparser::ParseWarning& warning) {
-    switch (warning.kind) {
-    case WarningKind::UnknownEnumText:
-        return "unknown enumeration text \"" + warning.text + "\" at " + warning.jsonPath +
-               ": the default value is used";
-    case WarningKind::DocumentKeyTaken:
-        return "support package at " + warning.jsonPath + " dropped: its key \"" + warning.text +
-               "\" is already taken by an earlier document of this file";
-    }
-    return warning.text;
-}
-
 std::size_t warningCount(const CheckedFile& file) { return file.diagnostic.warnings.size() + file.nameWarnings.size(); }
 
 std::vector<WarningItem> warningItems(const CheckedFile& file) {

@@ -68,8 +68,6 @@ std::string droppedLine(std::size_t dropped);
 std::string fileLabel(const reference::docparser::FileDiagnostic& file, const std::filesystem::path& root);
 // Why a dropped file was dropped, in words.
 std::string dropText(const reference::docparser::FileDiagnostic& file);
-// A warning of the library, in words.
-std::string warningText(const reference::docparser::ParseWarning& warning);
 std::size_t warningCount(const CheckedFile& file);
 
 // One of a file's warnings as the reports give it: an unknown enumeration text once per text,
