@@ -25,5 +25,7 @@ fi
 (cd tests/browser && npm ci --no-audit --no-fund --silent)
 
 cmake --preset "$preset" -DREFDOC_WERROR=ON >/dev/null
-cmake --build --preset "$preset" --target refdoc
+cmake --build --preset "$preset" --target refdoc refdoc_corpus
 node tests/browser/serve.test.mjs "build/$preset/tools/refdoc/refdoc" build/browser
+# The server under load on a generated root: figures for the log, no verdict on them.
+python3 scripts/serve-load.py --tool "build/$preset/tools/refdoc/refdoc" --corpus-tool "build/$preset/bench/refdoc_corpus"

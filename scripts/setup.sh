@@ -11,7 +11,7 @@ PACKAGES=(
   libboost1.81-dev libboost-json1.81-dev libboost-log1.81-dev libboost-exception1.81-dev
   libzip-dev zipcmp zipmerge ziptool zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev
-  libcli11-dev libcpp-httplib-dev
+  libcli11-dev libcpp-httplib-dev libboost-url1.81-dev
 )
 
 missing=()

@@ -1,6 +1,7 @@
 // Headless Chromium through refdoc serve on the sample root: the index, a search typed into
-// the box, the page of a result, a see-also link, the problems view. Fails on a missing element
-// or any script error; saves a screenshot of each step.
+// the box, the page of a result with its breadcrumbs and contents, a see-also link, the problems
+// view, a translated page that lacks sections, and the dark colour scheme. Fails on a missing
+// element or any script error; saves a screenshot of each step.
 //   node serve.test.mjs REFDOC_EXECUTABLE SCREENSHOT_FOLDER
 import { spawn } from 'node:child_process';
 import { mkdirSync, mkdtempSync, rmSync } from 'node:fs';
@@ -80,11 +81,21 @@ try {
   for (const section of ['#syntax', '#inputs', '#outputs', '#examples', '#seealso', 'dt#input_b']) {
     await page.locator(section).waitFor();
   }
-  await page.locator('a[href="#input_b"]').click();
+  // Root → product → page; the argument's name is its anchor link, with no anchor text beside it.
+  const crumbs = await page.locator('nav.crumbs li').allTextContents();
+  expect(JSON.stringify(crumbs) === JSON.stringify(['Products', 'Signal Toolkit', 'fastfilter']), 'crumbs: ' + crumbs);
+  await page.locator('nav.toc a[href="#examples"]').waitFor();
+  expect(!(await page.locator('dt#input_b').textContent()).includes('#'), 'anchor text beside an argument');
+  await page.locator('dt#input_b a[href="#input_b"]').click();
   expect(page.url().endsWith('#input_b'), 'anchor link: ' + page.url());
   await page.evaluate(() => window.scrollTo(0, 0));
   await page.screenshot({ path: join(shots, '3-page.png'), fullPage: true });
   await page.screenshot({ path: join(shots, '3-page-top.png') });
+
+  await page.locator('nav.crumbs a', { hasText: 'Signal Toolkit' }).click();
+  await page.waitForURL(/\/product\/signal\?/);
+  await page.goBack();
+  await page.waitForURL(/\/ref\/signal\/ref\/fastfilter\.html/);
 
   await page.locator('#seealso a.page-link', { hasText: 'ratechange' }).click();
   await page.waitForURL(/\/ref\/signal\/ref\/ratechange\.html/);
@@ -102,6 +113,22 @@ try {
   await page.goto(url + '?lang=ja');
   expect((await page.locator('html').getAttribute('lang')) === 'ja', 'language switch');
   await page.screenshot({ path: join(shots, '6-index-ja.png'), fullPage: true });
+
+  // The Japanese page has no examples and no see-also links: it says so and links to English.
+  await page.goto(url + 'ref/signal/ref/fastfilter.html?lang=ja');
+  const lacking = page.locator('#lacking');
+  expect((await lacking.textContent()).includes('Examples, See also'), 'lacking sections');
+  await page.screenshot({ path: join(shots, '7-page-ja.png'), fullPage: true });
+  await lacking.locator('a[hreflang="en"]').click();
+  await page.waitForURL(/fastfilter\.html\?lang=en$/);
+
+  // Dark mode follows the system's colour scheme.
+  const background = () => page.locator('body').evaluate((body) => getComputedStyle(body).backgroundColor);
+  await page.emulateMedia({ colorScheme: 'light' });
+  expect((await background()) === 'rgb(255, 255, 255)', 'light background: ' + (await background()));
+  await page.emulateMedia({ colorScheme: 'dark' });
+  expect((await background()) === 'rgb(20, 24, 29)', 'dark background: ' + (await background()));
+  await page.screenshot({ path: join(shots, '8-page-dark.png'), fullPage: true });
 
   expect(problems.length === 0, problems.join('; '));
   console.log('browser test: passed; screenshots in ' + shots);

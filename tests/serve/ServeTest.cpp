@@ -9,12 +9,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <thread>
 
 namespace {
 
 using namespace refdoc::test;
+using namespace std::chrono_literals;
 
 // A lookup or page document: the two share their header.
 std::string resourceFile(const std::string& product, const std::string& folder, const std::string& items) {
@@ -70,7 +73,29 @@ TEST(Serve, AnswersHostileRequestsWithClientErrorsAndKeepsServing) {
     const auto index = server.client().Get("/");
     ASSERT_TRUE(index);
     EXPECT_EQ(index->status, 200);
+    for (const char* link :
+         {"<a class=\"brand\" href=\"/?lang=en\">", "<a href=\"/?lang=ja\" hreflang=\"ja\">",
+          "<a href=\"/product/signal?lang=en\">", "<a id=\"problems-link\" href=\"/problems?lang=en\">"}) {
+        EXPECT_TRUE(contains(index->body, link)) << link;
+    }
     EXPECT_EQ(server.stop(), 0);
+}
+
+TEST(Serve, APortInUseIsRefusedAndTheFirstServerKeepsIt) {
+    ServerProcess first({});
+    const std::string port = std::to_string(first.port());
+    const ToolRun second = runTool({"serve", "--port", port});
+    EXPECT_EQ(second.status, 2) << ::testing::PrintToString(second);
+    EXPECT_TRUE(contains(second.err, "refdoc: cannot listen on 127.0.0.1 port " + port + ": the port is in use"))
+        << second.err;
+    EXPECT_FALSE(contains(second.out, "Open http://")) << second.out;
+    // Every request still reaches the first server.
+    for (int i = 0; i < 10; ++i) {
+        const auto response = first.client().Get("/");
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->status, 200);
+    }
+    EXPECT_EQ(first.stop(), 0);
 }
 
 TEST(Serve, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
@@ -113,12 +138,12 @@ TEST(Serve, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
     }
     const auto product = client.Get("/product/evil");
     ASSERT_TRUE(product);
-    EXPECT_TRUE(contains(product->body, "<td>evil&quot;&gt;&lt;b&gt;x</td>")) << product->body;
+    EXPECT_TRUE(contains(product->body, "<td>evil&quot;&gt;&lt;b&gt;x<span class=\"tag no-page\"")) << product->body;
     EXPECT_TRUE(contains(product->body, "href=\"/ref/evil/good.html?lang=en\">good</a>"));
 }
 
 // Files that break or go away between requests (ParallelRequestsInTwoLanguagesDuringEdits shows
-// edits being read afresh): the answers say so, and the server keeps serving.
+// edits being read on the next request): the answers say so, and the server keeps serving.
 TEST(Serve, FilesBrokenOrGoneBetweenRequestsAreReported) {
     const TempDir root;
     root.write("docCatalog/referenceapi/p.json", pageFile("p", page("p/f.html", "first text")));
@@ -145,6 +170,189 @@ TEST(Serve, FilesBrokenOrGoneBetweenRequestsAreReported) {
     ASSERT_TRUE(gone);
     EXPECT_EQ(gone->status, 503);
     EXPECT_TRUE(contains(gone->body, "has no docCatalog folder any more"));
+    EXPECT_EQ(server.stop(), 0);
+}
+
+// Many files with the same warning: the problems view counts them, shows the first few and pages
+// through the rest; only views whose data lost a file carry the note about dropped files.
+TEST(Serve, ProblemsAreGroupedAndLongListsPaged) {
+    const TempDir root;
+    for (int i = 0; i < 130; ++i) {
+        const std::string key = "k" + std::to_string(1000 + i);
+        root.write("docCatalog/referenceapi_lookup/" + key + ".json",
+                   resourceFile("P", key, R"({"name": "a", "type": "odd", "refpurpose": "p", "href": "k/a.html"})"));
+    }
+    root.write("docCatalog/referenceapi_lookup/broken.json", "{");
+    root.write("docCatalog/referenceapi/k.json", pageFile("k", page("k/a.html", "text")));
+    ServerProcess server({"--root", root.path().string()});
+    auto client = server.client();
+    const std::string list = "/problems?show=unknown%20enumeration%20text&page=";
+    const struct Case {
+        std::string path;
+        int status;
+        std::vector<std::string> shown;
+        std::vector<std::string> notShown;
+        std::size_t rows;
+    } cases[] = {
+        {"/problems",
+         200,
+         {"130 warnings in 130 files", "docCatalog/referenceapi_lookup/k1019.json",
+          "href=\"/problems?lang=en&amp;show=unknown%20enumeration%20text&amp;page=1\">All 130, 100 to a page</a>",
+          "docCatalog/referenceapi_lookup/broken.json"},
+         {"k1020.json", "id=\"problem-count\""},
+         20 + 1},
+        {list + "1",
+         200,
+         {"rows 1–100 of 130 · page 1 of 2", "rel=\"next\"", "k1099.json"},
+         {"k1100.json", "rel=\"prev\""},
+         100},
+        {list + "2",
+         200,
+         {"rows 101–130 of 130 · page 2 of 2", "rel=\"prev\"", "k1129.json",
+          "<li><a href=\"/problems?lang=en\">Problems</a></li><li aria-current=\"page\">unknown enumeration "
+          "text</li></ol></nav>\n<h1>"},
+         {"k1099.json", "rel=\"next\""},
+         30},
+        {list + "3", 404, {"This list has 2 pages."}, {}, 0},
+        {list + "0", 404, {}, {}, 0},
+        {list + "x", 400, {}, {}, 0},
+        {"/problems?show=nothing", 404, {}, {}, 0},
+        // The index and a product are made from the lookup files, one of which was dropped; the
+        // page's file was read whole.
+        {"/", 200, {"id=\"problem-count\"", "1 dropped"}, {}, 0},
+        {"/product/k1000", 200, {"id=\"problem-count\""}, {}, 0},
+        {"/ref/k/a.html", 200, {}, {"id=\"problem-count\""}, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        const auto response = client.Get(c.path);
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->status, c.status);
+        for (const auto& text : c.shown) {
+            EXPECT_TRUE(contains(response->body, text)) << text << " not in\n" << response->body;
+        }
+        for (const auto& text : c.notShown) {
+            EXPECT_FALSE(contains(response->body, text)) << text << " in\n" << response->body;
+        }
+        if (c.rows != 0) {
+            std::size_t rows = 0;
+            const std::string row = "<tr class=\"problem\">";
+            for (std::size_t at = response->body.find(row); at != std::string::npos;
+                 at = response->body.find(row, at + 1)) {
+                ++rows;
+            }
+            EXPECT_EQ(rows, c.rows);
+        }
+    }
+    EXPECT_EQ(server.stop(), 0);
+}
+
+// The views people read: breadcrumbs back to the product, contents on a long page, the name of an
+// argument without its anchor beside it, entries without a page marked as such, and a translated
+// page that lacks sections pointing to the English one.
+TEST(Serve, PagesCarryBreadcrumbsContentsAndWhatATranslationLacks) {
+    const TempDir root;
+    const std::string lookupItems = R"({"name": "f", "type": "function", "refpurpose": "p", "href": "p/f.html"},
+                                       {"name": "g", "type": "function", "refpurpose": "p", "href": "p/g.html"},
+                                       {"name": "gone", "type": "function", "refpurpose": "p", "href": "p/gone.html"})";
+    root.write("docCatalog/referenceapi_lookup/p.json", resourceFile("Prod", "p", lookupItems));
+    root.write("docCatalog/referenceapi_lookup/p_ja.json", resourceFile("製品", "p", lookupItems));
+    const auto longPage = [](const std::string& purpose, bool examples) {
+        return R"({"href": "p/f.html", "refpurpose": ")" + purpose +
+               R"json(", "refentity": [{"type": "function", "name": "f"}],
+                  "syntaxgroup": [{"title": "Basic", "syntax": ["f(x)"]}],
+                  "inputgroup": [{"title": "Required", "inputs": [{"name": "x", "htmlid": "in_x", "purpose": "x"}]}],
+                  "outputs": [{"name": "y", "htmlid": "out_y", "purpose": "y"}])json" +
+               (examples ? R"(, "examples": [{"url": "p/g.html", "title": "Example"}],
+                           "seealso": [{"url": "p/g.html", "name": "g"}])"
+                         : "") +
+               "}";
+    };
+    root.write("docCatalog/referenceapi/p.json",
+               pageFile("p", longPage("English", true) + "," + page("p/g.html", "short")));
+    root.write("docCatalog/referenceapi/p_ja.json", pageFile("p", longPage("日本語", false)));
+    ServerProcess server({"--root", root.path().string(), "--languages", "en,ja"});
+    auto client = server.client();
+    const struct Case {
+        std::string path;
+        std::vector<std::string> shown;
+        std::vector<std::string> notShown;
+    } cases[] = {
+        {"/product/p",
+         {"<nav class=\"crumbs\" aria-label=\"Breadcrumbs\"><ol><li><a href=\"/?lang=en\">Products</a></li>"
+          "<li aria-current=\"page\">Prod</li></ol></nav>",
+          "<a href=\"/ref/p/f.html?lang=en\">f</a>",
+          "gone<span class=\"tag no-page\" title=\"p/gone.html\">no page</span>"},
+         {"href=\"/ref/p/gone.html"}},
+        {"/ref/p/f.html",
+         {"<li><a href=\"/product/p?lang=en\">Prod</a></li><li aria-current=\"page\">f</li>",
+          "<nav class=\"toc\" aria-label=\"On this page\">", "<li><a href=\"#seealso\">See also</a></li>",
+          "<dt id=\"in_x\"><a class=\"self\" href=\"#in_x\"><code>x</code></a></dt>"},
+         {">#in_x<", "id=\"lacking\""}},
+        {"/ref/p/g.html", {"<li aria-current=\"page\">f</li>"}, {"class=\"toc\""}},
+        {"/ref/p/f.html?lang=ja",
+         {"<li><a href=\"/product/p?lang=ja\">製品</a></li>", "日本語",
+          "lacks sections the English page has: Examples, See also. <a href=\"/ref/p/f.html?lang=en\" "
+          "hreflang=\"en\">Read the English page</a>"},
+         {}},
+        {"/search?q=f", {"<li aria-current=\"page\">Search</li>"}, {}},
+        {"/", {}, {"class=\"crumbs\""}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        const auto response = client.Get(c.path);
+        ASSERT_TRUE(response);
+        EXPECT_EQ(response->status, 200);
+        for (const auto& text : c.shown) {
+            EXPECT_TRUE(contains(response->body, text)) << text << " not in\n" << response->body;
+        }
+        for (const auto& text : c.notShown) {
+            EXPECT_FALSE(contains(response->body, text)) << text << " in\n" << response->body;
+        }
+    }
+    EXPECT_EQ(server.stop(), 0);
+}
+
+// What a request loaded is kept while every data file keeps its name, size and modification
+// time, and loaded again as soon as one of them changes.
+TEST(Serve, LoadedDataIsKeptUntilADataFileChanges) {
+    const TempDir root;
+    const auto pagePath = root.path() / "docCatalog/referenceapi/p.json";
+    const auto lookupFile = root.path() / "docCatalog/referenceapi_lookup/q.json";
+    const auto past = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+    const auto writeAt = [&](const std::filesystem::path& file, const std::string& text, auto time) {
+        root.write(std::filesystem::relative(file, root.path()), text);
+        std::filesystem::last_write_time(file, time);
+    };
+    writeAt(pagePath, pageFile("p", page("p/f.html", "text A")), past);
+    ServerProcess server({"--root", root.path().string()});
+    auto client = server.client();
+    const auto shows = [&](const std::string& path, const std::string& text) {
+        const auto response = client.Get(path);
+        return response && response->status == 200 && contains(response->body, text);
+    };
+    const struct Step {
+        std::string what;
+        std::function<void()> edit;
+        std::string path;
+        std::string text;
+    } steps[] = {
+        {"first load", [] {}, "/ref/p/f.html", "text A"},
+        {"same size, later time", [&] { writeAt(pagePath, pageFile("p", page("p/f.html", "text B")), past + 1s); },
+         "/ref/p/f.html", "text B"},
+        // Nothing the key sees has changed, so the kept data answers.
+        {"same size and time", [&] { writeAt(pagePath, pageFile("p", page("p/f.html", "text C")), past + 1s); },
+         "/ref/p/f.html", "text B"},
+        {"same time, other size", [&] { writeAt(pagePath, pageFile("p", page("p/f.html", "text DD")), past + 1s); },
+         "/ref/p/f.html", "text DD"},
+        {"a file added", [&] { writeAt(lookupFile, resourceFile("Added", "q", ""), past); }, "/", "Added"},
+        {"a file removed", [&] { std::filesystem::remove(lookupFile); }, "/", "No lookup data found."},
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.what);
+        step.edit();
+        EXPECT_TRUE(shows(step.path, step.text));
+    }
     EXPECT_EQ(server.stop(), 0);
 }
 

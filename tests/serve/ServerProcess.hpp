@@ -47,6 +47,8 @@ public:
     ServerProcess(const ServerProcess&) = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;
 
+    int port() const { return port_; }
+
     httplib::Client client() const {
         httplib::Client client("127.0.0.1", port_);
         client.set_read_timeout(60, 0);

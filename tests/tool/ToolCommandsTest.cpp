@@ -106,6 +106,40 @@ TEST_F(ToolCommands, HostFileSuppliesDefaultsThatTheCommandLineOverrides) {
     EXPECT_EQ(linesWith(overridden.out, "alpha  "), std::vector<std::string>{"alpha  no             4  Alpha"});
 }
 
+// Without a list from the options or the host file, the supported languages are those the data
+// files are named for: a suffix counts only beside the file it translates.
+TEST_F(ToolCommands, SupportedLanguagesDefaultToThoseTheDataFilesAreNamedFor) {
+    write(kPages / "alpha_de.json", kFullPage);
+    write(kLookup / "orphan_ko.json", fileText(lookupDocument({"Orphan", "OR", "orphan"}, {{"o", "O"}})));
+    write(kLookup / "gamma_zh_CN.json", fileText(lookupDocument({"Gamma CN", "GA", "gamma"}, {{"g", "G"}})));
+    write(kLookup / "gamma.json", fileText(lookupDocument({"Gamma", "GA", "gamma"}, {{"g", "G"}})));
+    const struct Case {
+        std::vector<std::string> args;
+        int status;
+        std::string text; // in the output, or the message when the status is 2
+    } cases[] = {
+        {{"lookup"}, 0, "Language: en (supported: en, de, ja, zh_CN)"},
+        {{"lookup", "--lang", "JA"}, 0, "Language: ja (supported: en, de, ja, zh_CN)"},
+        {{"lookup", "--lang", "ZH_cn"}, 0, "Language: zh_CN (supported: en, de, ja, zh_CN)"},
+        {{"lookup", "--lang", "ko"},
+         2,
+         "refdoc: no data file of " + root_.path().string() +
+             " is named for the language 'ko'; the languages present are en, de, ja, zh_CN (--languages names "
+             "others)\n"},
+        {{"lookup", "--lang", "KO", "--languages", "en,ko"}, 0, "Language: ko (supported: en, ko)"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.args));
+        const ToolRun result = run(c.args);
+        EXPECT_EQ(result.status, c.status) << ::testing::PrintToString(result);
+        EXPECT_TRUE(contains(c.status == 2 ? result.err : result.out, c.text)) << ::testing::PrintToString(result);
+    }
+    // JA reads the Japanese variants as ja does.
+    const auto alpha = linesWith(run({"lookup", "--lang", "JA"}).out, "alpha ");
+    ASSERT_EQ(alpha.size(), 1u);
+    EXPECT_TRUE(alpha.front().ends_with("  アルファ")) << alpha.front();
+}
+
 TEST_F(ToolCommands, PageRendersEverySectionOfAPage) {
     const ToolRun result = run({"page", "alpha"});
     ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);
@@ -141,6 +175,80 @@ TEST_F(ToolCommands, PageRendersEverySectionOfAPage) {
               json::parse(R"({"title": "Options", "inputs": [{"name": "Color", "purpose": "Line colour", "values": [],
                               "anchor": "alpha/plot.html#nv_color", "syntaxType": null,
                               "defaultValue": "\"blue\"", "nameValuePair": true}]})"));
+}
+
+// What a user knows of a page: the page file, the product key, an entry's name or its link. The
+// page file of delta is named for neither its key nor its links' folder.
+TEST_F(ToolCommands, PageFindsPagesByFileKeyEntryNameOrLink) {
+    write(kLookup / "delta.json",
+          fileText(lookupDocument({"Delta", "DE", "delta"}, {{"resample", "Resample data", "delta/ref/resample.html"},
+                                                             {"Plot", "Plot in delta", "delta/ref/plot.html"},
+                                                             {"nopage", "No page", "delta/ref/none.html"}})));
+    write(kPages / "deltadocs.json",
+          fileText(pageDocument({"Delta", "DE", "delta"}, {{"delta/ref/resample.html", "Resample data"},
+                                                           {"delta/ref/plot.html", "Plot in delta"}})));
+    const std::string resample = "  Link: delta/ref/resample.html\n";
+    const std::string plot = "  Link: delta/ref/plot.html\n";
+    const struct Case {
+        std::string name;
+        int status;
+        std::vector<std::string> shown; // in stdout, or in stderr when the status is 1
+        std::vector<std::string> notShown;
+    } cases[] = {
+        {"alpha", 0, {"══ Alpha  [alpha]  1 page", "  Link: alpha/plot.html\n"}, {}},
+        {"deltadocs", 0, {"══ Delta  [delta]  2 pages", resample, plot}, {}},
+        {"delta", 0, {"══ Delta  [delta]  2 pages", resample, plot}, {}},
+        {"resample", 0, {"══ Delta  [delta], help in help/delta\n", resample}, {plot, "pages"}},
+        {"RESAMPLE", 0, {resample}, {plot}},
+        {"delta/ref/plot.html#input_x", 0, {plot}, {resample}},
+        // Two products have an entry named Plot: the user picks one by its link.
+        {"Plot",
+         1,
+         {"2 pages have the name 'Plot'", "  refdoc page delta/ref/plot.html   (Delta [delta])\n",
+          "  refdoc page Plot.html   (Alpha [alpha])\n"},
+         {}},
+        {"nopage", 1, {"the lookup entry 'nopage' links to delta/ref/none.html, but no page file has that page"}, {}},
+        {"delta/ref/none.html", 1, {"no page file has the page 'delta/ref/none.html'"}, {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const ToolRun result = run({"page", c.name});
+        EXPECT_EQ(result.status, c.status) << ::testing::PrintToString(result);
+        const std::string& text = c.status == 0 ? result.out : result.err;
+        for (const auto& part : c.shown) {
+            EXPECT_TRUE(contains(text, part)) << part << " not in\n" << text;
+        }
+        for (const auto& part : c.notShown) {
+            EXPECT_FALSE(contains(text, part)) << part << " in\n" << text;
+        }
+    }
+    const ToolRun asJson = run({"page", "resample", "--json"});
+    ASSERT_EQ(asJson.status, 0) << ::testing::PrintToString(asJson);
+    ASSERT_EQ(asJson.json().as_array().size(), 1u);
+    EXPECT_EQ(asJson.json().at(0).at("href"), "delta/ref/resample.html");
+}
+
+// lookup and find end by saying how many lookup files were dropped.
+TEST_F(ToolCommands, LookupAndFindSayHowManyFilesWereDropped) {
+    const struct Case {
+        std::vector<std::string> args;
+        bool toErr;
+    } cases[] = {{{"lookup"}, false}, {{"find", "plot"}, false}, {{"find", "zzz"}, true}};
+    for (const bool broken : {false, true}) {
+        if (broken) {
+            write(kLookup / "broken.json", "{");
+            write(kLookup / "empty.json", "");
+        }
+        for (const auto& c : cases) {
+            SCOPED_TRACE(::testing::PrintToString(c.args) + (broken ? " broken" : ""));
+            const ToolRun result = run(c.args);
+            const std::string& text = c.toErr ? result.err : result.out;
+            EXPECT_TRUE(text.ends_with(broken ? "\n2 lookup files were dropped; 'refdoc check' says why.\n"
+                                              : "\nNo lookup file was dropped.\n"))
+                << text;
+        }
+    }
+    EXPECT_EQ(run({"lookup", "--json"}).json().at("droppedFiles"), 2);
 }
 
 TEST_F(ToolCommands, FindRanksExactThenPrefixThenSubstringFoldingCaseAndLimits) {

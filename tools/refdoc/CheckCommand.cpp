@@ -1,7 +1,8 @@
 // refdoc check: reads every lookup and page file under a documentation root through the
 // library's own loading operations, with a ParseDiagnosticsScope recording what happens to each
 // file, and reports every file the library drops with its exact reason, plus what it reads
-// only leniently. Exit status 1 when a file is dropped.
+// only leniently, grouped by kind. Exit status 1 when a file is dropped (with --strict, also
+// when there is a warning).
 
 #include "CheckReport.hpp"
 #include "Commands.hpp"
@@ -19,6 +20,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <set>
 #include <system_error>
 #include <tuple>
@@ -38,15 +40,15 @@ using Identity = std::tuple<DiagnosticSource, std::u16string, std::u16string>;
 Identity identityOf(const FileDiagnostic& file) { return {file.source, file.path, file.entry}; }
 
 // Adds what one loading call recorded; a file read again by a later call (the English files
-// are read with every language) is kept once. The page loader names a translation
-// NAME_<language>.json for the current language, which is how its records are told apart.
+// are read with every language) is kept once. `variants` are the page files that are
+// translations into the current language.
 void addRecords(Report& report, std::set<Identity>& seen, DataKind kind, std::vector<FileDiagnostic> records,
-                const std::string& language = {}) {
+                const std::set<std::u16string>& variants = {}) {
     for (auto& record : records) {
         if (record.dropReason == DropReason::Missing) {
             continue; // a translation that does not exist: the English pages stand alone
         }
-        if (kind == DataKind::Page && language != "en" && toUtf8(record.productName).ends_with("_" + language)) {
+        if (kind == DataKind::Page && variants.count(record.path) != 0) {
             record.localeVariant = true;
         }
         if (seen.insert(identityOf(record)).second) {
@@ -72,40 +74,6 @@ std::string fileLabel(const FileDiagnostic& file, const std::filesystem::path& r
 }
 
 namespace {
-
-bool isLowerAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
-    if (text.size() < minimum || text.size() > maximum) {
-        return false;
-    }
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
-}
-
-bool isAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
-    if (text.size() < minimum || text.size() > maximum) {
-        return false;
-    }
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
-}
-
-// The language code a stem seems to end with ("ja" in "optics_ja", "zh_CN" in "map_zh_CN"),
-// and the stem without it; nothing when the stem does not look like a locale variant.
-std::optional<std::pair<std::string, std::string>> localeLikeSuffix(const std::string& stem) {
-    const std::size_t last = stem.rfind('_');
-    if (last == std::string::npos || last == 0) {
-        return std::nullopt;
-    }
-    const std::string_view tail = std::string_view(stem).substr(last + 1);
-    if (isLowerAlpha(tail, 2, 3)) {
-        return std::make_pair(stem.substr(0, last), std::string(tail));
-    }
-    const std::size_t previous = stem.rfind('_', last - 1);
-    if (previous != std::string::npos && previous != 0 && isAlpha(tail, 2, 4) &&
-        isLowerAlpha(std::string_view(stem).substr(previous + 1, last - previous - 1), 2, 3)) {
-        return std::make_pair(stem.substr(0, previous), stem.substr(previous + 1));
-    }
-    return std::nullopt;
-}
 
 // The package of an entry, the folder of a file: where a file's siblings are.
 std::u16string containerOf(const FileDiagnostic& file) {
@@ -197,31 +165,39 @@ bool hasExtension(const std::string& name, std::string_view extension) {
 
 } // namespace
 
-std::set<std::string> pageNames(const std::filesystem::path& folder, const HostSettings& settings) {
-    std::set<std::string> names;
-    std::error_code error;
-    std::filesystem::directory_iterator entries(folder, error);
-    if (error) {
-        return names;
-    }
-    for (const auto& entry : entries) {
-        const std::string fileName = entry.path().filename().string();
-        if (!hasExtension(fileName, "json")) {
-            continue;
+PageFileRoles pageFileRoles(const std::filesystem::path& folder) {
+    using Tools = DocResourceParser::ParsingTools;
+    // The same enumeration, with the same settings, as the library's loads of lookup files.
+    const std::u16string currentSuffix = Tools::kLocaleSeparator + Tools::getCurrentLocale();
+    const auto [jsonFiles, zipFiles] =
+        DocResourceParser::getAllProducts(toUtf16(folder.string()), Tools::getSupportedDocLocales(), currentSuffix);
+    PageFileRoles roles;
+    for (const auto& file : jsonFiles) {
+        std::u16string name = file.getName();
+        if (file.isNonEnglishLocale()) {
+            // A variant of the current language: the loader finds it from its base name.
+            name.resize(name.size() - currentSuffix.size());
+            roles.variants.insert(file.getFullPath());
         }
-        std::string stem = fileName.substr(0, fileName.size() - 5);
-        for (const auto& code : settings.supportedLanguages) {
-            const std::string suffix = "_" + code;
-            if (code != "en" && stem.size() > suffix.size() && stem.ends_with(suffix)) {
-                stem.resize(stem.size() - suffix.size());
-                break;
-            }
-        }
-        if (!stem.empty()) {
-            names.insert(stem);
+        if (!name.empty()) {
+            roles.names.insert(toUtf8(name));
         }
     }
-    return names;
+    return roles;
+}
+
+std::size_t droppedCount(const std::vector<FileDiagnostic>& files) {
+    return static_cast<std::size_t>(std::count_if(files.begin(), files.end(), [](const FileDiagnostic& file) {
+        return file.dropped() && file.dropReason != DropReason::Missing;
+    }));
+}
+
+std::string droppedLine(std::size_t dropped) {
+    if (dropped == 0) {
+        return "No lookup file was dropped.";
+    }
+    return std::to_string(dropped) + (dropped == 1 ? " lookup file was" : " lookup files were") +
+           " dropped; 'refdoc check' says why.";
 }
 
 std::string dropText(const FileDiagnostic& file) {
@@ -239,25 +215,120 @@ std::string dropText(const FileDiagnostic& file) {
     }
 }
 
-std::string warningText(const reference::docparser::ParseWarning& warning) {
-    switch (warning.kind) {
-    case WarningKind::UnknownEnumText:
-        return "unknown enumeration text \"" + warning.text + "\" at " + warning.jsonPath +
-               ": the default value is used";
-    case WarningKind::DocumentKeyTaken:
-        return "support package at " + warning.jsonPath + " dropped: its key \"" + warning.text +
-               "\" is already taken by an earlier document of this file";
-    }
-    return warning.text;
-}
-
 std::size_t warningCount(const CheckedFile& file) { return file.diagnostic.warnings.size() + file.nameWarnings.size(); }
+
+std::vector<WarningItem> warningItems(const CheckedFile& file) {
+    std::vector<WarningItem> items;
+    std::map<std::string, std::size_t> enumTexts; // text → its item in `items`
+    for (const auto& warning : file.diagnostic.warnings) {
+        const std::string kind(toString(warning.kind));
+        if (warning.kind == WarningKind::UnknownEnumText) {
+            const auto [found, added] = enumTexts.try_emplace(warning.text, items.size());
+            if (!added) {
+                ++items[found->second].count;
+                continue;
+            }
+        }
+        items.push_back({kind, warning.jsonPath, warning.text, 1});
+    }
+    for (const auto& warning : file.nameWarnings) {
+        items.push_back({warning.kind, "", warning.text, 1});
+    }
+    return items;
+}
 
 namespace {
 
-void writeText(std::ostream& out, const Report& report, const HostSettings& settings, bool quiet) {
+std::string itemText(const WarningItem& item) {
+    if (item.kind == toString(WarningKind::UnknownEnumText)) {
+        return "\"" + item.text + "\"" +
+               (item.count == 1 ? " at " + item.jsonPath
+                                : " ×" + std::to_string(item.count) + " (first at " + item.jsonPath + ")");
+    }
+    if (item.kind == toString(WarningKind::DocumentKeyTaken)) {
+        return "key \"" + item.text + "\" at " + item.jsonPath;
+    }
+    return item.text;
+}
+
+std::string kindNote(const std::string& kind) {
+    if (kind == toString(WarningKind::UnknownEnumText)) {
+        return "enumeration texts that name no value: the default value is used";
+    }
+    if (kind == toString(WarningKind::DocumentKeyTaken)) {
+        return "support packages dropped: an earlier document of the same file has their key";
+    }
+    return {};
+}
+
+} // namespace
+
+std::vector<WarningGroup> groupWarnings(const Report& report, const std::filesystem::path& root) {
+    std::map<std::string, WarningGroup> groups;
+    for (const auto& file : report.files) {
+        if (warningCount(file) == 0) {
+            continue;
+        }
+        std::map<std::string, std::vector<std::string>> texts; // kind → the file's texts of it
+        for (const auto& item : warningItems(file)) {
+            WarningGroup& group = groups[item.kind];
+            group.count += item.count;
+            texts[item.kind].push_back(itemText(item));
+        }
+        const std::string label = fileLabel(file.diagnostic, root);
+        for (const auto& [kind, list] : texts) {
+            groups[kind].lines.push_back({label, list});
+        }
+    }
+    std::vector<WarningGroup> out;
+    for (auto& [kind, group] : groups) {
+        group.kind = kind;
+        group.note = kindNote(kind);
+        out.push_back(std::move(group));
+    }
+    return out;
+}
+
+namespace {
+
+constexpr std::size_t kFirstFew = 5;
+
+std::string counted(std::size_t n, const char* one, const char* many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+// The first few lines of a long list, or all of them when `verbose`.
+template <class List, class Print>
+void printList(std::ostream& out, const List& list, bool verbose, std::string_view indent, Print&& print) {
+    const std::size_t shown = verbose ? list.size() : std::min(list.size(), kFirstFew);
+    for (std::size_t i = 0; i < shown; ++i) {
+        print(list[i]);
+    }
+    if (shown < list.size()) {
+        out << indent << "… and " << list.size() - shown << " more (--verbose lists them all)\n";
+    }
+}
+
+// A file's warnings of one kind: the first few texts (an unknown enumeration text each) unless
+// `verbose`.
+std::string lineText(const WarningGroup::Line& line, bool verbose) {
+    if (verbose || line.texts.size() <= kFirstFew) {
+        return joinList(line.texts, "; ");
+    }
+    const std::vector<std::string> first(line.texts.begin(), line.texts.begin() + kFirstFew);
+    return joinList(first, "; ") + "; … " + std::to_string(line.texts.size() - kFirstFew) + " more";
+}
+
+struct TextOptions {
+    bool quiet = false;
+    bool verbose = false;
+};
+
+void writeText(std::ostream& out, const Report& report, const HostSettings& settings, const TextOptions& options) {
     out << "Checking " << settings.root.string() << (settings.sampleRoot ? " (bundled sample)" : "")
         << "\nLanguages read: " << joinList(settings.supportedLanguages, ", ") << '\n';
+    // Every file with its state; with --quiet only the dropped ones, as the warnings are
+    // listed by kind below.
     for (const DataKind kind : {DataKind::Lookup, DataKind::Page}) {
         out << '\n' << (kind == DataKind::Lookup ? "Lookup files" : "Page files") << '\n';
         std::size_t shown = 0;
@@ -266,13 +337,14 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
                 continue;
             }
             const FileDiagnostic& d = file.diagnostic;
-            if (quiet && !d.dropped() && warningCount(file) == 0) {
+            const std::size_t warnings = warningCount(file);
+            if (options.quiet && !d.dropped()) {
                 continue;
             }
             ++shown;
-            out << (d.dropped()               ? "  DROPPED  "
-                    : warningCount(file) != 0 ? "  warning  "
-                                              : "  ok       ")
+            out << (d.dropped()     ? "  DROPPED  "
+                    : warnings != 0 ? "  warning  "
+                                    : "  ok       ")
                 << fileLabel(d, settings.root);
             if (d.source == DiagnosticSource::Package) {
                 out << "  (package)";
@@ -286,33 +358,54 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
                 }
                 out << "  → " << joinList(keys, ", ");
             }
+            if (warnings != 0) {
+                out << "  [" << counted(warnings, "warning", "warnings") << ']';
+            }
             out << '\n';
             if (d.dropped()) {
                 out << "           " << dropText(d) << '\n';
             }
-            for (const auto& warning : d.warnings) {
-                out << "           " << warningText(warning) << '\n';
-            }
-            for (const auto& warning : file.nameWarnings) {
-                out << "           " << warning.text << '\n';
-            }
         }
         if (shown == 0) {
-            out << (quiet ? "  no problems\n" : "  none\n");
+            out << (options.quiet ? "  none dropped\n" : "  none\n");
+        }
+    }
+    const std::vector<WarningGroup> groups = groupWarnings(report, settings.root);
+    if (!groups.empty()) {
+        out << "\nWarnings by kind\n";
+        for (const auto& group : groups) {
+            out << "  " << group.kind << ": " << counted(group.count, "warning", "warnings") << " in "
+                << counted(group.lines.size(), "file", "files");
+            if (!group.note.empty()) {
+                out << " (" << group.note << ')';
+            }
+            out << '\n';
+            printList(out, group.lines, options.verbose, "    ", [&](const WarningGroup::Line& line) {
+                out << "    " << line.file << ": " << lineText(line, options.verbose) << '\n';
+            });
         }
     }
     if (!report.ignored.empty()) {
-        out << "\nNot read (only .json and .zip lookup files and .json page files are data)\n";
-        for (const auto& path : report.ignored) {
-            out << "  " << path << '\n';
-        }
+        out << "\nNot read (only .json and .zip lookup files and .json page files are data): "
+            << counted(report.ignored.size(), "file", "files") << '\n';
+        printList(out, report.ignored, options.verbose, "  ",
+                  [&](const std::string& path) { out << "  " << path << '\n'; });
     }
 }
 
 } // namespace
 
 Report buildReport(const HostSettings& settings) {
+    auto& languageService = doclanguage::DocLanguage::getInstance();
+    Report report = buildReport(settings, [&](const std::string& language, const std::function<void()>& load) {
+        languageService.setDocLanguage(toUtf16(language));
+        load();
+    });
+    languageService.setDocLanguage(toUtf16(settings.language));
+    return report;
+}
 
+Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
     // Each run reads the English files and the current language's variants, so one run per
     // supported language reads every file there is.
     std::vector<std::string> languages;
@@ -324,29 +417,27 @@ Report buildReport(const HostSettings& settings) {
     if (languages.empty()) {
         languages.push_back("en");
     }
-    auto& languageService = doclanguage::DocLanguage::getInstance();
 
     Report report;
     report.languages = languages;
     std::set<Identity> seen;
-    for (const auto& language : languages) {
-        languageService.setDocLanguage(toUtf16(language));
-        ParseDiagnosticsScope scope;
-        DocResourceParser::getResourceLookupFiles();
-        addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
-    }
     const auto roots = DocResourceParser::getReferenceRoots();
     const std::filesystem::path pageFolder = toUtf8(roots->referenceFolder);
-    const std::set<std::string> names = pageNames(pageFolder, settings);
     for (const auto& language : languages) {
-        languageService.setDocLanguage(toUtf16(language));
-        for (const auto& name : names) {
-            ParseDiagnosticsScope scope;
-            DocResourceParser::getResourceFile(toUtf16(name));
-            addRecords(report, seen, DataKind::Page, scope.takeFiles(), language);
-        }
+        runIn(language, [&] {
+            {
+                ParseDiagnosticsScope scope;
+                DocResourceParser::getResourceLookupFiles();
+                addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
+            }
+            const PageFileRoles roles = pageFileRoles(pageFolder);
+            for (const auto& name : roles.names) {
+                ParseDiagnosticsScope scope;
+                DocResourceParser::getResourceFile(toUtf16(name));
+                addRecords(report, seen, DataKind::Page, scope.takeFiles(), roles.variants);
+            }
+        });
     }
-    languageService.setDocLanguage(toUtf16(settings.language));
 
     std::stable_sort(report.files.begin(), report.files.end(), [](const CheckedFile& a, const CheckedFile& b) {
         return std::tie(a.kind, a.diagnostic.path, a.diagnostic.entry) <
@@ -354,9 +445,12 @@ Report buildReport(const HostSettings& settings) {
     });
     addLocaleWarnings(report, settings);
     addUnusedPackageWarnings(report);
+    // The page loader reads NAME.json and its translations only: a package there is not data.
     addIgnored(report, toUtf8(roots->lookupFolder), settings.root,
-               [](const std::string& name) { return hasExtension(name, "json") || hasExtension(name, "zip"); });
-    addIgnored(report, pageFolder, settings.root, [](const std::string& name) { return hasExtension(name, "json"); });
+               [](const std::string& name) { return DocResourceParser::isValidFilename(name); });
+    addIgnored(report, pageFolder, settings.root, [](const std::string& name) {
+        return DocResourceParser::isValidFilename(name) && hasExtension(name, "json");
+    });
 
     for (const auto& file : report.files) {
         report.dropped += file.diagnostic.dropped() ? 1 : 0;
@@ -367,59 +461,86 @@ Report buildReport(const HostSettings& settings) {
 
 namespace {
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream&) {
-    const HostSettings settings = resolveHostSettings(args);
+struct Options {
+    HostOptions host;
+    bool json = false;
+    bool quiet = false;
+    bool verbose = false;
+    bool strict = false;
+};
+
+int run(const Options& options, std::ostream& out) {
+    const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     const Report report = buildReport(settings);
-    const std::vector<std::string>& languages = report.languages;
     const std::size_t dropped = report.dropped;
     const std::size_t warnings = report.warnings;
     const std::size_t read = report.files.size() - dropped;
+    const std::vector<WarningGroup> groups = groupWarnings(report, settings.root);
 
-    if (args.has("--json")) {
+    if (options.json) {
         boost::json::array files;
         for (const auto& file : report.files) {
             boost::json::value entry = toJson(file.diagnostic, settings.root);
             auto& object = entry.as_object();
             object["kind"] = file.kind == DataKind::Lookup ? "lookup" : "page";
-            auto& warningArray = object["warnings"].as_array();
-            for (const auto& warning : file.nameWarnings) {
+            boost::json::array warningArray;
+            for (const auto& item : warningItems(file)) {
                 warningArray.push_back(
-                    boost::json::object{{"kind", warning.kind}, {"jsonPath", nullptr}, {"text", warning.text}});
+                    boost::json::object{{"kind", item.kind},
+                                        {"jsonPath", item.jsonPath.empty() ? boost::json::value(nullptr)
+                                                                           : boost::json::value(item.jsonPath)},
+                                        {"text", item.text},
+                                        {"count", item.count}});
             }
+            object["warnings"] = std::move(warningArray);
             files.push_back(std::move(entry));
         }
         boost::json::array languageArray;
-        for (const auto& language : languages) {
+        for (const auto& language : report.languages) {
             languageArray.push_back(boost::json::value(language));
         }
         boost::json::array ignored;
         for (const auto& path : report.ignored) {
             ignored.push_back(boost::json::value(path));
         }
-        writeJson(out,
-                  boost::json::object{
-                      {"root", settings.root.string()},
-                      {"languages", std::move(languageArray)},
-                      {"files", std::move(files)},
-                      {"ignored", std::move(ignored)},
-                      {"summary", boost::json::object{{"read", read}, {"dropped", dropped}, {"warnings", warnings}}},
-                  });
+        boost::json::object byKind;
+        for (const auto& group : groups) {
+            byKind[group.kind] = boost::json::object{{"warnings", group.count}, {"files", group.lines.size()}};
+        }
+        writeJson(out, boost::json::object{
+                           {"root", settings.root.string()},
+                           {"languages", std::move(languageArray)},
+                           {"files", std::move(files)},
+                           {"ignored", std::move(ignored)},
+                           {"summary", boost::json::object{{"read", read},
+                                                           {"dropped", dropped},
+                                                           {"warnings", warnings},
+                                                           {"warningsByKind", std::move(byKind)},
+                                                           {"ignored", report.ignored.size()}}},
+                       });
     } else {
-        writeText(out, report, settings, args.has("--quiet"));
-        out << "\nSummary: " << read << (read == 1 ? " file" : " files") << " read, " << dropped << " dropped, "
-            << warnings << (warnings == 1 ? " warning" : " warnings") << '\n';
+        writeText(out, report, settings, {options.quiet, options.verbose});
+        out << "\nSummary: " << counted(read, "file", "files") << " read, " << dropped << " dropped, "
+            << counted(warnings, "warning", "warnings");
+        if (!groups.empty()) {
+            std::vector<std::string> kinds;
+            for (const auto& group : groups) {
+                kinds.push_back(group.kind + ": " + std::to_string(group.count));
+            }
+            out << " (" << joinList(kinds, ", ") << ')';
+        }
+        out << ", " << report.ignored.size() << " not read\n";
     }
-    return dropped == 0 ? kExitOk : kExitProblem;
+    const bool failed = dropped != 0 || (options.strict && warnings != 0);
+    return failed ? kExitProblem : kExitOk;
 }
 
 } // namespace
 
 Command checkCommand() {
     Command command;
-    command.syntax.name = "check";
-    addHostOptions(command.syntax);
-    command.syntax.flags = {"--json", "--quiet"};
+    command.name = "check";
     command.summary = "read every lookup and page file and report each one the library would drop";
     command.help = "Usage: refdoc check [options]\n"
                    "\n"
@@ -433,13 +554,31 @@ Command checkCommand() {
                    "files named for an unsupported language that are read as English, packages of which\n"
                    "no entry is read, and files in the data folders that are not data files.\n"
                    "\n"
-                   "Exit status: 0 when no file is dropped, 1 when one is, 2 for a usage error.\n"
+                   "\n"
+                   "Dropped files are listed with their reasons; warnings are grouped by kind, with their\n"
+                   "count and the first five files (an unknown enumeration text once per file and text,\n"
+                   "with how many items hold it, the first five texts of a file); a summary line ends\n"
+                   "the report.\n"
+                   "\n"
+                   "Exit status: 0 when no file is dropped, 1 when one is (or, with --strict, when there\n"
+                   "is a warning), 2 for a usage error.\n"
                    "\n"
                    "Options:\n"
-                   "  --quiet                  list only files that are dropped or have warnings\n"
+                   "  --quiet                  list only the dropped files, not every file read\n"
+                   "  --verbose                list every file and text of each kind of warning, not the\n"
+                   "                           first five\n"
+                   "  --strict                 exit status 1 on warnings too\n"
                    "  --json                   print the report as JSON\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addFlag(app, "--json", options->json);
+        addFlag(app, "--quiet", options->quiet);
+        addFlag(app, "--verbose", options->verbose);
+        addFlag(app, "--strict", options->strict);
+        return [options](std::ostream& out, std::ostream&) { return run(*options, out); };
+    };
     return command;
 }
 

@@ -9,6 +9,7 @@
 #include <reference/docparser/ParseDiagnostics.hpp>
 
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -42,16 +43,55 @@ struct Report {
 // no other thread may load data meanwhile.
 Report buildReport(const HostSettings& settings);
 
-// The product names of the page files in `folder`: each .json file's stem without a supported
-// language's suffix.
-std::set<std::string> pageNames(const std::filesystem::path& folder, const HostSettings& settings);
+// Runs `load` with `language` as the current documentation language.
+using LanguageRunner = std::function<void(const std::string& language, const std::function<void()>& load)>;
+// The same report, with each language's loads run through `runIn`, for callers that share the
+// language setting with other threads.
+Report buildReport(const HostSettings& settings, const LanguageRunner& runIn);
+
+// The page files of `folder` as the library's enumeration of a data folder sorts them with the
+// current language and supported languages: the names the page loader takes (each base file's
+// stem, each current-language variant's stem without its suffix) and the variants' paths.
+// Variants of the other supported languages are passed over, as the library passes them over.
+struct PageFileRoles {
+    std::set<std::string> names;
+    std::set<std::u16string> variants;
+};
+PageFileRoles pageFileRoles(const std::filesystem::path& folder);
+
+// How many of the files a load recorded were dropped (a translation that does not exist is not
+// counted), and the closing line of `refdoc lookup` and `refdoc find` that says so.
+std::size_t droppedCount(const std::vector<reference::docparser::FileDiagnostic>& files);
+std::string droppedLine(std::size_t dropped);
 
 // The file's path relative to the root, with ": ENTRY" for a package entry.
 std::string fileLabel(const reference::docparser::FileDiagnostic& file, const std::filesystem::path& root);
 // Why a dropped file was dropped, in words.
 std::string dropText(const reference::docparser::FileDiagnostic& file);
-// A warning of the library, in words.
-std::string warningText(const reference::docparser::ParseWarning& warning);
 std::size_t warningCount(const CheckedFile& file);
+
+// One of a file's warnings as the reports give it: an unknown enumeration text once per text,
+// with how many items hold it and the JSON Pointer of the first; every other warning once.
+struct WarningItem {
+    std::string kind;
+    std::string jsonPath; // "" for a warning about the file's name
+    std::string text;
+    std::size_t count = 1;
+};
+std::vector<WarningItem> warningItems(const CheckedFile& file);
+
+// The report's warnings of one kind, one line per file that has any.
+struct WarningGroup {
+    struct Line {
+        std::string file;               // fileLabel
+        std::vector<std::string> texts; // the file's warnings of this kind, in words
+    };
+    std::string kind;
+    std::string note;      // what the kind means for the data, or ""
+    std::size_t count = 0; // warnings (items, for unknown enumeration texts)
+    std::vector<Line> lines;
+};
+// The warnings grouped by kind, the kinds in alphabetical order, the files in the report's.
+std::vector<WarningGroup> groupWarnings(const Report& report, const std::filesystem::path& root);
 
 } // namespace refdoc::tool

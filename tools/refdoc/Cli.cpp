@@ -1,109 +1,71 @@
 #include "Cli.hpp"
 
-#include <CLI/App.hpp>
+#include "Text.hpp"
+
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
-#include <algorithm>
-
 namespace refdoc::tool {
-namespace {
 
-// CLI11 starts its messages about an option with the option's name ("--root: 1 required TEXT missing").
-std::string optionIn(const std::string& message) { return message.substr(0, message.find(':')); }
+CLI::Option* addValueOption(CLI::App& app, const std::string& name, std::optional<std::string>& target) {
+    return app
+        .add_option_function<std::string>(
+            name, [&target](const std::string& value) { target = value; }, "")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
 
-// What CLI11 rejects, in the words the tool has always used (its tests and users' scripts
-// match them). The message texts are those of CLI11 2.1, Debian 12's.
-UsageError usageError(const CLI::ParseError& error, const CLI::App& app, const CommandSyntax& syntax) {
-    const std::string message = error.what();
+CLI::Option* addListOption(CLI::App& app, const std::string& name, std::optional<std::vector<std::string>>& target) {
+    return app
+        .add_option_function<std::string>(
+            name, [&target](const std::string& value) { target = splitList(value); }, "")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+CLI::Option* addFlag(CLI::App& app, const std::string& name, bool& target) {
+    return app.add_flag(name, target)->disable_flag_override();
+}
+
+CLI::Validator toolCheck(std::function<std::string(const std::string& value)> problem, const std::string& name) {
+    return CLI::Validator([problem = std::move(problem)](std::string& value) { return problem(value); }, "", name);
+}
+
+UsageError usageError(const CLI::ParseError& error, const CLI::App& app, const Command& command) {
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
         const auto remaining = app.remaining();
-        const std::string first = remaining.empty() ? message : remaining.front();
+        const std::string first = remaining.empty() ? error.what() : remaining.front();
         if (first.size() >= 2 && first[0] == '-') {
-            return UsageError("unknown option " + first.substr(0, first.find('=')) + " for '" + syntax.name + "'");
+            return UsageError("unknown option " + first.substr(0, first.find('=')) + " for '" + command.name + "'");
         }
-        return UsageError("unexpected argument '" + first + "' for '" + syntax.name + "'");
+        return UsageError("unexpected argument '" + first + "' for '" + command.name + "'");
     }
-    const std::string option = optionIn(message);
-    if (message.find("At Most") != std::string::npos) {
-        return UsageError("option " + option + " given more than once");
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+        return UsageError("'" + command.name + "' needs " + command.needs);
     }
-    if (message.find("missing") != std::string::npos) {
-        return UsageError("option " + option + " needs a value");
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        // CLI11 names the option first: "--root: 1 required TEXT missing" for a value option
+        // without its value, "json was given a disallowed flag override" for a flag with one.
+        std::string name(error.what());
+        name = name.substr(0, name.find_first_of(": "));
+        name = name.substr(name.find_first_not_of('-') == std::string::npos ? 0 : name.find_first_not_of('-'));
+        const CLI::Option* option = app.get_option_no_throw("--" + name);
+        if (option != nullptr && option->get_expected_max() == 0) {
+            return UsageError("option --" + name + " takes no value");
+        }
+        return UsageError("option --" + name + " needs a value");
     }
-    return UsageError(message);
+    return UsageError(error.what());
 }
 
-} // namespace
-
-std::optional<std::string> ParsedArgs::value(const std::string& option) const {
-    const auto found = values.find(option);
-    if (found == values.end()) {
-        return std::nullopt;
-    }
-    return found->second;
-}
-
-ParsedArgs parseArgs(const CommandSyntax& syntax, const std::vector<std::string>& args) {
-    CLI::App app("", "refdoc " + syntax.name);
-    app.set_help_flag("-h,--help");
-    ParsedArgs parsed;
-    std::map<std::string, std::string> values;
-    std::map<std::string, bool> flags;
-    std::vector<CLI::Option*> valueOptions;
-    for (const auto& name : syntax.valueOptions) {
-        valueOptions.push_back(app.add_option(name, values[name])
-                                   ->expected(1)
-                                   ->allow_extra_args(false)
-                                   ->multi_option_policy(CLI::MultiOptionPolicy::Throw));
-    }
-    for (const auto& name : syntax.flags) {
-        app.add_flag(name, flags[name])->disable_flag_override();
-    }
-    // Every positional is collected; how many a command takes is checked below, with its own words.
-    app.add_option("positionals", parsed.positionals)->expected(0, -1);
-
-    // CLI11 reads "--json=true" as the flag set; the tool has always refused a value on a flag.
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& arg = args[i];
-        if (arg == "--") {
-            break;
-        }
-        if (syntax.valueOptions.count(arg) != 0) {
-            ++i; // its value, whatever it looks like
-            continue;
-        }
-        const std::string name = arg.substr(0, arg.find('='));
-        if (name.size() < arg.size() && syntax.flags.count(name) != 0) {
-            throw UsageError("option " + name + " takes no value");
+void rejectRepeatedOptions(const CLI::App& app) {
+    for (const CLI::Option* option : app.get_options()) {
+        if (option->nonpositional() && option->get_expected_max() != 0 && option->count() > 1) {
+            throw UsageError("option " + option->get_name() + " given more than once");
         }
     }
-    std::vector<std::string> reversed(args.rbegin(), args.rend());
-    try {
-        app.parse(reversed);
-    } catch (const CLI::CallForHelp&) {
-        throw HelpRequested();
-    } catch (const CLI::ParseError& error) {
-        throw usageError(error, app, syntax);
-    }
-    for (const auto* option : valueOptions) {
-        if (option->count() != 0) {
-            parsed.values.emplace(option->get_name(), values[option->get_name()]);
-        }
-    }
-    for (const auto& [name, set] : flags) {
-        if (set) {
-            parsed.flags.insert(name);
-        }
-    }
-    if (parsed.positionals.size() < syntax.minPositionals) {
-        throw UsageError("'" + syntax.name + "' needs " + syntax.positionalName);
-    }
-    if (parsed.positionals.size() > syntax.maxPositionals) {
-        throw UsageError("unexpected argument '" + parsed.positionals[syntax.maxPositionals] + "' for '" + syntax.name +
-                         "'");
-    }
-    return parsed;
 }
 
 } // namespace refdoc::tool

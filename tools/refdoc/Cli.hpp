@@ -1,12 +1,15 @@
 #pragma once
 
-// Command-line parsing for the refdoc subcommands, on CLI11: options in the forms --name value
-// and --name=value, flags, and positional arguments, each checked against what the command
-// accepts. The messages are the tool's own; the help texts are the commands' own.
+// The refdoc command line, on CLI11: one subcommand per command, each with typed options,
+// CLI11's checks and its own help text. What CLI11 rejects is reported in the tool's words with
+// exit status 2; options take their value as "--name value" or "--name=value", a value option is
+// given at most once, a flag takes no value, "--" ends the options.
 
-#include <map>
+#include <CLI/App.hpp>
+
+#include <functional>
 #include <optional>
-#include <set>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -19,35 +22,40 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// -h or --help among the arguments (before "--"): the command's help is shown, whatever else
-// is wrong with the command line.
-class HelpRequested : public std::exception {
-public:
-    const char* what() const noexcept override { return "help requested"; }
-};
+// Runs a command with what was parsed into the options its definition bound.
+using Runner = std::function<int(std::ostream& out, std::ostream& err)>;
 
-// What one command accepts.
-struct CommandSyntax {
+struct Command {
     std::string name;
-    std::set<std::string> valueOptions; // e.g. "--root"
-    std::set<std::string> flags;        // e.g. "--json"
-    std::size_t minPositionals = 0;
-    std::size_t maxPositionals = 0;
-    std::string positionalName; // for messages, e.g. "NAME"
+    std::string summary; // one line for the overview
+    std::string help;    // the whole --help text
+    std::string needs;   // what its required argument is, for the message when it is missing
+    // Adds the command's options and arguments to its subcommand and returns what runs it.
+    std::function<Runner(CLI::App& app)> define;
 };
 
-struct ParsedArgs {
-    std::map<std::string, std::string> values;
-    std::set<std::string> flags;
-    std::vector<std::string> positionals;
+// An option that takes one value (CLI11 converts and checks it), or a flag.
+template <class T>
+CLI::Option* addValueOption(CLI::App& app, const std::string& name, T& target) {
+    // Given twice, it is refused after parsing (rejectRepeatedOptions), in the tool's words.
+    return app.add_option(name, target)
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+CLI::Option* addValueOption(CLI::App& app, const std::string& name, std::optional<std::string>& target);
+// A comma-separated list ("a, b,c"); blanks around items and empty items are dropped, so ""
+// gives an empty list.
+CLI::Option* addListOption(CLI::App& app, const std::string& name, std::optional<std::vector<std::string>>& target);
+CLI::Option* addFlag(CLI::App& app, const std::string& name, bool& target);
 
-    bool has(const std::string& flag) const { return flags.count(flag) != 0; }
-    std::optional<std::string> value(const std::string& option) const;
-};
+// A CLI11 check with the tool's message: `problem` returns "" for a good value, else what is
+// wrong with it ("needs a positive number, not '0'"), which CLI11 reports as "--option: ...".
+CLI::Validator toolCheck(std::function<std::string(const std::string& value)> problem, const std::string& name);
 
-// Throws HelpRequested for -h/--help, UsageError for an unknown option, an option without its
-// value, a repeated option and too few or too many positional arguments. "--" ends the
-// options; a lone "-" is positional.
-ParsedArgs parseArgs(const CommandSyntax& syntax, const std::vector<std::string>& args);
+// The parse error of `command`'s command line in the tool's words.
+UsageError usageError(const CLI::ParseError& error, const CLI::App& app, const Command& command);
+// Throws UsageError for a value option given more than once.
+void rejectRepeatedOptions(const CLI::App& app);
 
 } // namespace refdoc::tool

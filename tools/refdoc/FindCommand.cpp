@@ -1,5 +1,6 @@
 // refdoc find TEXT...: searches the names of every lookup entry, best matches first.
 
+#include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
@@ -13,6 +14,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <tuple>
 
@@ -55,64 +58,89 @@ std::optional<Match> bestMatch(const std::u32string& name, const std::vector<std
     return best;
 }
 
-void collect(const DocResourceParser::LookupResourceMap& resources, bool installed,
-             const std::vector<std::u32string>& queries, std::vector<Hit>& hits) {
-    for (const auto& [key, resource] : resources) {
-        for (const auto& [name, entries] : resource.getItems()) {
-            std::u32string folded = foldCase(name);
-            const auto match = bestMatch(folded, queries);
-            if (!match) {
-                continue;
-            }
-            for (const auto& entry : entries) {
-                hits.push_back(Hit{*match, folded, toUtf8(name), toUtf8(entry.getPurpose()), toUtf8(entry.getHref()),
-                                   toUtf8(key), toUtf8(resource.getHeader().getProductName()), installed});
+} // namespace
+
+NameIndex::NameIndex(const LookupResults& results) {
+    keys_.reserve(results.installedResources.size() + results.uninstalledResources.size());
+    for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
+        for (const auto& [key, resource] : *map) {
+            keys_.push_back(toUtf8(key)); // never reallocated: names_ point into it
+            for (const auto& [name, entries] : resource.getItems()) {
+                names_.push_back(Name{foldCase(name), toUtf8(name), &keys_.back(), &resource, &entries,
+                                      map == &results.installedResources});
             }
         }
     }
 }
 
-} // namespace
-
-std::vector<Hit> findHits(const DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap>& results,
-                          const std::vector<std::u32string>& queries) {
+std::vector<Hit> NameIndex::find(const std::vector<std::u32string>& queries, std::size_t limit,
+                                 std::size_t& total) const {
+    std::vector<std::pair<Match, const Name*>> matches;
+    total = 0;
+    for (const auto& name : names_) {
+        if (const auto match = bestMatch(name.folded, queries)) {
+            matches.emplace_back(*match, &name);
+            total += name.entries->size();
+        }
+    }
+    // The order is total (a product key holds a name once; installed products come first, as
+    // they are collected), so only the names that can make the first `limit` hits need sorting;
+    // each name's entries stay in their order.
+    const std::size_t sorted = std::min(limit, matches.size());
+    std::partial_sort(matches.begin(), matches.begin() + static_cast<std::ptrdiff_t>(sorted), matches.end(),
+                      [](const auto& a, const auto& b) {
+                          return std::make_tuple(a.first, std::cref(a.second->folded), std::cref(a.second->name),
+                                                 std::cref(*a.second->productKey), !a.second->installed) <
+                                 std::make_tuple(b.first, std::cref(b.second->folded), std::cref(b.second->name),
+                                                 std::cref(*b.second->productKey), !b.second->installed);
+                      });
+    matches.resize(sorted);
     std::vector<Hit> hits;
-    collect(results.installedResources, true, queries, hits);
-    collect(results.uninstalledResources, false, queries, hits);
-    std::stable_sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) {
-        return std::tie(a.match, a.foldedName, a.name, a.productKey) <
-               std::tie(b.match, b.foldedName, b.name, b.productKey);
-    });
+    for (const auto& [match, name] : matches) {
+        for (const auto& entry : *name->entries) {
+            if (hits.size() == limit) {
+                return hits;
+            }
+            hits.push_back(Hit{match, name->folded, name->name, toUtf8(entry.getPurpose()), toUtf8(entry.getHref()),
+                               *name->productKey, toUtf8(name->resource->getHeader().getProductName()),
+                               name->installed});
+        }
+    }
     return hits;
+}
+
+std::vector<Hit> findHits(const LookupResults& results, const std::vector<std::u32string>& queries) {
+    std::size_t total = 0;
+    return NameIndex(results).find(queries, static_cast<std::size_t>(-1), total);
 }
 
 namespace {
 
-std::size_t parseLimit(const std::optional<std::string>& text) {
-    if (!text) {
-        return 0;
-    }
-    std::size_t limit = 0;
-    const auto* end = text->data() + text->size();
-    const auto [next, error] = std::from_chars(text->data(), end, limit);
-    if (error != std::errc() || next != end || limit == 0) {
-        throw UsageError("--limit needs a positive number, not '" + *text + "'");
-    }
-    return limit;
-}
+struct Options {
+    HostOptions host;
+    bool json = false;
+    std::size_t limit = 0; // 0: no limit
+    std::vector<std::string> texts;
+};
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
+int run(const Options& options, std::ostream& out, std::ostream& err) {
     std::vector<std::u32string> queries;
-    for (const auto& text : args.positionals) {
+    for (const auto& text : options.texts) {
         if (text.empty()) {
             throw UsageError("search TEXT must not be empty");
         }
         queries.push_back(foldCase(toUtf16(text)));
     }
-    const std::size_t limit = parseLimit(args.value("--limit"));
-    const HostSettings settings = resolveHostSettings(args);
+    const std::size_t limit = options.limit;
+    const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
-    const auto results = DocResourceParser::getResourceLookupFiles();
+    std::size_t dropped = 0;
+    const auto results = [&] {
+        reference::docparser::ParseDiagnosticsScope scope;
+        auto loaded = DocResourceParser::getResourceLookupFiles();
+        dropped = droppedCount(scope.files());
+        return loaded;
+    }();
 
     std::vector<Hit> hits = findHits(results, queries);
     const std::size_t total = hits.size();
@@ -120,7 +148,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
         hits.resize(limit);
     }
 
-    if (args.has("--json")) {
+    if (options.json) {
         boost::json::array array;
         for (const auto& hit : hits) {
             array.push_back(boost::json::object{{"match", std::string(matchName(hit.match))},
@@ -135,7 +163,8 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
         return hits.empty() ? kExitProblem : kExitOk;
     }
     if (hits.empty()) {
-        err << "refdoc: no lookup entry matches " << joinList(args.positionals, ", ") << '\n';
+        err << "refdoc: no lookup entry matches " << joinList(options.texts, ", ") << '\n'
+            << droppedLine(dropped) << '\n';
         return kExitProblem;
     }
     for (const auto& hit : hits) {
@@ -146,6 +175,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
     if (hits.size() < total) {
         out << "(" << total - hits.size() << " more; raise --limit to see them)\n";
     }
+    out << droppedLine(dropped) << '\n';
     return kExitOk;
 }
 
@@ -153,13 +183,8 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command findCommand() {
     Command command;
-    command.syntax.name = "find";
-    addHostOptions(command.syntax);
-    command.syntax.valueOptions.insert("--limit");
-    command.syntax.flags = {"--json"};
-    command.syntax.minPositionals = 1;
-    command.syntax.maxPositionals = static_cast<std::size_t>(-1);
-    command.syntax.positionalName = "the TEXT to search for";
+    command.name = "find";
+    command.needs = "the TEXT to search for";
     command.summary = "search the lookup names (exact, then prefix, then substring matches)";
     command.help = "Usage: refdoc find TEXT [TEXT...] [options]\n"
                    "\n"
@@ -172,7 +197,23 @@ Command findCommand() {
                    "  --limit N                print at most N matches\n"
                    "  --json                   print the matches as JSON\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addFlag(app, "--json", options->json);
+        addValueOption(app, "--limit", options->limit)
+            ->check(toolCheck(
+                [](const std::string& value) {
+                    std::size_t limit = 0;
+                    const auto [next, error] = std::from_chars(value.data(), value.data() + value.size(), limit);
+                    return error == std::errc() && next == value.data() + value.size() && limit != 0
+                               ? std::string()
+                               : "needs a positive number, not '" + value + "'";
+                },
+                "N"));
+        app.add_option("TEXT", options->texts)->required();
+        return [options](std::ostream& out, std::ostream& err) { return run(*options, out, err); };
+    };
     return command;
 }
 

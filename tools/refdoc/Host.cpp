@@ -9,8 +9,11 @@
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <system_error>
 
 #include <unistd.h>
@@ -21,14 +24,15 @@ namespace {
 using reference::docparser::DocResourceParser;
 
 // Language codes name files (pname_ja.json), so they are kept to what a file name can carry.
-void checkLanguageCode(const std::string& code, const std::string& origin) {
-    bool valid = !code.empty();
-    for (const char c : code) {
-        valid = valid &&
-                ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-');
-    }
-    if (!valid) {
-        throw UsageError("invalid language code '" + code + "' in " + origin);
+bool isLanguageCode(const std::string& code) {
+    return !code.empty() && std::all_of(code.begin(), code.end(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+    });
+}
+
+void checkLanguageCode(const std::string& code, const std::filesystem::path& file) {
+    if (!isLanguageCode(code)) {
+        throw UsageError(file.string() + ": invalid language code '" + code + "'");
     }
 }
 
@@ -74,8 +78,12 @@ void readHostFile(const std::filesystem::path& file, HostSettings& settings) {
                 throw UsageError(file.string() + ": \"language\" must be a string");
             }
             settings.language.assign(language->data(), language->size());
+            checkLanguageCode(settings.language, file);
         } else if (key == "supportedLanguages") {
             settings.supportedLanguages = stringList(member.value(), key, file);
+            for (const auto& code : settings.supportedLanguages) {
+                checkLanguageCode(code, file);
+            }
         } else if (key == "installedProducts") {
             settings.installedProducts = stringList(member.value(), key, file);
         } else if (key == "installedSupportPackages") {
@@ -101,10 +109,99 @@ std::vector<std::u16string> toUtf16List(const std::vector<std::string>& items) {
     return out;
 }
 
+bool isLowerAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
+    if (text.size() < minimum || text.size() > maximum) {
+        return false;
+    }
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+}
+
+bool isAlpha(std::string_view text, std::size_t minimum, std::size_t maximum) {
+    if (text.size() < minimum || text.size() > maximum) {
+        return false;
+    }
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
+}
+
 } // namespace
 
-void addHostOptions(CommandSyntax& syntax) {
-    syntax.valueOptions.insert({"--root", "--lang", "--languages", "--installed", "--support-packages"});
+std::optional<std::pair<std::string, std::string>> localeLikeSuffix(const std::string& stem) {
+    const std::size_t last = stem.rfind('_');
+    if (last == std::string::npos || last == 0) {
+        return std::nullopt;
+    }
+    const std::string_view tail = std::string_view(stem).substr(last + 1);
+    if (isLowerAlpha(tail, 2, 3)) {
+        return std::make_pair(stem.substr(0, last), std::string(tail));
+    }
+    const std::size_t previous = stem.rfind('_', last - 1);
+    if (previous != std::string::npos && previous != 0 && isAlpha(tail, 2, 4) &&
+        isLowerAlpha(std::string_view(stem).substr(previous + 1, last - previous - 1), 2, 3)) {
+        return std::make_pair(stem.substr(0, previous), stem.substr(previous + 1));
+    }
+    return std::nullopt;
+}
+
+namespace {
+
+// The stems of the data files in `folder`, as the library recognises data files.
+std::set<std::string> dataStems(const std::filesystem::path& folder) {
+    std::set<std::string> stems;
+    std::error_code error;
+    std::filesystem::directory_iterator entries(folder, error);
+    if (error) {
+        return stems;
+    }
+    for (const auto& entry : entries) {
+        if (DocResourceParser::isValidFilename(entry.path())) {
+            stems.insert(entry.path().stem().string());
+        }
+    }
+    return stems;
+}
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+    });
+}
+
+} // namespace
+
+std::vector<std::string> languagesPresent(const std::filesystem::path& root) {
+    const DocResourceParser::ReferenceRoots roots(toUtf16(root.string()));
+    std::set<std::string> codes;
+    for (const auto* folder : {&roots.lookupFolder, &roots.referenceFolder}) {
+        const std::set<std::string> stems = dataStems(toUtf8(*folder));
+        for (const auto& stem : stems) {
+            const auto suffix = localeLikeSuffix(stem);
+            if (suffix && suffix->second != "en" && stems.count(suffix->first) != 0) {
+                codes.insert(suffix->second);
+            }
+        }
+    }
+    std::vector<std::string> languages{"en"};
+    languages.insert(languages.end(), codes.begin(), codes.end());
+    return languages;
+}
+
+void addHostOptions(CLI::App& app, HostOptions& options) {
+    const CLI::Validator languageCode = toolCheck(
+        [](const std::string& value) {
+            for (const auto& code : splitList(value)) {
+                if (!isLanguageCode(code)) {
+                    return "invalid language code '" + code + "'";
+                }
+            }
+            return std::string();
+        },
+        "CODE");
+    addValueOption(app, "--root", options.root);
+    addValueOption(app, "--lang", options.language)->check(languageCode);
+    addListOption(app, "--languages", options.supportedLanguages)->check(languageCode);
+    addListOption(app, "--installed", options.installedProducts);
+    addListOption(app, "--support-packages", options.installedSupportPackages);
 }
 
 std::filesystem::path findSampleRoot() {
@@ -125,9 +222,9 @@ std::filesystem::path findSampleRoot() {
     return {};
 }
 
-HostSettings resolveHostSettings(const ParsedArgs& args) {
+HostSettings resolveHostSettings(const HostOptions& options) {
     HostSettings settings;
-    if (const auto root = args.value("--root")) {
+    if (const auto& root = options.root) {
         if (root->empty()) {
             throw UsageError("--root needs a folder");
         }
@@ -155,30 +252,36 @@ HostSettings resolveHostSettings(const ParsedArgs& args) {
 
     readHostFile(settings.root / kHostFileName, settings);
 
-    const bool languagesGiven = args.value("--languages").has_value();
-    if (const auto language = args.value("--lang")) {
-        settings.language = *language;
+    const bool languagesGiven = options.supportedLanguages.has_value();
+    if (options.language) {
+        settings.language = *options.language;
     }
     if (languagesGiven) {
-        settings.supportedLanguages = splitList(*args.value("--languages"));
+        settings.supportedLanguages = *options.supportedLanguages;
     }
-    if (const auto products = args.value("--installed")) {
-        settings.installedProducts = splitList(*products);
+    if (options.installedProducts) {
+        settings.installedProducts = *options.installedProducts;
     }
-    if (const auto packages = args.value("--support-packages")) {
-        settings.installedSupportPackages = splitList(*packages);
+    if (options.installedSupportPackages) {
+        settings.installedSupportPackages = *options.installedSupportPackages;
     }
 
-    checkLanguageCode(settings.language, "--lang");
-    if (settings.supportedLanguages.empty() && !languagesGiven) {
-        // Without a list, English and the chosen language are the supported ones.
-        settings.supportedLanguages.push_back("en");
-        if (settings.language != "en") {
-            settings.supportedLanguages.push_back(settings.language);
+    const bool fromRoot = settings.supportedLanguages.empty() && !languagesGiven;
+    if (fromRoot) {
+        settings.supportedLanguages = languagesPresent(settings.root);
+    }
+    // Codes are matched ignoring case ("JA" is "ja"); the files' spelling wins.
+    for (const auto& code : settings.supportedLanguages) {
+        if (equalsIgnoringCase(code, settings.language)) {
+            settings.language = code;
+            break;
         }
     }
-    for (const auto& code : settings.supportedLanguages) {
-        checkLanguageCode(code, "--languages");
+    if (fromRoot && std::find(settings.supportedLanguages.begin(), settings.supportedLanguages.end(),
+                              settings.language) == settings.supportedLanguages.end()) {
+        throw UsageError("no data file of " + settings.root.string() + " is named for the language '" +
+                         settings.language + "'; the languages present are " +
+                         joinList(settings.supportedLanguages, ", ") + " (--languages names others)");
     }
     return settings;
 }

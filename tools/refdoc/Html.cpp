@@ -1,5 +1,7 @@
 #include "Html.hpp"
 
+#include <boost/url/url.hpp>
+
 namespace refdoc::tool::html {
 
 std::string escape(std::string_view text) {
@@ -29,22 +31,35 @@ std::string escape(std::string_view text) {
     return out;
 }
 
-std::string encodeUrl(std::string_view text, bool keepSlash) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    std::string out;
-    out.reserve(text.size());
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if ((byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') || c == '-' ||
-            c == '_' || c == '.' || c == '~' || (keepSlash && c == '/')) {
-            out += c;
-        } else {
-            out += '%';
-            out += kHex[byte >> 4];
-            out += kHex[byte & 0xF];
-        }
+std::string viewUrl(std::string_view path, std::string_view language, std::string_view fragment) {
+    boost::urls::url url;
+    if (path == "/") {
+        url.set_path_absolute(true); // Boost.URL 1.81 writes set_path("/") as "/./"
+    } else {
+        url.set_path(path);
     }
-    return out;
+    url.params().append({"lang", language});
+    if (!fragment.empty()) {
+        url.set_fragment(fragment);
+    }
+    return std::string(url.buffer());
+}
+
+std::string viewUrl(std::string_view path, std::string_view language,
+                    std::initializer_list<std::pair<std::string_view, std::string_view>> params) {
+    boost::urls::url url(viewUrl(path, language));
+    for (const auto& [name, value] : params) {
+        url.params().append({name, value});
+    }
+    return std::string(url.buffer());
+}
+
+std::string productUrl(std::string_view key, std::string_view language) {
+    boost::urls::url url;
+    url.set_path("/product");
+    url.segments().push_back(key);
+    url.params().append({"lang", language});
+    return std::string(url.buffer());
 }
 
 bool isSafeId(std::string_view id) {

@@ -4,17 +4,27 @@
 // through escape() wherever it lands (element text or attribute value), and a link is made from
 // a data text only when pageHref() accepts it.
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace refdoc::tool::html {
 
 // Escapes &, <, >, " and ' so the text is inert in element content and in quoted attributes.
 std::string escape(std::string_view text);
 
-// Percent-encodes everything but unreserved characters and, when `keepSlash`, '/'.
-std::string encodeUrl(std::string_view text, bool keepSlash);
+// A URL of this server: `path` ('/'-separated, each segment percent-encoded as a path needs),
+// the query "lang=LANGUAGE" and, when given, "#FRAGMENT".
+std::string viewUrl(std::string_view path, std::string_view language, std::string_view fragment = {});
+
+// The same with more query parameters after "lang", in their order.
+std::string viewUrl(std::string_view path, std::string_view language,
+                    std::initializer_list<std::pair<std::string_view, std::string_view>> params);
+
+// The URL of one product's view: "/product/KEY?lang=LANGUAGE", with any '/' of the key encoded.
+std::string productUrl(std::string_view key, std::string_view language);
 
 // A reference to a page of the documentation root, as data gives it ("signal/ref/f.html" or
 // "signal/ref/f.html#input_b"), split into its path and fragment.

@@ -39,13 +39,6 @@ json::object header(const HeaderInfo& info) {
                         {"helpLocation", text(info.getHelpLocation())}};
 }
 
-json::object objectInfo(const ObjectInfo& info) {
-    return json::object{{"name", text(info.getName())},
-                        {"purpose", text(info.getPurpose())},
-                        {"values", texts(info.getValues())},
-                        {"anchor", text(info.getAnchor())}};
-}
-
 json::value item(const RefItemLookup& entry) {
     return json::object{
         {"name", text(entry.getName())},       {"type", enumText<RefEntityType>(entry.getEntityType())},
@@ -111,74 +104,94 @@ json::value toJson(const reference::docparser::DocResourceParser::LookupResource
 
 json::value toJson(const reference::docparser::DocResourceParser::RefItemFileMap& map) { return resources(map); }
 
-json::value toJson(const RefItem& page) {
+json::value toJson(const RefItem& page) { return toJson(makePageView(page)); }
+
+namespace {
+
+// Texts as they are; an enumeration's spelling, or null for a value without one.
+json::value str(const std::string& value) { return json::value(value); }
+json::value spelled(const std::string& value) { return value.empty() ? json::value(nullptr) : json::value(value); }
+
+json::array strs(const std::vector<std::string>& values) {
+    json::array out;
+    for (const auto& value : values) {
+        out.push_back(str(value));
+    }
+    return out;
+}
+
+json::object argument(const PageView::Argument& argument) {
+    return json::object{{"name", str(argument.name)},
+                        {"purpose", str(argument.purpose)},
+                        {"values", strs(argument.values)},
+                        {"anchor", str(argument.anchor)}};
+}
+
+} // namespace
+
+json::value toJson(const PageView& page) {
     json::array entities;
-    for (const auto& entity : page.getEntities()) {
-        entities.push_back(json::object{{"type", enumText<RefEntityType>(entity.getEntityType())},
-                                        {"name", text(entity.getName())},
-                                        {"fcntype", enumText<FunctionType>(entity.getFunctionType())}});
+    for (const auto& entity : page.entities) {
+        entities.push_back(json::object{
+            {"type", spelled(entity.type)}, {"name", str(entity.name)}, {"fcntype", spelled(entity.functionType)}});
     }
     json::array syntaxGroups;
-    for (const auto& group : page.getSyntaxGroups()) {
-        syntaxGroups.push_back(json::object{{"title", text(group.getTitle())},
-                                            {"syntaxType", enumText<SyntaxType>(group.getSyntaxType())},
-                                            {"lines", texts(group.getSyntaxLines())}});
+    for (const auto& group : page.syntaxGroups) {
+        syntaxGroups.push_back(json::object{
+            {"title", str(group.title)}, {"syntaxType", spelled(group.syntaxType)}, {"lines", strs(group.lines)}});
     }
     json::array inputGroups;
-    for (const auto& group : page.getInputGroups()) {
+    for (const auto& group : page.inputGroups) {
         json::array inputs;
-        for (const auto& input : group.getInputs()) {
-            json::object entry = objectInfo(input.getInfo());
-            entry["syntaxType"] = enumText<SyntaxType>(input.getSyntaxType());
-            entry["defaultValue"] = text(input.getDefaultValue());
-            entry["nameValuePair"] = input.isNameValuePair();
+        for (const auto& input : group.arguments) {
+            json::object entry = argument(input);
+            entry["syntaxType"] = spelled(input.syntaxType);
+            entry["defaultValue"] = str(input.defaultValue);
+            entry["nameValuePair"] = input.nameValuePair;
             inputs.push_back(std::move(entry));
         }
-        inputGroups.push_back(json::object{{"title", text(group.getTitle())}, {"inputs", std::move(inputs)}});
+        inputGroups.push_back(json::object{{"title", str(group.title)}, {"inputs", std::move(inputs)}});
     }
     json::array outputs;
-    for (const auto& output : page.getOutputs()) {
-        json::object entry = objectInfo(output.getInfo());
-        entry["syntaxType"] = enumText<SyntaxType>(output.getSyntaxType());
+    for (const auto& output : page.outputs) {
+        json::object entry = argument(output);
+        entry["syntaxType"] = spelled(output.syntaxType);
         outputs.push_back(std::move(entry));
     }
     json::array propertyGroups;
-    for (const auto& group : page.getClassPropertyGroups()) {
+    for (const auto& group : page.propertyGroups) {
         json::array properties;
-        for (const auto& property : group.getProperties()) {
-            json::object entry = objectInfo(property.getInfo());
-            entry["defaultValue"] = text(property.getDefaultValue());
+        for (const auto& property : group.arguments) {
+            json::object entry = argument(property);
+            entry["defaultValue"] = str(property.defaultValue);
             properties.push_back(std::move(entry));
         }
-        propertyGroups.push_back(
-            json::object{{"title", text(group.getTitle())}, {"properties", std::move(properties)}});
+        propertyGroups.push_back(json::object{{"title", str(group.title)}, {"properties", std::move(properties)}});
     }
     json::array seeAlso;
-    for (const auto& link : page.getSeeAlso()) {
-        seeAlso.push_back(json::object{{"url", text(link.getUrl())}, {"name", text(link.getName())}});
+    for (const auto& link : page.seeAlso) {
+        seeAlso.push_back(json::object{{"url", str(link.url)}, {"name", str(link.name)}});
     }
     json::array examples;
-    for (const auto& example : page.getExamples()) {
-        examples.push_back(json::object{{"url", text(example.getUrl())},
-                                        {"openCommand", text(example.getOpenCommand())},
-                                        {"title", text(example.getTitle())}});
+    for (const auto& example : page.examples) {
+        examples.push_back(json::object{
+            {"url", str(example.url)}, {"openCommand", str(example.openCommand)}, {"title", str(example.title)}});
     }
     json::array parameters;
-    for (const auto& parameter : page.getParameters()) {
-        json::object entry = objectInfo(parameter.getInfo());
-        entry["defaultValue"] = text(parameter.getDefaultValue());
+    for (const auto& parameter : page.parameters) {
+        json::object entry = argument(parameter);
+        entry["defaultValue"] = str(parameter.defaultValue);
         parameters.push_back(std::move(entry));
     }
     return json::object{
-        {"href", text(page.getHref())},
+        {"href", str(page.href)},
         {"entities", std::move(entities)},
-        {"packageName", text(page.getPackageName())},
-        {"purpose", text(page.getPurpose())},
-        {"introduced", text(page.getIntroduced())},
-        {"description", text(page.getDescription())},
-        {"thumbnail",
-         json::object{{"fileRef", text(page.getThumbnailFileRef())}, {"altText", text(page.getThumbnailAltText())}}},
-        {"deprecationStatus", enumText<DeprecationStatus>(page.getDeprecationStatus())},
+        {"packageName", str(page.packageName)},
+        {"purpose", str(page.purpose)},
+        {"introduced", str(page.introduced)},
+        {"description", str(page.description)},
+        {"thumbnail", json::object{{"fileRef", str(page.thumbnailFileRef)}, {"altText", str(page.thumbnailAltText)}}},
+        {"deprecationStatus", spelled(page.deprecationStatus)},
         {"syntaxGroups", std::move(syntaxGroups)},
         {"inputGroups", std::move(inputGroups)},
         {"outputs", std::move(outputs)},
@@ -209,12 +222,6 @@ json::value toJson(const reference::docparser::FileDiagnostic& file, const std::
         out["offset"] = file.offset;
     }
     out["documents"] = texts(file.documentKeys);
-    json::array warnings;
-    for (const auto& warning : file.warnings) {
-        warnings.push_back(json::object{
-            {"kind", name(toString(warning.kind))}, {"jsonPath", warning.jsonPath}, {"text", warning.text}});
-    }
-    out["warnings"] = std::move(warnings);
     return out;
 }
 

@@ -1,6 +1,7 @@
 // refdoc lookup: every product's lookup index under a documentation root, as the library's
 // getResourceLookupFiles returns it.
 
+#include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
@@ -11,11 +12,13 @@
 #include <boost/json/object.hpp>
 
 #include <algorithm>
+#include <memory>
 
 namespace refdoc::tool {
 namespace {
 
 using reference::docparser::DocResourceParser;
+using reference::docparser::ParseDiagnosticsScope;
 
 struct ProductRow {
     std::string key;
@@ -34,19 +37,31 @@ void addRows(const DocResourceParser::LookupResourceMap& resources, bool install
     }
 }
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
-    const HostSettings settings = resolveHostSettings(args);
+struct Options {
+    HostOptions host;
+    bool json = false;
+};
+
+int run(const Options& options, std::ostream& out, std::ostream& err) {
+    const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     if (std::find(settings.supportedLanguages.begin(), settings.supportedLanguages.end(), settings.language) ==
         settings.supportedLanguages.end()) {
         err << "refdoc: warning: language '" << settings.language
             << "' is not a supported language; its files are read as English products\n";
     }
-    const auto results = DocResourceParser::getResourceLookupFiles();
+    std::size_t dropped = 0;
+    const auto results = [&] {
+        ParseDiagnosticsScope scope;
+        auto loaded = DocResourceParser::getResourceLookupFiles();
+        dropped = droppedCount(scope.files());
+        return loaded;
+    }();
 
-    if (args.has("--json")) {
+    if (options.json) {
         writeJson(out, boost::json::object{{"installedResources", toJson(results.installedResources)},
-                                           {"uninstalledResources", toJson(results.uninstalledResources)}});
+                                           {"uninstalledResources", toJson(results.uninstalledResources)},
+                                           {"droppedFiles", dropped}});
         return kExitOk;
     }
 
@@ -59,7 +74,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
         << "\nLanguage: " << settings.language << " (supported: " << joinList(settings.supportedLanguages, ", ")
         << ")\n\n";
     if (rows.empty()) {
-        out << "No lookup data found.\n";
+        out << "No lookup data found.\n" << droppedLine(dropped) << '\n';
         return kExitOk;
     }
     std::size_t keyWidth = 3;
@@ -76,7 +91,8 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
     }
     out << '\n'
         << rows.size() << (rows.size() == 1 ? " product: " : " products: ") << installed << " installed, "
-        << rows.size() - installed << " not installed\n";
+        << rows.size() - installed << " not installed\n"
+        << droppedLine(dropped) << '\n';
     return kExitOk;
 }
 
@@ -84,9 +100,7 @@ int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
 
 Command lookupCommand() {
     Command command;
-    command.syntax.name = "lookup";
-    addHostOptions(command.syntax);
-    command.syntax.flags = {"--json"};
+    command.name = "lookup";
     command.summary = "list every product's lookup index: key, installed or not, product name, items";
     command.help = "Usage: refdoc lookup [options]\n"
                    "\n"
@@ -98,7 +112,12 @@ Command lookupCommand() {
                    "  --json                   print the whole result (installedResources and\n"
                    "                           uninstalledResources) as JSON\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addFlag(app, "--json", options->json);
+        return [options](std::ostream& out, std::ostream& err) { return run(*options, out, err); };
+    };
     return command;
 }
 

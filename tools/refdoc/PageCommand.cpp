@@ -1,211 +1,408 @@
-// refdoc page NAME: one product's reference pages, as the library's getResourceFile returns
-// them, rendered for a terminal.
+// refdoc page NAME: reference pages as the library's getResourceFile returns them, rendered for
+// a terminal: a page file's, a product's or the one page an entry name or a link names.
 
+#include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
+#include "PageView.hpp"
+#include "Search.hpp"
 #include "Text.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
+
+#include <boost/json/array.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <set>
 
 namespace refdoc::tool {
 namespace {
 
 using reference::docparser::DocResourceParser;
-using namespace reference::property;
+using reference::property::RefItem;
 
-template <class Enumeration>
-std::string spelling(typename Enumeration::Value value) {
-    return std::string(Enumeration::toString(value));
-}
-
-std::string joined(const std::vector<std::u16string>& values, std::string_view separator) {
-    std::vector<std::string> items;
-    for (const auto& value : values) {
-        items.push_back(toUtf8(value));
-    }
-    return joinList(items, separator);
-}
-
-// "name  purpose" followed by indented detail lines.
-void renderArgument(std::ostream& out, const ObjectInfo& info, std::vector<std::string> details) {
-    out << "    " << toUtf8(info.getName());
-    if (!info.getPurpose().empty()) {
-        out << " — " << toUtf8(info.getPurpose());
+// "name — purpose" followed by indented detail lines.
+void renderArgument(std::ostream& out, const PageView::Argument& argument, std::vector<std::string> details) {
+    out << "    " << argument.name;
+    if (!argument.purpose.empty()) {
+        out << " — " << argument.purpose;
     }
     out << '\n';
-    if (!info.getValues().empty()) {
-        details.insert(details.begin(), "values: " + joined(info.getValues(), ", "));
+    if (!argument.values.empty()) {
+        details.insert(details.begin(), "values: " + joinList(argument.values, ", "));
     }
-    details.push_back("anchor: " + toUtf8(info.getAnchor()));
+    details.push_back("anchor: " + argument.anchor);
     for (const auto& detail : details) {
         out << "        " << detail << '\n';
     }
 }
 
-void renderPage(std::ostream& out, const RefItem& page) {
-    std::vector<std::string> names;
+std::vector<std::string> defaultDetail(const PageView::Argument& argument) {
+    if (argument.defaultValue.empty()) {
+        return {};
+    }
+    return {"default: " + argument.defaultValue};
+}
+
+void renderPage(std::ostream& out, const PageView& page) {
     std::vector<std::string> kinds;
-    for (const auto& entity : page.getEntities()) {
-        names.push_back(toUtf8(entity.getName()));
-        if (const auto kind = spelling<RefEntityType>(entity.getEntityType()); !kind.empty()) {
-            kinds.push_back(kind);
+    for (const auto& entity : page.entities) {
+        if (!entity.type.empty()) {
+            kinds.push_back(entity.type);
         }
     }
-    out << "── " << (names.empty() ? toUtf8(page.getHref()) : joinList(names, ", "));
+    out << "── " << page.heading();
     if (!kinds.empty()) {
         out << "  [" << joinList(kinds, ", ") << ']';
     }
     out << '\n';
-    out << "  " << toUtf8(page.getPurpose()) << '\n';
-    out << "  Link: " << toUtf8(page.getHref()) << '\n';
+    out << "  " << page.purpose << '\n';
+    out << "  Link: " << page.href << '\n';
 
     std::vector<std::string> facts;
-    if (!page.getPackageName().empty()) {
-        facts.push_back("Package: " + toUtf8(page.getPackageName()));
+    if (!page.packageName.empty()) {
+        facts.push_back("Package: " + page.packageName);
     }
-    if (!page.getIntroduced().empty()) {
-        facts.push_back("Introduced: " + toUtf8(page.getIntroduced()));
+    if (!page.introduced.empty()) {
+        facts.push_back("Introduced: " + page.introduced);
     }
-    facts.push_back("Status: " + spelling<DeprecationStatus>(page.getDeprecationStatus()));
+    facts.push_back("Status: " + page.deprecationStatus);
     out << "  " << joinList(facts, "   ") << '\n';
-    if (!page.getDescription().empty()) {
-        out << "  " << toUtf8(page.getDescription()) << '\n';
+    if (!page.description.empty()) {
+        out << "  " << page.description << '\n';
     }
-    if (!page.getThumbnailFileRef().empty()) {
-        out << "  Thumbnail: " << toUtf8(page.getThumbnailFileRef()) << " (" << toUtf8(page.getThumbnailAltText())
-            << ")\n";
+    if (!page.thumbnailFileRef.empty()) {
+        out << "  Thumbnail: " << page.thumbnailFileRef << " (" << page.thumbnailAltText << ")\n";
     }
 
-    if (!page.getSyntaxGroups().empty()) {
+    if (!page.syntaxGroups.empty()) {
         out << "\n  Syntax\n";
-        for (const auto& group : page.getSyntaxGroups()) {
-            out << "    " << toUtf8(group.getTitle());
-            if (const auto type = spelling<SyntaxType>(group.getSyntaxType()); !type.empty()) {
-                out << " (" << type << ')';
+        for (const auto& group : page.syntaxGroups) {
+            out << "    " << group.title;
+            if (!group.syntaxType.empty()) {
+                out << " (" << group.syntaxType << ')';
             }
             out << '\n';
-            for (const auto& line : group.getSyntaxLines()) {
-                out << "        " << toUtf8(line) << '\n';
+            for (const auto& line : group.lines) {
+                out << "        " << line << '\n';
             }
         }
     }
-    for (const auto& group : page.getInputGroups()) {
-        out << "\n  Inputs: " << toUtf8(group.getTitle()) << '\n';
-        for (const auto& input : group.getInputs()) {
+    for (const auto& group : page.inputGroups) {
+        out << "\n  Inputs: " << group.title << '\n';
+        for (const auto& input : group.arguments) {
             std::vector<std::string> details;
-            if (const auto type = spelling<SyntaxType>(input.getSyntaxType()); !type.empty()) {
-                details.push_back("kind: " + type + (input.isNameValuePair() ? ", name-value pair" : ""));
-            } else if (input.isNameValuePair()) {
+            if (!input.syntaxType.empty()) {
+                details.push_back("kind: " + input.syntaxType + (input.nameValuePair ? ", name-value pair" : ""));
+            } else if (input.nameValuePair) {
                 details.push_back("kind: name-value pair");
             }
-            if (!input.getDefaultValue().empty()) {
-                details.push_back("default: " + toUtf8(input.getDefaultValue()));
+            for (auto& detail : defaultDetail(input)) {
+                details.push_back(std::move(detail));
             }
-            renderArgument(out, input.getInfo(), std::move(details));
+            renderArgument(out, input, std::move(details));
         }
     }
-    if (!page.getOutputs().empty()) {
+    if (!page.outputs.empty()) {
         out << "\n  Outputs\n";
-        for (const auto& output : page.getOutputs()) {
-            renderArgument(out, output.getInfo(), {});
+        for (const auto& output : page.outputs) {
+            renderArgument(out, output, {});
         }
     }
-    for (const auto& group : page.getClassPropertyGroups()) {
-        out << "\n  Properties" << (group.getTitle().empty() ? "" : ": " + toUtf8(group.getTitle())) << '\n';
-        for (const auto& property : group.getProperties()) {
-            std::vector<std::string> details;
-            if (!property.getDefaultValue().empty()) {
-                details.push_back("default: " + toUtf8(property.getDefaultValue()));
-            }
-            renderArgument(out, property.getInfo(), std::move(details));
+    for (const auto& group : page.propertyGroups) {
+        out << "\n  Properties" << (group.title.empty() ? "" : ": " + group.title) << '\n';
+        for (const auto& property : group.arguments) {
+            renderArgument(out, property, defaultDetail(property));
         }
     }
-    if (!page.getParameters().empty()) {
+    if (!page.parameters.empty()) {
         out << "\n  Parameters\n";
-        for (const auto& parameter : page.getParameters()) {
-            std::vector<std::string> details;
-            if (!parameter.getDefaultValue().empty()) {
-                details.push_back("default: " + toUtf8(parameter.getDefaultValue()));
-            }
-            renderArgument(out, parameter.getInfo(), std::move(details));
+        for (const auto& parameter : page.parameters) {
+            renderArgument(out, parameter, defaultDetail(parameter));
         }
     }
-    if (!page.getExamples().empty()) {
+    if (!page.examples.empty()) {
         out << "\n  Examples\n";
-        for (const auto& example : page.getExamples()) {
-            out << "    " << toUtf8(example.getTitle()) << "\n        " << toUtf8(example.getUrl()) << '\n';
-            if (!example.getOpenCommand().empty()) {
-                out << "        open: " << toUtf8(example.getOpenCommand()) << '\n';
+        for (const auto& example : page.examples) {
+            out << "    " << example.title << "\n        " << example.url << '\n';
+            if (!example.openCommand.empty()) {
+                out << "        open: " << example.openCommand << '\n';
             }
         }
     }
-    if (!page.getSeeAlso().empty()) {
+    if (!page.seeAlso.empty()) {
         out << "\n  See also\n";
-        for (const auto& link : page.getSeeAlso()) {
-            out << "    " << toUtf8(link.getName()) << "  " << toUtf8(link.getUrl()) << '\n';
+        for (const auto& link : page.seeAlso) {
+            out << "    " << link.name << "  " << link.url << '\n';
         }
     }
     out << '\n';
 }
 
-int run(const ParsedArgs& args, std::ostream& out, std::ostream& err) {
-    const std::string& name = args.positionals.front();
-    if (name.empty() || name.find('/') != std::string::npos) {
-        throw UsageError("NAME must be a product's page file name without folder, locale suffix or extension");
-    }
-    const HostSettings settings = resolveHostSettings(args);
-    applyHostSettings(settings);
-    const auto pages = DocResourceParser::getResourceFile(toUtf16(name));
+struct Options {
+    HostOptions host;
+    bool json = false;
+    std::string name;
+};
 
-    if (args.has("--json")) {
-        writeJson(out, toJson(pages));
-        return pages.empty() ? kExitProblem : kExitOk;
+using PageFiles = DocResourceParser::RefItemFileMap;
+
+// The pages of `href` (a link without its fragment) in one page file, or null.
+const std::vector<RefItem>* pagesAt(const PageFiles& files, const std::u16string& href, std::u16string* key = nullptr) {
+    for (const auto& [fileKey, resource] : files) {
+        const auto found = resource.getItems().find(href);
+        if (found != resource.getItems().end()) {
+            if (key != nullptr) {
+                *key = fileKey;
+            }
+            return &found->second;
+        }
     }
-    if (pages.empty()) {
-        err << "refdoc: no reference pages for '" << name << "' under " << settings.root.string() << " (language "
-            << settings.language << "); 'refdoc check' tells whether a file was dropped\n";
-        return kExitProblem;
+    return nullptr;
+}
+
+// The page files to read for `folder`, the first folder of a link or a product's help folder:
+// the file named for it first (where the pages usually are), then every other one.
+std::vector<std::string> readingOrder(const std::set<std::string>& names, const std::string& folder) {
+    std::vector<std::string> order;
+    if (names.count(folder) != 0) {
+        order.push_back(folder);
     }
-    for (const auto& [key, resource] : pages) {
+    for (const auto& name : names) {
+        if (name != folder) {
+            order.push_back(name);
+        }
+    }
+    return order;
+}
+
+std::string firstFolder(const std::string& href) { return href.substr(0, href.find('/')); }
+
+void printHeader(std::ostream& out, const std::u16string& key,
+                 const DocResourceParser::RefItemFileMap::mapped_type& resource, bool whole) {
+    out << "══ " << toUtf8(resource.getHeader().getProductName()) << "  [" << toUtf8(key) << "]";
+    if (whole) {
         std::size_t count = 0;
         for (const auto& entry : resource.getItems()) {
             count += entry.second.size();
         }
-        out << "══ " << toUtf8(resource.getHeader().getProductName()) << "  [" << toUtf8(key) << "]  " << count
-            << (count == 1 ? " page" : " pages") << ", help in " << toUtf8(resource.getHeader().getHelpLocation())
-            << "\n\n";
+        out << "  " << count << (count == 1 ? " page" : " pages");
+    }
+    out << ", help in " << toUtf8(resource.getHeader().getHelpLocation()) << "\n\n";
+}
+
+int printFiles(const PageFiles& files, bool json, std::ostream& out) {
+    if (json) {
+        writeJson(out, toJson(files));
+        return kExitOk;
+    }
+    for (const auto& [key, resource] : files) {
+        printHeader(out, key, resource, true);
         for (const auto& entry : resource.getItems()) {
             for (const auto& page : entry.second) {
-                renderPage(out, page);
+                renderPage(out, makePageView(page));
             }
         }
     }
     return kExitOk;
 }
 
+// One page: every record the file has for its link (usually one).
+int printPage(const PageFiles& files, const std::u16string& href, bool json, std::ostream& out) {
+    std::u16string key;
+    const auto* pages = pagesAt(files, href, &key);
+    if (json) {
+        boost::json::array array;
+        for (const auto& page : *pages) {
+            array.push_back(toJson(page));
+        }
+        writeJson(out, array);
+        return kExitOk;
+    }
+    printHeader(out, key, files.at(key), false);
+    for (const auto& page : *pages) {
+        renderPage(out, makePageView(page));
+    }
+    return kExitOk;
+}
+
+// Finds the page `href` (fragment removed) in the page files; prints it when there is one.
+std::optional<int> pageByHref(const std::set<std::string>& names, const std::string& href, bool json,
+                              std::ostream& out) {
+    const std::u16string wanted = toUtf16(href);
+    for (const auto& name : readingOrder(names, firstFolder(href))) {
+        const PageFiles files = DocResourceParser::getResourceFile(toUtf16(name));
+        if (pagesAt(files, wanted) != nullptr) {
+            return printPage(files, wanted, json, out);
+        }
+    }
+    return std::nullopt;
+}
+
+// The pages of the product `key`, from whichever page file delivers that key.
+std::optional<int> pagesOfProduct(const std::set<std::string>& names, const LookupResults& lookup,
+                                  const std::string& key, bool json, std::ostream& out) {
+    const std::u16string wanted = toUtf16(key);
+    const auto* resource = [&]() -> const DocResourceParser::LookupResourceMap::mapped_type* {
+        for (const auto* map : {&lookup.installedResources, &lookup.uninstalledResources}) {
+            if (const auto found = map->find(wanted); found != map->end()) {
+                return &found->second;
+            }
+        }
+        return nullptr;
+    }();
+    if (resource == nullptr) {
+        return std::nullopt;
+    }
+    // The page file is most often named for the folder of the product's links.
+    std::string folder = key;
+    for (const auto& [name, entries] : resource->getItems()) {
+        if (!entries.empty()) {
+            folder = firstFolder(toUtf8(entries.front().getHref()));
+            break;
+        }
+    }
+    for (const auto& name : readingOrder(names, folder)) {
+        PageFiles files = DocResourceParser::getResourceFile(toUtf16(name));
+        const auto found = files.find(wanted);
+        if (found != files.end()) {
+            PageFiles one;
+            one.insert(*found);
+            return printFiles(one, json, out);
+        }
+    }
+    return std::nullopt;
+}
+
+struct Candidate {
+    std::string href; // without its fragment
+    std::string productKey;
+    std::string productName;
+};
+
+// The distinct pages the lookup entries named exactly `name` link to; entries named so with
+// any case when none has exactly that name.
+std::vector<Candidate> entriesNamed(const LookupResults& lookup, const std::string& name) {
+    std::vector<Candidate> exact;
+    std::vector<Candidate> folded;
+    const std::u16string wanted = toUtf16(name);
+    const std::u32string wantedFolded = foldCase(wanted);
+    for (const auto* map : {&lookup.installedResources, &lookup.uninstalledResources}) {
+        for (const auto& [key, resource] : *map) {
+            for (const auto& [entryName, entries] : resource.getItems()) {
+                const bool same = entryName == wanted;
+                if (!same && foldCase(entryName) != wantedFolded) {
+                    continue;
+                }
+                for (const auto& entry : entries) {
+                    const std::string href = toUtf8(entry.getHref());
+                    Candidate candidate{href.substr(0, href.find('#')), toUtf8(key),
+                                        toUtf8(resource.getHeader().getProductName())};
+                    auto& list = same ? exact : folded;
+                    if (std::none_of(list.begin(), list.end(),
+                                     [&](const Candidate& c) { return c.href == candidate.href; })) {
+                        list.push_back(std::move(candidate));
+                    }
+                }
+            }
+        }
+    }
+    return exact.empty() ? folded : exact;
+}
+
+int run(const Options& options, std::ostream& out, std::ostream& err) {
+    const std::string& name = options.name;
+    if (name.empty()) {
+        throw UsageError("NAME must not be empty");
+    }
+    const HostSettings settings = resolveHostSettings(options.host);
+    applyHostSettings(settings);
+    const auto roots = DocResourceParser::getReferenceRoots();
+    const std::set<std::string> names = pageFileRoles(toUtf8(roots->referenceFolder)).names;
+    const std::string where = " under " + settings.root.string() + " (language " + settings.language + ")";
+
+    // A link: a path with a folder, as lookup entries and see-also links give them.
+    if (name.find('/') != std::string::npos) {
+        const std::string href = name.substr(0, name.find('#'));
+        if (const auto status = pageByHref(names, href, options.json, out)) {
+            return *status;
+        }
+        err << "refdoc: no page file has the page '" << href << "'" << where
+            << "; 'refdoc check' tells whether a file was dropped\n";
+        return kExitProblem;
+    }
+    // A page file's name.
+    if (names.count(name) != 0) {
+        const PageFiles files = DocResourceParser::getResourceFile(toUtf16(name));
+        if (!files.empty()) {
+            return printFiles(files, options.json, out);
+        }
+        err << "refdoc: the page file " << name << ".json has no pages" << where
+            << "; 'refdoc check' tells whether it was dropped\n";
+        return kExitProblem;
+    }
+    // A product key, then a lookup entry's name.
+    const LookupResults lookup = DocResourceParser::getResourceLookupFiles();
+    if (const auto status = pagesOfProduct(names, lookup, name, options.json, out)) {
+        return *status;
+    }
+    const std::vector<Candidate> candidates = entriesNamed(lookup, name);
+    if (candidates.size() == 1) {
+        if (const auto status = pageByHref(names, candidates.front().href, options.json, out)) {
+            return *status;
+        }
+        err << "refdoc: the lookup entry '" << name << "' links to " << candidates.front().href
+            << ", but no page file has that page" << where << "; 'refdoc check' tells whether a file was dropped\n";
+        return kExitProblem;
+    }
+    if (candidates.size() > 1) {
+        err << "refdoc: " << candidates.size() << " pages have the name '" << name << "'; name one by its link:\n";
+        for (const auto& candidate : candidates) {
+            err << "  refdoc page " << candidate.href << "   (" << candidate.productName << " [" << candidate.productKey
+                << "])\n";
+        }
+        return kExitProblem;
+    }
+    err << "refdoc: '" << name << "' is no page file, product key, lookup entry or page link" << where
+        << "; 'refdoc lookup' lists the product keys, 'refdoc find' searches the entries, 'refdoc check' tells "
+           "whether a file was dropped\n";
+    return kExitProblem;
+}
+
 } // namespace
 
 Command pageCommand() {
     Command command;
-    command.syntax.name = "page";
-    addHostOptions(command.syntax);
-    command.syntax.flags = {"--json"};
-    command.syntax.minPositionals = 1;
-    command.syntax.maxPositionals = 1;
-    command.syntax.positionalName = "a product NAME";
-    command.summary = "show one product's reference pages";
+    command.name = "page";
+    command.needs = "a NAME: page file, product key, entry name or page link";
+    command.summary = "show a product's reference pages, or one page";
     command.help = "Usage: refdoc page NAME [options]\n"
                    "\n"
-                   "Loads the reference pages of the product whose page file is NAME.json (and, unless\n"
-                   "the language is English, NAME_<language>.json over it) and prints every page:\n"
-                   "purpose, syntax, inputs with their anchors, outputs, properties, parameters,\n"
-                   "examples and see-also links. Exit status 1 when there are no pages.\n"
+                   "Prints reference pages: purpose, syntax, inputs with their anchors, outputs,\n"
+                   "properties, parameters, examples and see-also links. NAME is, tried in this order:\n"
+                   "  a page link (with a '/', e.g. signal/ref/fastfilter.html; a #fragment is ignored):\n"
+                   "      that one page\n"
+                   "  a page file's name (NAME.json, and unless the language is English\n"
+                   "      NAME_<language>.json over it): every page of the file\n"
+                   "  a product key, as 'refdoc lookup' lists them: that product's pages\n"
+                   "  a lookup entry's name, as 'refdoc find' shows them (case is ignored when no entry\n"
+                   "      has that exact name): the one page it links to; when several pages have the\n"
+                   "      name, their links are listed to choose from\n"
+                   "Exit status 1 when there are no pages.\n"
                    "\n"
                    "Options:\n"
                    "  --json                   print the full page records as JSON\n" +
                    hostOptionsHelp();
-    command.run = run;
+    command.define = [](CLI::App& app) -> Runner {
+        auto options = std::make_shared<Options>();
+        addHostOptions(app, options->host);
+        addFlag(app, "--json", options->json);
+        app.add_option("NAME", options->name)->required();
+        return [options](std::ostream& out, std::ostream& err) { return run(*options, out, err); };
+    };
     return command;
 }
 

@@ -2,26 +2,10 @@
 
 #include <reference/docparser/TextConversion.hpp>
 
+#include <cwchar>
 #include <cwctype>
 
 namespace refdoc::tool {
-namespace {
-
-bool isWide(char32_t c) {
-    return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0x303E) || (c >= 0x3041 && c <= 0x33FF) ||
-           (c >= 0x3400 && c <= 0x4DBF) || (c >= 0x4E00 && c <= 0x9FFF) || (c >= 0xA000 && c <= 0xA4CF) ||
-           (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE4F) ||
-           (c >= 0xFF00 && c <= 0xFF60) || (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x1F300 && c <= 0x1F64F) ||
-           (c >= 0x1F900 && c <= 0x1F9FF) || (c >= 0x20000 && c <= 0x3FFFD);
-}
-
-bool isCombining(char32_t c) {
-    return (c >= 0x0300 && c <= 0x036F) || (c >= 0x1AB0 && c <= 0x1AFF) || (c >= 0x1DC0 && c <= 0x1DFF) ||
-           (c >= 0x20D0 && c <= 0x20FF) || (c >= 0xFE20 && c <= 0xFE2F) || c == 0x200B || c == 0x200D;
-}
-
-} // namespace
-
 std::string toUtf8(std::u16string_view text) { return reference::docparser::utf16ToUtf8(text); }
 
 std::u16string toUtf16(std::string_view text) { return reference::docparser::utf8ToUtf16(text); }
@@ -42,7 +26,10 @@ std::u32string foldCase(std::u16string_view text) {
 std::size_t displayWidth(std::string_view utf8) {
     std::size_t width = 0;
     for (const char32_t c : reference::docparser::utf16ToUtf32(toUtf16(utf8))) {
-        width += isCombining(c) ? 0 : isWide(c) ? 2 : 1;
+        // The C library's width under the UTF-8 locale main() sets: 2 for East Asian wide
+        // characters, 0 for combining marks; a character it cannot print counts as one column.
+        const int columns = ::wcwidth(static_cast<wchar_t>(c));
+        width += columns < 0 ? 1 : static_cast<std::size_t>(columns);
     }
     return width;
 }

@@ -6,6 +6,9 @@
 
 #include <reference/docparser/DiagnosticLogger.hpp>
 
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
 #include <boost/core/null_deleter.hpp>
 #include <boost/log/core.hpp>
 #include <boost/log/expressions.hpp>
@@ -23,9 +26,10 @@ namespace refdoc::tool {
 std::string hostOptionsHelp() {
     return "  --root DIR               documentation root (the folder holding docCatalog);\n"
            "                           default: the bundled sample root\n"
-           "  --lang CODE              current documentation language (default: en)\n"
+           "  --lang CODE              current documentation language (default: en; case is\n"
+           "                           ignored)\n"
            "  --languages CODE,...     supported documentation languages (default: en and the\n"
-           "                           current language)\n"
+           "                           languages the root's data files are named for)\n"
            "  --installed NAME,...     installed products, by short name (default: none)\n"
            "  --support-packages NAME,...\n"
            "                           installed support packages (default: none)\n"
@@ -40,14 +44,6 @@ std::string hostOptionsHelp() {
 
 namespace {
 
-std::vector<Command> allCommands() {
-    std::vector<Command> commands{lookupCommand(), pageCommand(), findCommand(), checkCommand(), serveCommand()};
-    for (auto& command : commands) {
-        command.syntax.flags.insert("--log");
-    }
-    return commands;
-}
-
 void printOverview(std::ostream& out, const std::vector<Command>& commands) {
     out << "Usage: refdoc COMMAND [options]\n"
            "\n"
@@ -55,8 +51,7 @@ void printOverview(std::ostream& out, const std::vector<Command>& commands) {
            "\n"
            "Commands:\n";
     for (const auto& command : commands) {
-        out << "  " << command.syntax.name << std::string(8 - command.syntax.name.size(), ' ') << command.summary
-            << '\n';
+        out << "  " << command.name << std::string(8 - command.name.size(), ' ') << command.summary << '\n';
     }
     out << "\n'refdoc COMMAND --help' describes a command and its options. With no --root the\n"
            "commands read the bundled sample documentation root.\n";
@@ -76,50 +71,105 @@ void showLibraryLog() {
 }
 
 int run(const std::vector<std::string>& argv) {
-    const std::vector<Command> commands = allCommands();
-    if (argv.empty() || argv.front() == "--help" || argv.front() == "-h" || argv.front() == "help") {
-        if (argv.size() >= 2 && argv.front() == "help") {
-            for (const auto& command : commands) {
-                if (command.syntax.name == argv[1]) {
-                    std::cout << command.help;
-                    return kExitOk;
-                }
+    const std::vector<Command> commands{lookupCommand(), pageCommand(), findCommand(), checkCommand(), serveCommand()};
+    CLI::App app("", "refdoc");
+    app.set_help_flag("-h,--help");
+    app.allow_extras(); // an unknown command is named below, in the tool's words
+    app.require_subcommand(0, 1);
+    bool version = false;
+    app.add_flag("--version", version);
+    bool log = false;
+    std::vector<CLI::App*> subcommands;
+    std::vector<Runner> runners;
+    for (const auto& command : commands) {
+        CLI::App* sub = app.add_subcommand(command.name, command.summary);
+        sub->allow_extras(false);
+        addFlag(*sub, "--log", log);
+        runners.push_back(command.define(*sub));
+        subcommands.push_back(sub);
+    }
+    CLI::App* help = app.add_subcommand("help", "describe a command");
+    std::string topic;
+    help->add_option("COMMAND", topic);
+
+    const auto selected = [&]() -> std::ptrdiff_t {
+        for (std::size_t i = 0; i < subcommands.size(); ++i) {
+            if (subcommands[i]->parsed()) {
+                return static_cast<std::ptrdiff_t>(i);
             }
-            std::cerr << "refdoc: unknown command '" << argv[1] << "'\n";
+        }
+        return -1;
+    };
+    std::vector<std::string> reversed(argv.rbegin(), argv.rend());
+    try {
+        app.parse(reversed);
+        if (const auto index = selected(); index >= 0) {
+            rejectRepeatedOptions(*subcommands[static_cast<std::size_t>(index)]);
+        }
+    } catch (const CLI::CallForHelp&) {
+        const auto index = selected();
+        std::cout << (index >= 0 ? commands[static_cast<std::size_t>(index)].help : std::string());
+        if (index < 0) {
+            printOverview(std::cout, commands);
+        }
+        return kExitOk;
+    } catch (const CLI::ParseError& error) {
+        const auto index = selected();
+        if (index < 0) {
+            std::cerr << "refdoc: " << error.what() << "\nTry 'refdoc --help' for the list of commands.\n";
             return kExitUsage;
         }
-        printOverview(argv.empty() ? std::cerr : std::cout, commands);
-        return argv.empty() ? kExitUsage : kExitOk;
+        const Command& command = commands[static_cast<std::size_t>(index)];
+        std::cerr << "refdoc: " << usageError(error, *subcommands[static_cast<std::size_t>(index)], command).what()
+                  << "\nTry 'refdoc " << command.name << " --help'.\n";
+        return kExitUsage;
+    } catch (const UsageError& error) {
+        const auto index = selected();
+        std::cerr << "refdoc: " << error.what() << "\nTry 'refdoc "
+                  << (index >= 0 ? commands[static_cast<std::size_t>(index)].name + " " : std::string())
+                  << "--help'.\n";
+        return kExitUsage;
     }
-    if (argv.front() == "--version") {
+
+    if (version) {
         std::cout << "refdoc " << REFDOC_VERSION << '\n';
         return kExitOk;
     }
-    const Command* command = nullptr;
-    for (const auto& candidate : commands) {
-        if (candidate.syntax.name == argv.front()) {
-            command = &candidate;
+    if (help->parsed()) {
+        if (topic.empty()) {
+            printOverview(std::cout, commands);
+            return kExitOk;
         }
-    }
-    if (command == nullptr) {
-        std::cerr << "refdoc: unknown command '" << argv.front() << "'\n"
-                  << "Try 'refdoc --help' for the list of commands.\n";
+        for (const auto& command : commands) {
+            if (command.name == topic) {
+                std::cout << command.help;
+                return kExitOk;
+            }
+        }
+        std::cerr << "refdoc: unknown command '" << topic << "'\n";
         return kExitUsage;
     }
-    const std::vector<std::string> args(argv.begin() + 1, argv.end());
+    const auto index = selected();
+    if (index < 0) {
+        const auto remaining = app.remaining();
+        if (remaining.empty()) {
+            printOverview(std::cerr, commands);
+        } else {
+            std::cerr << "refdoc: unknown command '" << remaining.front() << "'\n"
+                      << "Try 'refdoc --help' for the list of commands.\n";
+        }
+        return kExitUsage;
+    }
+    const Command& command = commands[static_cast<std::size_t>(index)];
     try {
-        const ParsedArgs parsed = parseArgs(command->syntax, args);
         // The library logs nothing a user needs; its file-access records only on request.
         reference::docparser::diagnosticLogger().setEnabledSeverities(0);
-        if (parsed.has("--log")) {
+        if (log) {
             showLibraryLog();
         }
-        return command->run(parsed, std::cout, std::cerr);
-    } catch (const HelpRequested&) {
-        std::cout << command->help;
-        return kExitOk;
+        return runners[static_cast<std::size_t>(index)](std::cout, std::cerr);
     } catch (const UsageError& e) {
-        std::cerr << "refdoc: " << e.what() << "\nTry 'refdoc " << command->syntax.name << " --help'.\n";
+        std::cerr << "refdoc: " << e.what() << "\nTry 'refdoc " << command.name << " --help'.\n";
         return kExitUsage;
     }
 }
