@@ -16,6 +16,10 @@
 
 namespace reference::search {
 
+namespace detail {
+struct IndexData; ///< the index's tables, inside the library
+}
+
 /// An immutable index of lookup entries, built once from the results of a lookup load and then
 /// queried. Every member function is const and touches no shared mutable state, so any number of
 /// threads may query one index at once without locks. The index keeps the results it was built
@@ -28,8 +32,7 @@ namespace reference::search {
 class REFDOC_API SearchIndex {
 public:
     /// The results of DocResourceParser::getResourceLookupFiles.
-    using LookupResults =
-        docparser::DocResourceParser::ParsingResults<docparser::DocResourceParser::LookupResourceMap>;
+    using LookupResults = docparser::DocResourceParser::ParsingResults<docparser::DocResourceParser::LookupResourceMap>;
     /// The reference pages of one product, as DocResourceParser::getResourceFile returns them.
     using PageFiles = docparser::DocResourceParser::RefItemFileMap;
 
@@ -60,8 +63,7 @@ public:
     std::size_t memoryUsage() const noexcept;
 
 private:
-    struct Data;
-    std::unique_ptr<const Data> data_;
+    std::unique_ptr<const detail::IndexData> data_;
 };
 
 } // namespace reference::search

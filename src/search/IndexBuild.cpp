@@ -1,0 +1,466 @@
+// Building a search index: numbering the entries in tie order, then the tables over their folded
+// names and purpose texts.
+
+#include "search/CodeText.hpp"
+#include "search/IndexData.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <numeric>
+#include <stdexcept>
+#include <unordered_map>
+
+namespace reference::search {
+namespace {
+
+using Data = detail::IndexData;
+using detail::Segment;
+
+// The first four code units as one number, so that most comparisons of a sort never reach the
+// texts (a shorter text is padded with zeros and ordered by the full comparison that follows).
+std::uint64_t textPrefix(std::u16string_view text) noexcept {
+    std::uint64_t key = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        key = (key << 16) | (i < text.size() ? text[i] : 0);
+    }
+    return key;
+}
+
+// Sorts `items` by the text each one stands for, then by `less`.
+template <class T, class TextOf, class Less>
+void sortByText(std::vector<T>& items, TextOf textOf, Less less) {
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> keys(items.size());
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        keys[i] = {textPrefix(textOf(items[i])), static_cast<std::uint32_t>(i)};
+    }
+    std::sort(keys.begin(), keys.end(), [&](const auto& a, const auto& b) {
+        if (a.first != b.first) {
+            return a.first < b.first;
+        }
+        const int order = textOf(items[a.second]).compare(textOf(items[b.second]));
+        return order != 0 ? order < 0 : less(items[a.second], items[b.second]);
+    });
+    std::vector<T> sorted;
+    sorted.reserve(items.size());
+    for (const auto& key : keys) {
+        sorted.push_back(items[key.second]);
+    }
+    items = std::move(sorted);
+}
+
+struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::u16string_view text) const noexcept { return std::hash<std::u16string_view>{}(text); }
+};
+using WordIds = std::unordered_map<std::u16string, std::uint32_t, TextHash, std::equal_to<>>;
+
+std::uint32_t wordId(WordIds& ids, std::u16string_view word) {
+    const auto found = ids.find(word);
+    if (found != ids.end()) {
+        return found->second;
+    }
+    const auto id = static_cast<std::uint32_t>(ids.size());
+    ids.emplace(std::u16string(word), id);
+    return id;
+}
+
+// The words of one folded text, as word ids shifted left by one with `fromPage` in bit 0.
+void addWords(std::u16string_view text, std::uint32_t fromPage, WordIds& ids, std::vector<detail::Word>& split,
+              std::vector<std::uint32_t>& out) {
+    split.clear();
+    detail::splitWords(text, split);
+    for (const auto& word : split) {
+        const std::u16string_view piece = text.substr(word.begin, word.length);
+        if (!word.unspaced) {
+            out.push_back(wordId(ids, piece) << 1 | fromPage);
+            continue;
+        }
+        // Unspaced text: every pair of neighbours, and the last character alone, so that a query
+        // of one character finds it through the words that start with it.
+        std::size_t i = 0;
+        while (i < piece.size()) {
+            const std::size_t first = (i + 1 < piece.size() && (piece[i] & 0xFC00) == 0xD800) ? 2 : 1;
+            std::size_t second = 0;
+            if (i + first < piece.size()) {
+                second = (i + first + 1 < piece.size() && (piece[i + first] & 0xFC00) == 0xD800) ? 2 : 1;
+            }
+            out.push_back(wordId(ids, piece.substr(i, first + second)) << 1 | fromPage);
+            i += first;
+        }
+    }
+}
+
+const property::RefItem* pageFor(const docparser::DocResource<property::RefItem>::ItemMap& pages,
+                                 const std::u16string& href) {
+    auto found = pages.find(href);
+    if (found == pages.end()) {
+        const auto hash = href.find(u'#');
+        if (hash == std::u16string::npos) {
+            return nullptr;
+        }
+        found = pages.find(href.substr(0, hash));
+        if (found == pages.end()) {
+            return nullptr;
+        }
+    }
+    return found->second.empty() ? nullptr : &found->second.front();
+}
+
+template <class T>
+std::size_t bytesOf(const std::vector<T>& v) {
+    return v.capacity() * sizeof(T);
+}
+
+} // namespace
+
+namespace detail {
+
+// The constructors' common part.
+std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::LookupResults> lookups,
+                                            std::vector<SearchIndex::PageFiles> pages) {
+    if (!lookups) {
+        throw std::invalid_argument("SearchIndex: no lookup results");
+    }
+    auto data = std::make_unique<Data>();
+    data->lookups = std::move(lookups);
+    data->pages = std::move(pages);
+    const auto& results = *data->lookups;
+
+    // Products, ranked by key (numbers by value) for the tie rules.
+    for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
+        const bool installed = map == &results.installedResources;
+        for (const auto& [key, resource] : *map) {
+            data->products.push_back(Data::Product{&key, &resource.getHeader(), installed});
+        }
+    }
+    std::vector<std::uint32_t> productRank(data->products.size());
+    {
+        std::vector<std::uint32_t> order(data->products.size());
+        std::iota(order.begin(), order.end(), 0u);
+        std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+            return compareNatural(*data->products[a].key, *data->products[b].key) < 0;
+        });
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            productRank[order[i]] = static_cast<std::uint32_t>(i);
+        }
+    }
+
+    // Entries in file order with their folded names, then numbered in tie order.
+    struct Raw {
+        const property::RefItemLookup* item;
+        std::uint32_t product;
+        std::uint32_t nameOffset;
+        std::uint16_t nameLength;
+    };
+    std::vector<Raw> raw;
+    {
+        std::size_t count = 0;
+        for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
+            for (const auto& [key, resource] : *map) {
+                for (const auto& [name, list] : resource.getItems()) {
+                    count += list.size();
+                }
+            }
+        }
+        if (count >= Data::kMaxEntries) {
+            throw std::length_error("SearchIndex: too many entries");
+        }
+        raw.reserve(count);
+    }
+    std::uint32_t product = 0;
+    for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
+        for (const auto& [key, resource] : *map) {
+            for (const auto& [name, list] : resource.getItems()) {
+                for (const auto& item : list) {
+                    const std::u16string_view itemName =
+                        std::u16string_view(item.getName()).substr(0, std::numeric_limits<std::uint16_t>::max());
+                    const auto offset = static_cast<std::uint32_t>(data->names.size());
+                    appendFolded(itemName, data->names);
+                    raw.push_back(Raw{&item, product, offset, static_cast<std::uint16_t>(itemName.size())});
+                }
+            }
+            ++product;
+        }
+    }
+    const std::u16string_view names = data->names;
+    std::vector<std::uint32_t> order(raw.size());
+    std::iota(order.begin(), order.end(), 0u);
+    std::sort(order.begin(), order.end(), [&](std::uint32_t ia, std::uint32_t ib) {
+        const Raw& a = raw[ia];
+        const Raw& b = raw[ib];
+        if (a.nameLength != b.nameLength) {
+            return a.nameLength < b.nameLength;
+        }
+        const bool ai = data->products[a.product].installed;
+        const bool bi = data->products[b.product].installed;
+        if (ai != bi) {
+            return ai;
+        }
+        if (a.product != b.product) {
+            return productRank[a.product] < productRank[b.product];
+        }
+        const int natural =
+            compareNatural(names.substr(a.nameOffset, a.nameLength), names.substr(b.nameOffset, b.nameLength));
+        if (natural != 0) {
+            return natural < 0;
+        }
+        const int exact = a.item->getName().compare(b.item->getName());
+        return exact != 0 ? exact < 0 : ia < ib;
+    });
+
+    const std::size_t n = raw.size();
+    data->entries.reserve(n);
+    std::vector<Segment> scratch;
+    for (const std::uint32_t index : order) {
+        const Raw& r = raw[index];
+        scratch.clear();
+        appendSegments(std::u16string_view(r.item->getName()).substr(0, r.nameLength), scratch);
+        const std::size_t kept = std::min<std::size_t>(scratch.size(), 255);
+        std::uint8_t flags = data->products[r.product].installed ? Data::kInstalled : 0;
+        if (r.item->isDeprecated()) {
+            flags |= Data::kDeprecated;
+        }
+        data->entries.push_back(Data::Entry{r.item, r.nameOffset, static_cast<std::uint32_t>(data->segments.size()),
+                                            r.product, r.nameLength, static_cast<std::uint8_t>(kept), flags});
+        data->segments.insert(data->segments.end(), scratch.begin(),
+                              scratch.begin() + static_cast<std::ptrdiff_t>(kept));
+    }
+    raw = {};
+    order = {};
+
+    // Whole names and later segments.
+    data->byName.resize(n);
+    std::iota(data->byName.begin(), data->byName.end(), 0u);
+    sortByText(
+        data->byName, [&](std::uint32_t e) { return data->name(e); }, std::less<>());
+    for (std::uint32_t e = 0; e < n; ++e) {
+        const auto segments = data->segmentsOf(e);
+        for (std::size_t s = 1; s < segments.size(); ++s) {
+            data->bySegment.push_back(Data::SegmentRef{e, segments[s].start, static_cast<std::uint16_t>(s)});
+        }
+    }
+    sortByText(
+        data->bySegment, [&](const Data::SegmentRef& r) { return data->name(r.entry).substr(r.offset); },
+        [](const Data::SegmentRef& a, const Data::SegmentRef& b) {
+            return a.entry != b.entry ? a.entry < b.entry : a.offset < b.offset;
+        });
+
+    // Initials of the letter segments.
+    data->initialsAt.reserve(n + 1);
+    for (std::uint32_t e = 0; e < n; ++e) {
+        data->initialsAt.push_back(static_cast<std::uint32_t>(data->initials.size()));
+        const auto name = data->name(e);
+        std::size_t letters = 0;
+        for (const auto& segment : data->segmentsOf(e)) {
+            if (!segment.digits) {
+                data->initials.push_back(name[segment.start]);
+                ++letters;
+            }
+        }
+        if (letters >= 2) {
+            data->byInitials.push_back(e);
+        }
+    }
+    data->initialsAt.push_back(static_cast<std::uint32_t>(data->initials.size()));
+    sortByText(
+        data->byInitials, [&](std::uint32_t e) { return data->initialsOf(e); }, std::less<>());
+
+    // Character classes per entry, for the in-order test.
+    data->bitWords = (n + 63) / 64;
+    data->letterBits.assign(Data::kLetterClasses * data->bitWords, 0);
+    for (std::uint32_t e = 0; e < n; ++e) {
+        for (const char16_t c : data->name(e)) {
+            data->letterBits[detail::letterClass(c) * data->bitWords + e / 64] |= std::uint64_t{1} << (e % 64);
+        }
+    }
+
+    // Name bigrams by position: a dense number per key in a first pass, then the lists filled
+    // position by position so that each is sorted by position, then entry.
+    {
+        std::array<std::uint32_t, 128 * 128> ascii;
+        ascii.fill(UINT32_MAX);
+        std::unordered_map<std::uint32_t, std::uint32_t> other;
+        std::vector<std::uint32_t> keys;
+        std::vector<std::uint32_t> counts;
+        std::vector<std::uint32_t> dense;
+        std::vector<std::uint32_t> denseAt(n + 1);
+        for (std::uint32_t e = 0; e < n; ++e) {
+            denseAt[e] = static_cast<std::uint32_t>(dense.size());
+            const auto name = data->name(e);
+            const std::size_t end = std::min(name.size(), Data::kBigramPositions + 1);
+            for (std::size_t p = 0; p + 1 < end; ++p) {
+                const std::uint32_t key = bigramKey(name[p], name[p + 1]);
+                std::uint32_t* slot = nullptr;
+                if ((key >> 16) < 128 && (key & 0xFFFF) < 128) {
+                    slot = &ascii[(key >> 16) << 7 | (key & 0x7F)];
+                } else {
+                    slot = &other.try_emplace(key, UINT32_MAX).first->second;
+                }
+                if (*slot == UINT32_MAX) {
+                    *slot = static_cast<std::uint32_t>(keys.size());
+                    keys.push_back(key);
+                    counts.push_back(0);
+                }
+                ++counts[*slot];
+                dense.push_back(*slot);
+            }
+        }
+        denseAt[n] = static_cast<std::uint32_t>(dense.size());
+        std::vector<std::uint32_t> rank(keys.size());
+        std::iota(rank.begin(), rank.end(), 0u);
+        std::sort(rank.begin(), rank.end(), [&](std::uint32_t a, std::uint32_t b) { return keys[a] < keys[b]; });
+        std::vector<std::uint32_t> next(keys.size());
+        data->bigramKeys.reserve(keys.size());
+        data->bigramAt.reserve(keys.size() + 1);
+        std::uint32_t total = 0;
+        for (const std::uint32_t d : rank) {
+            data->bigramKeys.push_back(keys[d]);
+            data->bigramAt.push_back(total);
+            next[d] = total;
+            total += counts[d];
+        }
+        data->bigramAt.push_back(total);
+        data->bigramPostings.resize(total);
+        for (std::uint32_t p = 0; p < Data::kBigramPositions; ++p) {
+            for (std::uint32_t e = 0; e < n; ++e) {
+                if (denseAt[e] + p < denseAt[e + 1]) {
+                    data->bigramPostings[next[dense[denseAt[e] + p]]++] = p << Data::kPositionShift | e;
+                }
+            }
+        }
+    }
+
+    // Reference pages by product key and href.
+    if (!data->pages.empty()) {
+        std::vector<const docparser::DocResource<property::RefItem>::ItemMap*> productPages(data->products.size(),
+                                                                                            nullptr);
+        for (const auto& files : data->pages) {
+            for (const auto& [key, resource] : files) {
+                for (std::size_t p = 0; p < data->products.size(); ++p) {
+                    if (productPages[p] == nullptr && *data->products[p].key == key) {
+                        productPages[p] = &resource.getItems();
+                    }
+                }
+            }
+        }
+        data->entryPages.assign(n, nullptr);
+        for (std::uint32_t e = 0; e < n; ++e) {
+            const auto* items = productPages[data->entries[e].product];
+            if (items != nullptr) {
+                data->entryPages[e] = pageFor(*items, data->entries[e].item->getHref());
+            }
+        }
+    }
+
+    // Purpose words: per entry its word ids (deduplicated, its own purpose before its page's),
+    // then the lists, then the words sorted with their lists in the same order.
+    {
+        WordIds ids;
+        std::vector<std::uint32_t> entryWords;
+        std::vector<std::uint32_t> entryWordsAt(n + 1);
+        std::vector<detail::Word> split;
+        std::u16string text;
+        std::vector<std::uint32_t> mine;
+        for (std::uint32_t e = 0; e < n; ++e) {
+            entryWordsAt[e] = static_cast<std::uint32_t>(entryWords.size());
+            mine.clear();
+            text.clear();
+            appendFolded(data->entries[e].item->getPurpose(), text);
+            addWords(text, 0, ids, split, mine);
+            if (!data->entryPages.empty() && data->entryPages[e] != nullptr) {
+                const auto* page = data->entryPages[e];
+                for (const auto* pageText : {&page->getPurpose(), &page->getDescription()}) {
+                    text.clear();
+                    appendFolded(*pageText, text);
+                    addWords(text, 1, ids, split, mine);
+                }
+            }
+            std::sort(mine.begin(), mine.end());
+            for (std::size_t i = 0; i < mine.size(); ++i) {
+                if (i == 0 || (mine[i] >> 1) != (mine[i - 1] >> 1)) {
+                    entryWords.push_back(mine[i]);
+                }
+            }
+        }
+        entryWordsAt[n] = static_cast<std::uint32_t>(entryWords.size());
+
+        std::vector<const std::u16string*> texts(ids.size());
+        for (const auto& [word, id] : ids) {
+            texts[id] = &word;
+        }
+        std::vector<std::uint32_t> sortedIds(ids.size());
+        std::iota(sortedIds.begin(), sortedIds.end(), 0u);
+        std::sort(sortedIds.begin(), sortedIds.end(),
+                  [&](std::uint32_t a, std::uint32_t b) { return *texts[a] < *texts[b]; });
+        std::vector<std::uint32_t> counts(ids.size(), 0);
+        for (const std::uint32_t w : entryWords) {
+            ++counts[w >> 1];
+        }
+        std::vector<std::uint32_t> next(ids.size());
+        data->wordAt.reserve(ids.size() + 1);
+        data->postingAt.reserve(ids.size() + 1);
+        std::uint32_t total = 0;
+        for (const std::uint32_t id : sortedIds) {
+            data->wordAt.push_back(static_cast<std::uint32_t>(data->words.size()));
+            data->words.append(*texts[id]);
+            data->postingAt.push_back(total);
+            next[id] = total;
+            total += counts[id];
+        }
+        data->wordAt.push_back(static_cast<std::uint32_t>(data->words.size()));
+        data->postingAt.push_back(total);
+        data->postings.resize(total);
+        for (std::uint32_t e = 0; e < n; ++e) {
+            for (std::uint32_t i = entryWordsAt[e]; i < entryWordsAt[e + 1]; ++i) {
+                const std::uint32_t w = entryWords[i];
+                data->postings[next[w >> 1]++] = e << 1 | (w & 1);
+            }
+        }
+    }
+    data->names.shrink_to_fit();
+    data->segments.shrink_to_fit();
+    data->bySegment.shrink_to_fit();
+    data->byInitials.shrink_to_fit();
+    data->initials.shrink_to_fit();
+    data->words.shrink_to_fit();
+    return data;
+}
+
+std::size_t indexBytes(const IndexData& data) noexcept {
+    return bytesOf(data.products) + bytesOf(data.entries) + bytesOf(data.entryPages) +
+           data.names.capacity() * sizeof(char16_t) + bytesOf(data.segments) + bytesOf(data.byName) +
+           bytesOf(data.bySegment) + data.initials.capacity() * sizeof(char16_t) + bytesOf(data.initialsAt) +
+           bytesOf(data.byInitials) + bytesOf(data.letterBits) + bytesOf(data.bigramKeys) + bytesOf(data.bigramAt) +
+           bytesOf(data.bigramPostings) + data.words.capacity() * sizeof(char16_t) + bytesOf(data.wordAt) +
+           bytesOf(data.postingAt) + bytesOf(data.postings);
+}
+
+} // namespace detail
+
+SearchIndex::SearchIndex(LookupResults lookups)
+    : SearchIndex(std::make_shared<const LookupResults>(std::move(lookups))) {}
+
+SearchIndex::SearchIndex(std::shared_ptr<const LookupResults> lookups)
+    : data_(detail::buildIndex(std::move(lookups), {})) {}
+
+SearchIndex::SearchIndex(std::shared_ptr<const LookupResults> lookups, std::vector<PageFiles> pages)
+    : data_(detail::buildIndex(std::move(lookups), std::move(pages))) {}
+
+SearchIndex::SearchIndex(SearchIndex&&) noexcept = default;
+SearchIndex& SearchIndex::operator=(SearchIndex&&) noexcept = default;
+SearchIndex::~SearchIndex() = default;
+
+std::size_t SearchIndex::size() const noexcept { return data_ ? data_->entries.size() : 0; }
+
+const SearchIndex::LookupResults& SearchIndex::lookups() const {
+    if (!data_) {
+        throw std::logic_error("SearchIndex: moved from");
+    }
+    return *data_->lookups;
+}
+
+std::size_t SearchIndex::memoryUsage() const noexcept { return data_ ? detail::indexBytes(*data_) : 0; }
+
+} // namespace reference::search

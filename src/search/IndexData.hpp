@@ -1,0 +1,143 @@
+#pragma once
+
+// What a search index holds. Everything is built once by the constructor and only read after,
+// which is what lets any number of threads query one index at once.
+//
+// Entries are numbered in the order of the tie rules (shorter name, installed product, product
+// key, name with numbers by value, file order), so among equally good matches the smaller
+// number wins and an entry number is all a ranking needs. The folded names lie in one buffer;
+// the tables that find them are sorted arrays of entry numbers searched by bisection.
+
+#include "search/CodeText.hpp"
+
+#include <reference/search/SearchIndex.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace reference::search {
+
+namespace detail {
+
+struct IndexData {
+    using LookupResults = SearchIndex::LookupResults;
+    using PageFiles = SearchIndex::PageFiles;
+
+    struct Product {
+        const std::u16string* key;
+        const property::HeaderInfo* header;
+        bool installed;
+    };
+
+    struct Entry {
+        const property::RefItemLookup* item;
+        std::uint32_t nameOffset;    // into names
+        std::uint32_t segmentOffset; // into segments
+        std::uint32_t product;       // into products
+        std::uint16_t nameLength;
+        std::uint8_t segmentCount;
+        std::uint8_t flags;
+    };
+    static constexpr std::uint8_t kInstalled = 1;
+    static constexpr std::uint8_t kDeprecated = 2;
+
+    // A later segment of a name, found by the folded text from its start on.
+    struct SegmentRef {
+        std::uint32_t entry;
+        std::uint16_t offset;
+        std::uint16_t index;
+    };
+
+    // Characters fall into this many classes for the in-order test: letters and digits of
+    // ASCII and the separators have their own, everything else shares the rest by a hash.
+    static constexpr std::size_t kLetterClasses = 64;
+    // Name bigrams are posted for the first this many positions, as (position << kPositionShift) | entry.
+    static constexpr std::size_t kBigramPositions = 32;
+    static constexpr unsigned kPositionShift = 27;
+    static constexpr std::uint32_t kMaxEntries = 1u << kPositionShift;
+
+    std::shared_ptr<const LookupResults> lookups;
+    std::vector<PageFiles> pages;
+    std::vector<Product> products;
+    std::vector<Entry> entries;
+    // Per entry, the reference page that adds text to it (empty when no pages were given).
+    std::vector<const property::RefItem*> entryPages;
+
+    std::u16string names; // folded
+    std::vector<detail::Segment> segments;
+
+    std::vector<std::uint32_t> byName;     // entries by folded name, then number
+    std::vector<SegmentRef> bySegment;     // segments after the first, by folded text from there
+    std::u16string initials;               // per entry, the first folded unit of each letter segment
+    std::vector<std::uint32_t> initialsAt; // per entry + 1, offsets into initials
+    std::vector<std::uint32_t> byInitials; // entries with two letter segments or more, by initials
+
+    std::size_t bitWords = 0;              // words per row of letterBits
+    std::vector<std::uint64_t> letterBits; // kLetterClasses rows: which entries hold a character of the class
+
+    // Unordered pairs of neighbouring characters (a transposition keeps its pair), sorted keys
+    // with their postings, each list sorted by position, then entry.
+    std::vector<std::uint32_t> bigramKeys;
+    std::vector<std::uint32_t> bigramAt; // per key + 1
+    std::vector<std::uint32_t> bigramPostings;
+
+    // The words of the purpose texts (and character pairs of unspaced scripts), sorted, with
+    // postings (entry << 1) | fromPage, each list sorted by entry.
+    std::u16string words;
+    std::vector<std::uint32_t> wordAt;    // per word + 1, offsets into words
+    std::vector<std::uint32_t> postingAt; // per word + 1
+    std::vector<std::uint32_t> postings;
+
+    std::u16string_view name(std::uint32_t entry) const noexcept {
+        const Entry& e = entries[entry];
+        return std::u16string_view(names).substr(e.nameOffset, e.nameLength);
+    }
+    std::span<const detail::Segment> segmentsOf(std::uint32_t entry) const noexcept {
+        const Entry& e = entries[entry];
+        return std::span<const detail::Segment>(segments).subspan(e.segmentOffset, e.segmentCount);
+    }
+    std::u16string_view initialsOf(std::uint32_t entry) const noexcept {
+        return std::u16string_view(initials).substr(initialsAt[entry], initialsAt[entry + 1] - initialsAt[entry]);
+    }
+    std::u16string_view word(std::size_t index) const noexcept {
+        return std::u16string_view(words).substr(wordAt[index], wordAt[index + 1] - wordAt[index]);
+    }
+};
+
+inline std::size_t letterClass(char16_t c) noexcept {
+    if (c >= u'a' && c <= u'z') {
+        return c - u'a';
+    }
+    if (c >= u'0' && c <= u'9') {
+        return 26 + (c - u'0');
+    }
+    switch (c) {
+    case u'_':
+        return 36;
+    case u'.':
+        return 37;
+    case u'-':
+        return 38;
+    case u':':
+        return 39;
+    case u' ':
+        return 40;
+    default:
+        return 41 + (static_cast<std::uint32_t>(c) * 2654435761u >> 16) % 23;
+    }
+}
+
+inline std::uint32_t bigramKey(char16_t a, char16_t b) noexcept {
+    return a < b ? (static_cast<std::uint32_t>(a) << 16) | b : (static_cast<std::uint32_t>(b) << 16) | a;
+}
+
+// Builds the tables (IndexBuild.cpp); the bytes they take.
+std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::LookupResults> lookups,
+                                            std::vector<SearchIndex::PageFiles> pages);
+std::size_t indexBytes(const IndexData& data) noexcept;
+
+} // namespace detail
+} // namespace reference::search

@@ -1,0 +1,237 @@
+#include "search/NameMatch.hpp"
+
+#include <algorithm>
+#include <limits>
+
+namespace reference::search::detail {
+namespace {
+
+constexpr int kImpossible = std::numeric_limits<int>::min() / 4;
+
+// Each piece is tried longest first, so the first decomposition found leaves the most segments
+// for the rest. A piece ends where the next segment of any kind starts.
+bool decompose(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
+               std::size_t segment, std::vector<MatchRange>& pieces) {
+    if (query.empty()) {
+        return true;
+    }
+    while (segment < segments.size() && segments[segment].digits) {
+        ++segment;
+    }
+    if (segment >= segments.size()) {
+        return false;
+    }
+    const std::size_t start = segments[segment].start;
+    const std::size_t end = segment + 1 < segments.size() ? segments[segment + 1].start : name.size();
+    std::size_t common = 0;
+    const std::size_t most = std::min(query.size(), end - start);
+    while (common < most && query[common] == name[start + common]) {
+        ++common;
+    }
+    for (std::size_t length = common; length >= 1; --length) {
+        pieces.push_back(MatchRange{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(length)});
+        if (decompose(query.substr(length), name, segments, segment + 1, pieces)) {
+            return true;
+        }
+        pieces.pop_back();
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<int> matchInitials(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
+                                 std::vector<MatchRange>& pieces) {
+    pieces.clear();
+    if (query.size() < 2 || query.size() > kMaxInOrderQuery) {
+        return std::nullopt;
+    }
+    std::size_t first = 0;
+    while (first < segments.size() && segments[first].digits) {
+        ++first;
+    }
+    if (!decompose(query, name, segments, first, pieces) || pieces.size() < 2) {
+        pieces.clear();
+        return std::nullopt;
+    }
+    std::size_t letters = 0;
+    std::size_t lastUsed = 0;
+    for (std::size_t s = 0; s < segments.size(); ++s) {
+        if (!segments[s].digits) {
+            ++letters;
+        }
+        if (segments[s].start == pieces.back().begin) {
+            lastUsed = letters;
+        }
+    }
+    const auto unused = static_cast<int>(letters - lastUsed);
+    return 900 - 40 * std::min(unused, 10);
+}
+
+std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
+                                std::vector<int>& scratch, std::vector<MatchRange>* ranges) {
+    const std::size_t m = query.size();
+    const std::size_t n = name.size();
+    if (m < 2 || m > kMaxInOrderQuery || n < m || n > kMaxInOrderName) {
+        return std::nullopt;
+    }
+    // Cheap test first: most candidates fail it.
+    std::size_t at = 0;
+    for (std::size_t j = 0; j < n && at < m; ++j) {
+        if (name[j] == query[at]) {
+            ++at;
+        }
+    }
+    if (at < m) {
+        return std::nullopt;
+    }
+
+    // Bonus per name position: the start of the name, the start of a segment.
+    scratch.assign(n + m * n, kImpossible);
+    int* bonus = scratch.data();
+    for (std::size_t j = 0; j < n; ++j) {
+        bonus[j] = 0;
+    }
+    for (const auto& segment : segments) {
+        if (segment.start < n) {
+            bonus[segment.start] = 8;
+        }
+    }
+    bonus[0] = 10;
+    constexpr int kMatch = 4;
+    constexpr int kConsecutive = 6;
+    int* best = scratch.data() + n; // best[i * n + j]: q[0..i] matched, q[i] at name[j]
+    for (std::size_t j = 0; j < n; ++j) {
+        if (name[j] == query[0]) {
+            best[j] = kMatch + bonus[j] - std::min<int>(static_cast<int>(j), 20);
+        }
+    }
+    for (std::size_t i = 1; i < m; ++i) {
+        const int* previous = best + (i - 1) * n;
+        int* row = best + i * n;
+        int reach = kImpossible; // max over j' <= j - 2 of previous[j'] + j' + 1
+        for (std::size_t j = 1; j < n; ++j) {
+            if (j >= 2 && previous[j - 2] > kImpossible) {
+                reach = std::max(reach, previous[j - 2] + static_cast<int>(j) - 1);
+            }
+            if (name[j] != query[i]) {
+                continue;
+            }
+            int value = kImpossible;
+            if (previous[j - 1] > kImpossible) {
+                value = previous[j - 1] + kConsecutive;
+            }
+            if (reach > kImpossible) {
+                value = std::max(value, reach - static_cast<int>(j));
+            }
+            if (value > kImpossible) {
+                row[j] = value + kMatch + bonus[j];
+            }
+        }
+    }
+    const int* last = best + (m - 1) * n;
+    std::size_t end = 0;
+    for (std::size_t j = 1; j < n; ++j) {
+        if (last[j] > last[end]) {
+            end = j;
+        }
+    }
+    if (last[end] <= kImpossible) {
+        return std::nullopt;
+    }
+    const int raw = last[end];
+    if (ranges != nullptr) {
+        std::vector<std::uint32_t> positions(m);
+        std::size_t j = end;
+        for (std::size_t i = m; i-- > 0;) {
+            positions[i] = static_cast<std::uint32_t>(j);
+            if (i == 0) {
+                break;
+            }
+            const int own = best[i * n + j] - kMatch - bonus[j];
+            const int* previous = best + (i - 1) * n;
+            if (previous[j - 1] > kImpossible && previous[j - 1] + kConsecutive == own) {
+                j -= 1;
+                continue;
+            }
+            for (std::size_t k = j - 1; k-- > 0;) {
+                if (previous[k] > kImpossible && previous[k] - static_cast<int>(j - k - 1) == own) {
+                    j = k;
+                    break;
+                }
+            }
+        }
+        ranges->clear();
+        for (const auto position : positions) {
+            if (!ranges->empty() && ranges->back().begin + ranges->back().length == position) {
+                ++ranges->back().length;
+            } else {
+                ranges->push_back(MatchRange{position, 1});
+            }
+        }
+    }
+    return std::clamp(500 + raw, 0, 999);
+}
+
+int allowedTypos(std::size_t queryLength) noexcept {
+    if (queryLength < 4) {
+        return 0;
+    }
+    return queryLength < 8 ? 1 : 2;
+}
+
+std::optional<TypoMatch> matchTypo(std::u16string_view query, std::u16string_view name, int maxEdits,
+                                   std::vector<int>& scratch) {
+    const std::size_t m = query.size();
+    if (maxEdits <= 0 || m == 0 || m > kMaxTypoQuery) {
+        return std::nullopt;
+    }
+    const std::size_t rows = std::min(name.size(), m + static_cast<std::size_t>(maxEdits));
+    if (rows + static_cast<std::size_t>(maxEdits) < m) {
+        return std::nullopt;
+    }
+    // Optimal string alignment distance, one row per character of the name: cell i of row j is the
+    // distance between the first j characters of the name and the first i of the query.
+    const std::size_t width = m + 1;
+    scratch.assign(3 * width, 0);
+    int* before = scratch.data();
+    int* above = before + width;
+    int* row = above + width;
+    for (std::size_t i = 0; i <= m; ++i) {
+        above[i] = static_cast<int>(i);
+    }
+    std::optional<TypoMatch> best;
+    for (std::size_t j = 1; j <= rows; ++j) {
+        row[0] = static_cast<int>(j);
+        int smallest = row[0];
+        for (std::size_t i = 1; i <= m; ++i) {
+            const int cost = name[j - 1] == query[i - 1] ? 0 : 1;
+            int value = std::min({above[i] + 1, row[i - 1] + 1, above[i - 1] + cost});
+            if (i > 1 && j > 1 && name[j - 1] == query[i - 2] && name[j - 2] == query[i - 1]) {
+                value = std::min(value, before[i - 2] + 1);
+            }
+            row[i] = value;
+            smallest = std::min(smallest, value);
+        }
+        if (row[m] <= maxEdits) {
+            const bool whole = j == name.size();
+            const TypoMatch here{row[m], j, whole};
+            if (!best || typoGrade(here) > typoGrade(*best)) {
+                best = here;
+            }
+        }
+        if (smallest > maxEdits) {
+            break;
+        }
+        std::swap(before, above);
+        std::swap(above, row);
+    }
+    if (best && best->edits == 0 && !best->wholeName) {
+        return std::nullopt; // a plain prefix, not a typo
+    }
+    return best;
+}
+
+int typoGrade(const TypoMatch& match) noexcept { return 900 - 200 * match.edits - (match.wholeName ? 0 : 100); }
+
+} // namespace reference::search::detail
