@@ -183,19 +183,29 @@ TEST(SearchIndex, FiltersAndDeprecation) {
         }
         return out;
     };
+    const auto query = [](std::u16string text, std::size_t limit, auto&& adjust) {
+        SearchQuery q;
+        q.text = std::move(text);
+        q.limit = limit;
+        adjust(q);
+        return q;
+    };
+    const auto as = [](SearchQuery&) {};
     const struct Case {
         const char* what;
         SearchQuery query;
         std::vector<std::string> expected;
     } cases[] = {
-        {"deprecated entries are found and marked", {u"plot", 2}, {"plotting:plot", "legacy:plot!"}},
-        {"and can be hidden", {u"plot", 0, {}, {}, false, true}, {"plotting:plot"}},
-        {"installed only", {u"plot", 2, {}, {}, true}, {"plotting:plot"}},
-        {"product keys", {u"shared", 0, {u"prod10"}}, {"prod10:shared"}},
-        {"entity types", {u"figure", 0, {}, {RefEntityType::Method}}, {"plotting:Figure.savefig"}},
-        {"limit", {u"system", 2}, {"signal:system1", "signal:system111"}},
-        {"nothing", {u"qqqq", 0}, {}},
-        {"blank query", {u"  ", 0}, {}},
+        {"deprecated entries are found and marked", query(u"plot", 2, as), {"plotting:plot", "legacy:plot!"}},
+        {"and can be hidden", query(u"plot", 0, [](SearchQuery& q) { q.hideDeprecated = true; }), {"plotting:plot"}},
+        {"installed only", query(u"plot", 2, [](SearchQuery& q) { q.installedOnly = true; }), {"plotting:plot"}},
+        {"product keys", query(u"shared", 0, [](SearchQuery& q) { q.productKeys = {u"prod10"}; }), {"prod10:shared"}},
+        {"entity types",
+         query(u"figure", 0, [](SearchQuery& q) { q.entityTypes = {RefEntityType::Method}; }),
+         {"plotting:Figure.savefig"}},
+        {"limit", query(u"system", 2, as), {"signal:system1", "signal:system111"}},
+        {"nothing", query(u"qqqq", 0, as), {}},
+        {"blank query", query(u"  ", 0, as), {}},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(keys(index().search(c.query)), c.expected) << c.what;
