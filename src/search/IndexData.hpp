@@ -77,6 +77,7 @@ struct IndexData {
 
     std::size_t bitWords = 0;              // words per row of letterBits
     std::vector<std::uint64_t> letterBits; // kLetterClasses rows: which entries hold a character of the class
+    std::vector<std::uint64_t> startBits;  // the same for the first character of the name or of a segment
 
     // Unordered pairs of neighbouring characters (a transposition keeps its pair), sorted keys
     // with their postings, each list sorted by position, then entry.

@@ -302,44 +302,15 @@ private:
         return keep(best, MatchKind::SegmentPrefix);
     }
 
-    // Walks the table sorted by initials: each step fixes the initial of one more segment, the
-    // query character that starts the next piece.
-    void initialsWalk(Range range, std::size_t depth, std::size_t position, std::vector<std::uint32_t>& out) const {
-        const char16_t c = text_[position];
-        const auto initialAt = [&](std::uint32_t e) -> std::int32_t {
-            const auto initials = d_.initialsOf(e);
-            return depth < initials.size() ? initials[depth] : -1;
-        };
-        const auto first = d_.byInitials.begin();
-        const auto lo = std::lower_bound(first + static_cast<std::ptrdiff_t>(range.begin),
-                                         first + static_cast<std::ptrdiff_t>(range.end), c,
-                                         [&](std::uint32_t e, char16_t v) { return initialAt(e) < v; });
-        const auto hi = std::upper_bound(lo, first + static_cast<std::ptrdiff_t>(range.end), c,
-                                         [&](char16_t v, std::uint32_t e) { return v < initialAt(e); });
-        if (lo == hi) {
-            return;
-        }
-        const Range narrowed{static_cast<std::size_t>(lo - first), static_cast<std::size_t>(hi - first)};
-        for (std::size_t length = 1; position + length <= text_.size(); ++length) {
-            if (position + length == text_.size()) {
-                if (depth >= 1) {
-                    out.insert(out.end(), lo, hi);
-                }
-            } else {
-                initialsWalk(narrowed, depth + 1, position + length, out);
-            }
-        }
-    }
-
     bool initials() {
         Collector best = collector();
         if (text_.size() >= 2 && text_.size() <= detail::kMaxInOrderQuery) {
-            std::vector<std::uint32_t> candidates;
-            initialsWalk(Range{0, d_.byInitials.size()}, 0, 0, candidates);
-            std::sort(candidates.begin(), candidates.end());
-            candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
+            // Every match has the query's first two characters as its first two initials.
+            const auto initialsOf = [&](std::uint32_t e) { return d_.initialsOf(e); };
+            const Range range = prefixRange(d_.byInitials, std::u16string_view(text_).substr(0, 2), initialsOf);
             const int top = band(MatchKind::Initials) + kWholeGrade;
-            for (const std::uint32_t e : candidates) {
+            for (std::size_t i = range.begin; i < range.end; ++i) {
+                const std::uint32_t e = d_.byInitials[i];
                 if (!best.wants(top, e)) {
                     continue;
                 }
@@ -359,9 +330,10 @@ private:
             for (const char16_t c : text_) {
                 classes |= std::uint64_t{1} << detail::letterClass(c);
             }
+            const std::uint64_t* starts = d_.startBits.data() + detail::letterClass(text_[0]) * d_.bitWords;
             const int top = band(MatchKind::InOrder) + 999;
             for (std::size_t w = 0; w < d_.bitWords; ++w) {
-                std::uint64_t bits = ~std::uint64_t{0};
+                std::uint64_t bits = starts[w];
                 for (std::uint64_t rest = classes; rest != 0 && bits != 0; rest &= rest - 1) {
                     bits &= d_.letterBits[static_cast<std::size_t>(std::countr_zero(rest)) * d_.bitWords + w];
                 }
@@ -387,8 +359,7 @@ private:
         if (edits > 0 && text_.size() <= detail::kMaxTypoQuery) {
             // Each edit spoils at most two of the query's character pairs (unordered, so a
             // transposition spoils only its neighbours) and moves the rest by at most one place:
-            // a match shares all but 2 * edits pairs near their places, so it is in at least one
-            // of any 2 * edits + 1 of the pairs' lists.
+            // a match shares all but 2 * edits pairs, each within `edits` places of its own.
             std::vector<Range> lists;
             for (std::size_t i = 0; i + 1 < text_.size(); ++i) {
                 const std::uint32_t key = detail::bigramKey(text_[i], text_[i + 1]);
@@ -409,16 +380,20 @@ private:
                 lists.push_back(Range{static_cast<std::size_t>(from - d_.bigramPostings.begin()),
                                       static_cast<std::size_t>(to - d_.bigramPostings.begin())});
             }
-            std::sort(lists.begin(), lists.end(), [](const Range& a, const Range& b) { return a.size() < b.size(); });
-            lists.resize(std::min(lists.size(), static_cast<std::size_t>(2 * edits + 1)));
+            // Count the pairs each entry shares with the query where they may be; an entry
+            // counted twice for one pair (it holds the pair twice nearby) only adds a candidate.
+            const std::size_t needed = text_.size() - 1 - 2 * static_cast<std::size_t>(edits);
+            std::vector<std::uint8_t> shared(d_.entries.size(), 0);
             std::vector<std::uint32_t> candidates;
             for (const auto& list : lists) {
                 for (std::size_t i = list.begin; i < list.end; ++i) {
-                    candidates.push_back(d_.bigramPostings[i] & (IndexData::kMaxEntries - 1));
+                    const std::uint32_t e = d_.bigramPostings[i] & (IndexData::kMaxEntries - 1);
+                    if (shared[e] < 255 && ++shared[e] == needed) {
+                        candidates.push_back(e);
+                    }
                 }
             }
             std::sort(candidates.begin(), candidates.end());
-            candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
             const int top = band(MatchKind::Typo) + kWholeGrade;
             for (const std::uint32_t e : candidates) {
                 if (!best.wants(top, e)) {

@@ -8,36 +8,6 @@ namespace {
 
 constexpr int kImpossible = std::numeric_limits<int>::min() / 4;
 
-// Each piece is tried longest first, so the first decomposition found leaves the most segments
-// for the rest. A piece ends where the next segment of any kind starts.
-bool decompose(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
-               std::size_t segment, std::vector<MatchRange>& pieces) {
-    if (query.empty()) {
-        return true;
-    }
-    while (segment < segments.size() && segments[segment].digits) {
-        ++segment;
-    }
-    if (segment >= segments.size()) {
-        return false;
-    }
-    const std::size_t start = segments[segment].start;
-    const std::size_t end = segment + 1 < segments.size() ? segments[segment + 1].start : name.size();
-    std::size_t common = 0;
-    const std::size_t most = std::min(query.size(), end - start);
-    while (common < most && query[common] == name[start + common]) {
-        ++common;
-    }
-    for (std::size_t length = common; length >= 1; --length) {
-        pieces.push_back(MatchRange{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(length)});
-        if (decompose(query.substr(length), name, segments, segment + 1, pieces)) {
-            return true;
-        }
-        pieces.pop_back();
-    }
-    return false;
-}
-
 } // namespace
 
 std::optional<int> matchInitials(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
@@ -46,26 +16,44 @@ std::optional<int> matchInitials(std::u16string_view query, std::u16string_view 
     if (query.size() < 2 || query.size() > kMaxInOrderQuery) {
         return std::nullopt;
     }
-    std::size_t first = 0;
-    while (first < segments.size() && segments[first].digits) {
-        ++first;
-    }
-    if (!decompose(query, name, segments, first, pieces) || pieces.size() < 2) {
-        pieces.clear();
-        return std::nullopt;
-    }
+    // The letter segments, each with where it ends (the next segment of any kind, or the end).
     std::size_t letters = 0;
-    std::size_t lastUsed = 0;
+    std::size_t initials = 0; // how many leading letter segments start with the query's letters
     for (std::size_t s = 0; s < segments.size(); ++s) {
-        if (!segments[s].digits) {
-            ++letters;
+        if (segments[s].digits) {
+            continue;
         }
-        if (segments[s].start == pieces.back().begin) {
-            lastUsed = letters;
+        if (initials == letters && initials < query.size() && name[segments[s].start] == query[initials]) {
+            ++initials;
         }
+        ++letters;
     }
-    const auto unused = static_cast<int>(letters - lastUsed);
-    return 900 - 40 * std::min(unused, 10);
+    // The most segments first: `last` is the letter segment the last piece starts.
+    for (std::size_t last = std::min(initials, query.size() - 1); last >= 1; --last) {
+        std::size_t letter = 0;
+        for (std::size_t s = 0; s < segments.size(); ++s) {
+            if (segments[s].digits) {
+                continue;
+            }
+            const std::size_t start = segments[s].start;
+            if (letter < last) {
+                pieces.push_back(MatchRange{static_cast<std::uint32_t>(start), 1});
+                ++letter;
+                continue;
+            }
+            const std::size_t end = s + 1 < segments.size() ? segments[s + 1].start : name.size();
+            const std::u16string_view rest = query.substr(last);
+            if (rest.size() <= end - start && name.substr(start, rest.size()) == rest) {
+                pieces.push_back(
+                    MatchRange{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(rest.size())});
+                const auto unused = static_cast<int>(letters - last - 1);
+                return 900 - 40 * std::min(unused, 10);
+            }
+            break;
+        }
+        pieces.clear();
+    }
+    return std::nullopt;
 }
 
 std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
@@ -102,7 +90,7 @@ std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view n
     constexpr int kConsecutive = 6;
     int* best = scratch.data() + n; // best[i * n + j]: q[0..i] matched, q[i] at name[j]
     for (std::size_t j = 0; j < n; ++j) {
-        if (name[j] == query[0]) {
+        if (name[j] == query[0] && bonus[j] > 0) {
             best[j] = kMatch + bonus[j] - std::min<int>(static_cast<int>(j), 20);
         }
     }

@@ -22,15 +22,15 @@ inline constexpr std::size_t kMaxInOrderName = 256;
 inline constexpr std::size_t kMaxInOrderQuery = 32;
 inline constexpr std::size_t kMaxTypoQuery = 24;
 
-// The query is cut into two or more pieces, each the start of one of the name's letter segments,
-// the segments consecutive from the first ("gcf" in getCurrentFigure, "rcsv" in read_csv; digit
-// runs are passed over). Fewer segments left over grades higher. `pieces` receives the matched runs.
+// The query is the initials of the name's letter segments, consecutive from the first, the last
+// of which may go on into its segment ("gcf" in getCurrentFigure, "rcsv" in read_csv; digit runs
+// are passed over). Fewer segments left over grades higher. `pieces` receives the matched runs.
 std::optional<int> matchInitials(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
                                  std::vector<MatchRange>& pieces);
 
-// The query's characters appear in the name in this order. Matches at the start of the name or
-// of a segment and runs of consecutive characters grade higher; gaps and a late first character
-// lower. `scratch` is reused from call to call.
+// The query's characters appear in the name in this order, the first at the start of the name or
+// of a segment. Matches at the start of a segment and runs of consecutive characters grade
+// higher; gaps and a late first character lower. `scratch` is reused from call to call.
 std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
                                 std::vector<int>& scratch, std::vector<MatchRange>* ranges);
 

@@ -172,7 +172,8 @@ TEST(NameMatch, InOrderGrades) {
     EXPECT_GT(grade("fig", "figureOut"), grade("fig", "outFigure"));
     EXPECT_GT(grade("fig", "outFigure"), grade("fig", "offsetInGroup"));
     EXPECT_EQ(grade("gfc", "getCurrentFigure"), -1);
-    EXPECT_EQ(grade("x", "x"), -1); // one letter is a prefix or nothing
+    EXPECT_EQ(grade("igu", "figure"), -1); // the first letter starts the name or a segment
+    EXPECT_EQ(grade("x", "x"), -1);        // one letter is a prefix or nothing
 }
 
 } // namespace
