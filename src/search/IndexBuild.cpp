@@ -18,34 +18,40 @@ namespace {
 using Data = detail::IndexData;
 using detail::Segment;
 
-// The first four code units as one number, so that most comparisons of a sort never reach the
+// The first eight code units as two numbers, so that most comparisons of a sort never reach the
 // texts (a shorter text is padded with zeros and ordered by the full comparison that follows).
-std::uint64_t textPrefix(std::u16string_view text) noexcept {
-    std::uint64_t key = 0;
-    for (std::size_t i = 0; i < 4; ++i) {
-        key = (key << 16) | (i < text.size() ? text[i] : 0);
+struct TextKey {
+    std::uint64_t high;
+    std::uint64_t low;
+    std::uint32_t index;
+};
+
+TextKey textKey(std::u16string_view text, std::uint32_t index) noexcept {
+    std::uint64_t words[2] = {0, 0};
+    for (std::size_t i = 0; i < 8; ++i) {
+        words[i / 4] = (words[i / 4] << 16) | (i < text.size() ? text[i] : 0);
     }
-    return key;
+    return TextKey{words[0], words[1], index};
 }
 
 // Sorts `items` by the text each one stands for, then by `less`.
 template <class T, class TextOf, class Less>
 void sortByText(std::vector<T>& items, TextOf textOf, Less less) {
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> keys(items.size());
+    std::vector<TextKey> keys(items.size());
     for (std::size_t i = 0; i < items.size(); ++i) {
-        keys[i] = {textPrefix(textOf(items[i])), static_cast<std::uint32_t>(i)};
+        keys[i] = textKey(textOf(items[i]), static_cast<std::uint32_t>(i));
     }
-    std::sort(keys.begin(), keys.end(), [&](const auto& a, const auto& b) {
-        if (a.first != b.first) {
-            return a.first < b.first;
+    std::sort(keys.begin(), keys.end(), [&](const TextKey& a, const TextKey& b) {
+        if (a.high != b.high || a.low != b.low) {
+            return a.high != b.high ? a.high < b.high : a.low < b.low;
         }
-        const int order = textOf(items[a.second]).compare(textOf(items[b.second]));
-        return order != 0 ? order < 0 : less(items[a.second], items[b.second]);
+        const int order = textOf(items[a.index]).compare(textOf(items[b.index]));
+        return order != 0 ? order < 0 : less(items[a.index], items[b.index]);
     });
     std::vector<T> sorted;
     sorted.reserve(items.size());
     for (const auto& key : keys) {
-        sorted.push_back(items[key.second]);
+        sorted.push_back(items[key.index]);
     }
     items = std::move(sorted);
 }
@@ -185,36 +191,33 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
     }
     const std::u16string_view names = data->names;
-    std::vector<std::uint32_t> order(raw.size());
-    std::iota(order.begin(), order.end(), 0u);
-    std::sort(order.begin(), order.end(), [&](std::uint32_t ia, std::uint32_t ib) {
-        const Raw& a = raw[ia];
-        const Raw& b = raw[ib];
-        if (a.nameLength != b.nameLength) {
-            return a.nameLength < b.nameLength;
+    // Length, installed and product rank packed in one number; the names compared only on a tie.
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(raw.size());
+    for (std::uint32_t i = 0; i < raw.size(); ++i) {
+        const Raw& r = raw[i];
+        const std::uint64_t uninstalled = data->products[r.product].installed ? 0 : 1;
+        order[i] = {std::uint64_t{r.nameLength} << 48 | uninstalled << 47 | productRank[r.product], i};
+    }
+    std::sort(order.begin(), order.end(), [&](const auto& x, const auto& y) {
+        if (x.first != y.first) {
+            return x.first < y.first;
         }
-        const bool ai = data->products[a.product].installed;
-        const bool bi = data->products[b.product].installed;
-        if (ai != bi) {
-            return ai;
-        }
-        if (a.product != b.product) {
-            return productRank[a.product] < productRank[b.product];
-        }
+        const Raw& a = raw[x.second];
+        const Raw& b = raw[y.second];
         const int natural =
             compareNatural(names.substr(a.nameOffset, a.nameLength), names.substr(b.nameOffset, b.nameLength));
         if (natural != 0) {
             return natural < 0;
         }
         const int exact = a.item->getName().compare(b.item->getName());
-        return exact != 0 ? exact < 0 : ia < ib;
+        return exact != 0 ? exact < 0 : x.second < y.second;
     });
 
     const std::size_t n = raw.size();
     data->entries.reserve(n);
     std::vector<Segment> scratch;
-    for (const std::uint32_t index : order) {
-        const Raw& r = raw[index];
+    for (const auto& ranked : order) {
+        const Raw& r = raw[ranked.second];
         scratch.clear();
         appendSegments(std::u16string_view(r.item->getName()).substr(0, r.nameLength), scratch);
         const std::size_t kept = std::min<std::size_t>(scratch.size(), 255);

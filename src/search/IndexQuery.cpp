@@ -475,8 +475,9 @@ private:
                         i += a;
                     }
                 }
-            } else if (piece.begin > 0) {
-                // After punctuation a piece starts a word of the text; the first piece may end one.
+            } else if (piece.begin > 0 && text.size() >= 3) {
+                // After punctuation a piece starts a word of the text (the first piece may end
+                // one); a shorter piece starts too many.
                 range = wordPostings(text, false);
             } else {
                 continue;
