@@ -18,40 +18,19 @@ namespace {
 using Data = detail::IndexData;
 using detail::Segment;
 
-// The first eight code units as two numbers, so that most comparisons of a sort never reach the
-// texts (a shorter text is padded with zeros and ordered by the full comparison that follows).
-struct TextKey {
-    std::uint64_t high;
-    std::uint64_t low;
-    std::uint32_t index;
-};
-
-TextKey textKey(std::u16string_view text, std::uint32_t index) noexcept {
-    std::uint64_t words[2] = {0, 0};
-    for (std::size_t i = 0; i < 8; ++i) {
-        words[i / 4] = (words[i / 4] << 16) | (i < text.size() ? text[i] : 0);
-    }
-    return TextKey{words[0], words[1], index};
-}
-
-// Sorts `items` by the text each one stands for, then by `less`.
-template <class T, class TextOf, class Less>
-void sortByText(std::vector<T>& items, TextOf textOf, Less less) {
-    std::vector<TextKey> keys(items.size());
+// Sorts `items` (made in entry order) by the sort key of the text each one stands for, keeping
+// entry order among equal keys.
+template <class T, class TextOf>
+void sortByKey(std::vector<T>& items, TextOf textOf) {
+    std::vector<std::pair<detail::SortKey, std::uint32_t>> keys(items.size());
     for (std::size_t i = 0; i < items.size(); ++i) {
-        keys[i] = textKey(textOf(items[i]), static_cast<std::uint32_t>(i));
+        keys[i] = {detail::sortKey(textOf(items[i])), static_cast<std::uint32_t>(i)};
     }
-    std::sort(keys.begin(), keys.end(), [&](const TextKey& a, const TextKey& b) {
-        if (a.high != b.high || a.low != b.low) {
-            return a.high != b.high ? a.high < b.high : a.low < b.low;
-        }
-        const int order = textOf(items[a.index]).compare(textOf(items[b.index]));
-        return order != 0 ? order < 0 : less(items[a.index], items[b.index]);
-    });
+    std::sort(keys.begin(), keys.end());
     std::vector<T> sorted;
     sorted.reserve(items.size());
     for (const auto& key : keys) {
-        sorted.push_back(items[key.index]);
+        sorted.push_back(items[key.second]);
     }
     items = std::move(sorted);
 }
@@ -158,9 +137,13 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         const property::RefItemLookup* item;
         std::uint32_t product;
         std::uint32_t nameOffset;
+        std::uint32_t segmentOffset; // into rawSegments
         std::uint16_t nameLength;
+        std::uint8_t segmentCount;
+        bool deprecated;
     };
     std::vector<Raw> raw;
+    std::vector<Segment> rawSegments; // made while each name is at hand, copied in entry order below
     {
         std::size_t count = 0;
         for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
@@ -184,7 +167,13 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
                         std::u16string_view(item.getName()).substr(0, std::numeric_limits<std::uint16_t>::max());
                     const auto offset = static_cast<std::uint32_t>(data->names.size());
                     appendFolded(itemName, data->names);
-                    raw.push_back(Raw{&item, product, offset, static_cast<std::uint16_t>(itemName.size())});
+                    const auto segmentOffset = static_cast<std::uint32_t>(rawSegments.size());
+                    appendSegments(itemName, rawSegments);
+                    const std::size_t segmentCount = std::min<std::size_t>(rawSegments.size() - segmentOffset, 255);
+                    rawSegments.resize(segmentOffset + segmentCount);
+                    raw.push_back(Raw{&item, product, offset, segmentOffset,
+                                      static_cast<std::uint16_t>(itemName.size()),
+                                      static_cast<std::uint8_t>(segmentCount), item.isDeprecated()});
                 }
             }
             ++product;
@@ -215,40 +204,33 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
 
     const std::size_t n = raw.size();
     data->entries.reserve(n);
-    std::vector<Segment> scratch;
+    data->segments.reserve(rawSegments.size());
     for (const auto& ranked : order) {
         const Raw& r = raw[ranked.second];
-        scratch.clear();
-        appendSegments(std::u16string_view(r.item->getName()).substr(0, r.nameLength), scratch);
-        const std::size_t kept = std::min<std::size_t>(scratch.size(), 255);
         std::uint8_t flags = data->products[r.product].installed ? Data::kInstalled : 0;
-        if (r.item->isDeprecated()) {
+        if (r.deprecated) {
             flags |= Data::kDeprecated;
         }
         data->entries.push_back(Data::Entry{r.item, r.nameOffset, static_cast<std::uint32_t>(data->segments.size()),
-                                            r.product, r.nameLength, static_cast<std::uint8_t>(kept), flags});
-        data->segments.insert(data->segments.end(), scratch.begin(),
-                              scratch.begin() + static_cast<std::ptrdiff_t>(kept));
+                                            r.product, r.nameLength, r.segmentCount, flags});
+        const auto first = rawSegments.begin() + r.segmentOffset;
+        data->segments.insert(data->segments.end(), first, first + r.segmentCount);
     }
     raw = {};
+    rawSegments = {};
     order = {};
 
     // Whole names and later segments.
     data->byName.resize(n);
     std::iota(data->byName.begin(), data->byName.end(), 0u);
-    sortByText(
-        data->byName, [&](std::uint32_t e) { return data->name(e); }, std::less<>());
+    sortByKey(data->byName, [&](std::uint32_t e) { return data->name(e); });
     for (std::uint32_t e = 0; e < n; ++e) {
         const auto segments = data->segmentsOf(e);
         for (std::size_t s = 1; s < segments.size(); ++s) {
             data->bySegment.push_back(Data::SegmentRef{e, segments[s].start, static_cast<std::uint16_t>(s)});
         }
     }
-    sortByText(
-        data->bySegment, [&](const Data::SegmentRef& r) { return data->name(r.entry).substr(r.offset); },
-        [](const Data::SegmentRef& a, const Data::SegmentRef& b) {
-            return a.entry != b.entry ? a.entry < b.entry : a.offset < b.offset;
-        });
+    sortByKey(data->bySegment, [&](const Data::SegmentRef& r) { return data->name(r.entry).substr(r.offset); });
 
     // Initials of the letter segments.
     data->initialsAt.reserve(n + 1);
@@ -267,8 +249,7 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
     }
     data->initialsAt.push_back(static_cast<std::uint32_t>(data->initials.size()));
-    sortByText(
-        data->byInitials, [&](std::uint32_t e) { return data->initialsOf(e); }, std::less<>());
+    sortByKey(data->byInitials, [&](std::uint32_t e) { return data->initialsOf(e); });
 
     // Character classes per entry, for the in-order test.
     data->bitWords = (n + 63) / 64;

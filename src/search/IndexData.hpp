@@ -12,6 +12,7 @@
 
 #include <reference/search/SearchIndex.hpp>
 
+#include <compare>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -69,11 +70,11 @@ struct IndexData {
     std::u16string names; // folded
     std::vector<detail::Segment> segments;
 
-    std::vector<std::uint32_t> byName;     // entries by folded name, then number
-    std::vector<SegmentRef> bySegment;     // segments after the first, by folded text from there
+    std::vector<std::uint32_t> byName;     // entries by the sort key of the folded name, then number
+    std::vector<SegmentRef> bySegment;     // segments after the first, by the key of the text from there
     std::u16string initials;               // per entry, the first folded unit of each letter segment
     std::vector<std::uint32_t> initialsAt; // per entry + 1, offsets into initials
-    std::vector<std::uint32_t> byInitials; // entries with two letter segments or more, by initials
+    std::vector<std::uint32_t> byInitials; // entries with two letter segments or more, by key of initials
 
     std::size_t bitWords = 0;              // words per row of letterBits
     std::vector<std::uint64_t> letterBits; // kLetterClasses rows: which entries hold a character of the class
@@ -130,6 +131,25 @@ inline std::size_t letterClass(char16_t c) noexcept {
         return 41 + (static_cast<std::uint32_t>(c) * 2654435761u >> 16) % 23;
     }
 }
+
+// The first eight code units of a text as two numbers, padded with `fill`: the sorted tables are
+// in the order of these keys (then of entry), so that building them compares numbers only. Texts
+// with a prefix p lie between the keys of p padded with 0 and with 0xFFFF; a prefix longer than
+// eight units needs its rows checked.
+struct SortKey {
+    std::uint64_t high;
+    std::uint64_t low;
+    auto operator<=>(const SortKey&) const = default;
+};
+
+inline SortKey sortKey(std::u16string_view text, char16_t fill = 0) noexcept {
+    std::uint64_t words[2] = {0, 0};
+    for (std::size_t i = 0; i < 8; ++i) {
+        words[i / 4] = (words[i / 4] << 16) | (i < text.size() ? text[i] : fill);
+    }
+    return SortKey{words[0], words[1]};
+}
+inline constexpr std::size_t kSortKeyUnits = 8;
 
 inline std::uint32_t bigramKey(char16_t a, char16_t b) noexcept {
     return a < b ? (static_cast<std::uint32_t>(a) << 16) | b : (static_cast<std::uint32_t>(b) << 16) | a;

@@ -115,13 +115,17 @@ struct Range {
     std::size_t size() const noexcept { return end - begin; }
 };
 
-// The rows of a table sorted by text whose text starts with `prefix`.
+// The rows of a table sorted by sort key whose text starts with `prefix`: exactly those when it
+// has at most eight units, else a superset (the rows that share its first eight).
 template <class Table, class TextOf>
 Range prefixRange(const Table& table, std::u16string_view prefix, TextOf textOf) {
-    const auto first = std::lower_bound(table.begin(), table.end(), prefix,
-                                        [&](const auto& row, std::u16string_view p) { return textOf(row) < p; });
-    const auto last = std::upper_bound(first, table.end(), prefix, [&](std::u16string_view p, const auto& row) {
-        return p < textOf(row).substr(0, p.size());
+    const detail::SortKey low = detail::sortKey(prefix, 0);
+    const detail::SortKey high = detail::sortKey(prefix, 0xFFFF);
+    const auto first =
+        std::lower_bound(table.begin(), table.end(), low,
+                         [&](const auto& row, const detail::SortKey& k) { return detail::sortKey(textOf(row)) < k; });
+    const auto last = std::upper_bound(first, table.end(), high, [&](const detail::SortKey& k, const auto& row) {
+        return k < detail::sortKey(textOf(row));
     });
     return Range{static_cast<std::size_t>(first - table.begin()), static_cast<std::size_t>(last - table.begin())};
 }
@@ -274,16 +278,19 @@ private:
         Collector best = collector();
         const Range range = nameRange(text_);
         const int score = band(kind) + kWholeGrade;
+        const bool check = text_.size() > detail::kSortKeyUnits;
         for (std::size_t i = range.begin; i < range.end; ++i) {
             const std::uint32_t e = d_.byName[i];
             const bool whole = d_.entries[e].nameLength == text_.size();
             if (whole != (kind == MatchKind::Exact)) {
-                if (kind == MatchKind::Exact) {
-                    break; // the whole names come first in the range
+                if (kind == MatchKind::Exact && text_.size() < detail::kSortKeyUnits) {
+                    break; // a short whole name has the smallest key of the range: they come first
                 }
                 continue;
             }
-            offer(best, score, e);
+            if (!check || d_.name(e).starts_with(text_)) {
+                offer(best, score, e);
+            }
         }
         return keep(best, kind);
     }
@@ -295,9 +302,12 @@ private:
     bool segmentPrefixes() {
         Collector best = collector();
         const Range range = segmentRange(text_);
+        const bool check = text_.size() > detail::kSortKeyUnits;
         for (std::size_t i = range.begin; i < range.end; ++i) {
             const auto& ref = d_.bySegment[i];
-            offer(best, band(MatchKind::SegmentPrefix) + segmentGrade(ref.index), ref.entry, ref.offset);
+            if (!check || d_.name(ref.entry).substr(ref.offset).starts_with(text_)) {
+                offer(best, band(MatchKind::SegmentPrefix) + segmentGrade(ref.index), ref.entry, ref.offset);
+            }
         }
         return keep(best, MatchKind::SegmentPrefix);
     }
