@@ -50,10 +50,20 @@ void appendFolded(std::u16string_view text, std::u16string& out) {
     out.reserve(out.size() + text.size());
     std::size_t i = 0;
     while (i < text.size()) {
-        const char16_t unit = text[i];
-        if (unit < 0x80) {
-            out.push_back(unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit);
-            ++i;
+        if (text[i] < 0x80) {
+            // A run of ASCII in one step.
+            std::size_t end = i + 1;
+            while (end < text.size() && text[end] < 0x80) {
+                ++end;
+            }
+            const std::size_t at = out.size();
+            out.append(text.substr(i, end - i));
+            for (std::size_t k = at; k < out.size(); ++k) {
+                if (out[k] >= u'A' && out[k] <= u'Z') {
+                    out[k] = static_cast<char16_t>(out[k] + 0x20);
+                }
+            }
+            i = end;
             continue;
         }
         const std::size_t start = i;
@@ -128,11 +138,18 @@ void splitWords(std::u16string_view foldedText, std::vector<Word>& out) {
     Word word{};
     while (i < foldedText.size()) {
         const std::size_t at = i;
-        const char32_t c = codePointAt(foldedText, i);
-        const bool wordCharacter = isWordCharacter(c);
-        // Marks continue the word they follow, whatever its kind.
-        const bool mark = c >= 0x80 && (U_GET_GC_MASK(static_cast<UChar32>(c)) & U_GC_M_MASK) != 0;
-        const bool unspaced = wordCharacter && !mark ? isUnspacedLetter(c) : word.unspaced;
+        bool wordCharacter = false;
+        bool unspaced = false;
+        if (foldedText[i] < 0x80) {
+            const char16_t u = foldedText[i++];
+            wordCharacter = (u >= u'a' && u <= u'z') || (u >= u'0' && u <= u'9') || (u >= u'A' && u <= u'Z');
+        } else {
+            const char32_t c = codePointAt(foldedText, i);
+            wordCharacter = isWordCharacter(c);
+            // Marks continue the word they follow, whatever its kind.
+            const bool mark = (U_GET_GC_MASK(static_cast<UChar32>(c)) & U_GC_M_MASK) != 0;
+            unspaced = wordCharacter && !mark ? isUnspacedLetter(c) : word.unspaced;
+        }
         if (inWord && (!wordCharacter || unspaced != word.unspaced)) {
             word.length = static_cast<std::uint32_t>(at - word.begin);
             out.push_back(word);

@@ -35,31 +35,80 @@ void sortByKey(std::vector<T>& items, TextOf textOf) {
     items = std::move(sorted);
 }
 
-struct TextHash {
-    using is_transparent = void;
-    std::size_t operator()(std::u16string_view text) const noexcept { return std::hash<std::u16string_view>{}(text); }
-};
-using WordIds = std::unordered_map<std::u16string, std::uint32_t, TextHash, std::equal_to<>>;
+// Word numbers by text, numbered in order of first sight: open addressing over one buffer of
+// the words' texts (a map of strings would allocate per word and cost most of the build).
+class WordTable {
+public:
+    WordTable() : slots_(1u << 12, Slot{0, kEmpty}) {}
 
-std::uint32_t wordId(WordIds& ids, std::u16string_view word) {
-    const auto found = ids.find(word);
-    if (found != ids.end()) {
-        return found->second;
+    std::uint32_t idOf(std::u16string_view word) {
+        if ((count() + 1) * 2 > slots_.size()) {
+            grow();
+        }
+        const std::uint64_t hash = hashOf(word);
+        const std::size_t mask = slots_.size() - 1;
+        for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+            Slot& slot = slots_[i];
+            if (slot.id == kEmpty) {
+                slot = Slot{static_cast<std::uint32_t>(hash >> 32), static_cast<std::uint32_t>(count())};
+                buffer_.append(word);
+                at_.push_back(static_cast<std::uint32_t>(buffer_.size()));
+                return slot.id;
+            }
+            if (slot.hash == static_cast<std::uint32_t>(hash >> 32) && text(slot.id) == word) {
+                return slot.id;
+            }
+        }
     }
-    const auto id = static_cast<std::uint32_t>(ids.size());
-    ids.emplace(std::u16string(word), id);
-    return id;
-}
+    std::size_t count() const noexcept { return at_.size() - 1; }
+    std::u16string_view text(std::uint32_t id) const noexcept {
+        return std::u16string_view(buffer_).substr(at_[id], at_[id + 1] - at_[id]);
+    }
+
+private:
+    struct Slot {
+        std::uint32_t hash;
+        std::uint32_t id;
+    };
+    static constexpr std::uint32_t kEmpty = UINT32_MAX;
+
+    static std::uint64_t hashOf(std::u16string_view word) noexcept {
+        std::uint64_t hash = 14695981039346656037ull; // FNV-1a, then mixed so that the low bits spread
+        for (const char16_t unit : word) {
+            hash = (hash ^ unit) * 1099511628211ull;
+        }
+        hash ^= hash >> 29;
+        hash *= 0xBF58476D1CE4E5B9ull;
+        return hash ^ (hash >> 32);
+    }
+    void grow() {
+        std::vector<Slot> bigger(slots_.size() * 2, Slot{0, kEmpty});
+        const std::size_t mask = bigger.size() - 1;
+        for (std::uint32_t id = 0; id < count(); ++id) {
+            const std::uint64_t hash = hashOf(text(id));
+            std::size_t i = hash & mask;
+            while (bigger[i].id != kEmpty) {
+                i = (i + 1) & mask;
+            }
+            bigger[i] = Slot{static_cast<std::uint32_t>(hash >> 32), id};
+        }
+        slots_ = std::move(bigger);
+    }
+
+    std::vector<Slot> slots_;
+    std::u16string buffer_;
+    std::vector<std::uint32_t> at_{0};
+};
 
 // The words of one folded text, as word ids shifted left by one with `fromPage` in bit 0.
-void addWords(std::u16string_view text, std::uint32_t fromPage, WordIds& ids, std::vector<detail::Word>& split,
+void addWords(std::u16string_view text, std::uint32_t fromPage, WordTable& ids, std::vector<detail::Word>& split,
               std::vector<std::uint32_t>& out) {
     split.clear();
     detail::splitWords(text, split);
     for (const auto& word : split) {
         const std::u16string_view piece = text.substr(word.begin, word.length);
         if (!word.unspaced) {
-            out.push_back(wordId(ids, piece) << 1 | fromPage);
+            out.push_back(ids.idOf(piece) << 1 | fromPage);
             continue;
         }
         // Unspaced text: every pair of neighbours, and the last character alone, so that a query
@@ -71,7 +120,7 @@ void addWords(std::u16string_view text, std::uint32_t fromPage, WordIds& ids, st
             if (i + first < piece.size()) {
                 second = (i + first + 1 < piece.size() && (piece[i + first] & 0xFC00) == 0xD800) ? 2 : 1;
             }
-            out.push_back(wordId(ids, piece.substr(i, first + second)) << 1 | fromPage);
+            out.push_back(ids.idOf(piece.substr(i, first + second)) << 1 | fromPage);
             i += first;
         }
     }
@@ -180,33 +229,53 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
     }
     const std::u16string_view names = data->names;
-    // Length, installed and product rank packed in one number; the names compared only on a tie.
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(raw.size());
+    // Length, installed and product rank packed in one number, the first units of the name in a
+    // second (up to its first digit, which stands for all digits: runs compare by value), so that
+    // the names are compared only on a tie.
+    struct TieKey {
+        std::uint64_t high;
+        std::uint64_t low;
+        std::uint32_t index;
+    };
+    std::vector<TieKey> order(raw.size());
     for (std::uint32_t i = 0; i < raw.size(); ++i) {
         const Raw& r = raw[i];
         const std::uint64_t uninstalled = data->products[r.product].installed ? 0 : 1;
-        order[i] = {std::uint64_t{r.nameLength} << 48 | uninstalled << 47 | productRank[r.product], i};
-    }
-    std::sort(order.begin(), order.end(), [&](const auto& x, const auto& y) {
-        if (x.first != y.first) {
-            return x.first < y.first;
+        std::uint64_t low = 0;
+        bool digit = false;
+        for (std::size_t u = 0; u < 4; ++u) {
+            char16_t unit = 0;
+            if (!digit && u < r.nameLength) {
+                unit = names[r.nameOffset + u];
+                if (unit >= u'0' && unit <= u'9') {
+                    unit = u'0';
+                    digit = true;
+                }
+            }
+            low = low << 16 | unit;
         }
-        const Raw& a = raw[x.second];
-        const Raw& b = raw[y.second];
+        order[i] = TieKey{std::uint64_t{r.nameLength} << 48 | uninstalled << 47 | productRank[r.product], low, i};
+    }
+    std::sort(order.begin(), order.end(), [&](const TieKey& x, const TieKey& y) {
+        if (x.high != y.high || x.low != y.low) {
+            return x.high != y.high ? x.high < y.high : x.low < y.low;
+        }
+        const Raw& a = raw[x.index];
+        const Raw& b = raw[y.index];
         const int natural =
             compareNatural(names.substr(a.nameOffset, a.nameLength), names.substr(b.nameOffset, b.nameLength));
         if (natural != 0) {
             return natural < 0;
         }
         const int exact = a.item->getName().compare(b.item->getName());
-        return exact != 0 ? exact < 0 : x.second < y.second;
+        return exact != 0 ? exact < 0 : x.index < y.index;
     });
 
     const std::size_t n = raw.size();
     data->entries.reserve(n);
     data->segments.reserve(rawSegments.size());
     for (const auto& ranked : order) {
-        const Raw& r = raw[ranked.second];
+        const Raw& r = raw[ranked.index];
         std::uint8_t flags = data->products[r.product].installed ? Data::kInstalled : 0;
         if (r.deprecated) {
             flags |= Data::kDeprecated;
@@ -350,7 +419,7 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     // Purpose words: per entry its word ids (deduplicated, its own purpose before its page's),
     // then the lists, then the words sorted with their lists in the same order.
     {
-        WordIds ids;
+        WordTable ids;
         std::vector<std::uint32_t> entryWords;
         std::vector<std::uint32_t> entryWordsAt(n + 1);
         std::vector<detail::Word> split;
@@ -379,25 +448,21 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
         entryWordsAt[n] = static_cast<std::uint32_t>(entryWords.size());
 
-        std::vector<const std::u16string*> texts(ids.size());
-        for (const auto& [word, id] : ids) {
-            texts[id] = &word;
-        }
-        std::vector<std::uint32_t> sortedIds(ids.size());
+        std::vector<std::uint32_t> sortedIds(ids.count());
         std::iota(sortedIds.begin(), sortedIds.end(), 0u);
         std::sort(sortedIds.begin(), sortedIds.end(),
-                  [&](std::uint32_t a, std::uint32_t b) { return *texts[a] < *texts[b]; });
-        std::vector<std::uint32_t> counts(ids.size(), 0);
+                  [&](std::uint32_t a, std::uint32_t b) { return ids.text(a) < ids.text(b); });
+        std::vector<std::uint32_t> counts(ids.count(), 0);
         for (const std::uint32_t w : entryWords) {
             ++counts[w >> 1];
         }
-        std::vector<std::uint32_t> next(ids.size());
-        data->wordAt.reserve(ids.size() + 1);
-        data->postingAt.reserve(ids.size() + 1);
+        std::vector<std::uint32_t> next(ids.count());
+        data->wordAt.reserve(ids.count() + 1);
+        data->postingAt.reserve(ids.count() + 1);
         std::uint32_t total = 0;
         for (const std::uint32_t id : sortedIds) {
             data->wordAt.push_back(static_cast<std::uint32_t>(data->words.size()));
-            data->words.append(*texts[id]);
+            data->words.append(ids.text(id));
             data->postingAt.push_back(total);
             next[id] = total;
             total += counts[id];
