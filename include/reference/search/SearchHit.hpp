@@ -17,8 +17,8 @@ enum class MatchKind : std::uint8_t {
     Exact = 0,         ///< the whole name, ignoring case
     Prefix = 1,        ///< the name starts with the query
     SegmentPrefix = 2, ///< a later segment of the name starts with the query ("figure" in getCurrentFigure)
-    Initials = 3,      ///< the query is made of prefixes of the name's segments in order ("gcf", "rcsv")
-    InOrder = 4,       ///< the query's characters appear in the name in order, with gaps
+    Initials = 3,      ///< initials of the first segments, the last one going on ("gcf", "rcsv" for read_csv)
+    InOrder = 4,       ///< the query's characters in order, the first starting the name or a segment
     Typo = 5,          ///< the name, or its start, is within a few edits of the query
     Words = 6,         ///< a query of several words, each found in the name or the purpose
     Purpose = 7,       ///< the query is found in the purpose text (or the reference page's text)
