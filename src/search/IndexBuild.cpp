@@ -192,20 +192,6 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     };
     std::vector<Raw> raw;
     std::vector<Segment> rawSegments; // made while each name is at hand, copied in entry order below
-    {
-        std::size_t count = 0;
-        for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
-            for (const auto& [key, resource] : *map) {
-                for (const auto& [name, list] : resource.getItems()) {
-                    count += list.size();
-                }
-            }
-        }
-        if (count >= Data::kMaxEntries) {
-            throw std::length_error("SearchIndex: too many entries");
-        }
-        raw.reserve(count);
-    }
     std::uint32_t product = 0;
     for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
         for (const auto& [key, resource] : *map) {
@@ -226,6 +212,9 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
             }
             ++product;
         }
+    }
+    if (raw.size() >= Data::kMaxEntries) {
+        throw std::length_error("SearchIndex: too many entries");
     }
     const std::u16string_view names = data->names;
     // Length, installed and product rank packed in one number, the first units of the name in a
