@@ -1,9 +1,14 @@
+#include "search/CodeText.hpp"
+#include "search/NameMatch.hpp"
+
 #include <reference/docparser/TextConversion.hpp>
 #include <reference/search/SearchIndex.hpp>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -172,6 +177,105 @@ TEST(SearchIndex, OrderOfWholeLists) {
             previous = hit.score;
         }
         EXPECT_EQ(names, c.names) << c.query;
+    }
+}
+
+// The index finds through its tables exactly what scoring every name finds: a generated catalogue,
+// queries made from its names (prefixes, segments, initials, dropped letters, typos), every hit.
+TEST(SearchIndex, TablesMissNoMatch) {
+    namespace d = reference::search::detail;
+    const char* words[] = {"get",   "set",    "read",  "write", "plot",   "line", "signal", "filter", "data", "frame",
+                           "value", "system", "array", "index", "figure", "axes", "handle", "table",  "csv",  "fft"};
+    std::mt19937 random(7);
+    const auto word = [&] { return std::string(words[random() % std::size(words)]); };
+    const auto capital = [](std::string w) {
+        w[0] = static_cast<char>(w[0] - 'a' + 'A');
+        return w;
+    };
+    Product product{"gen", true, {}};
+    std::map<std::string, bool> seen;
+    while (product.items.size() < 1500) {
+        std::string name;
+        switch (random() % 4) {
+        case 0:
+            name = word() + capital(word()) + (random() % 2 ? capital(word()) : "");
+            break;
+        case 1:
+            name = word() + "_" + word();
+            break;
+        case 2:
+            name = capital(word()) + "." + word() + capital(word());
+            break;
+        default:
+            name = word() + std::to_string(random() % 300) + word();
+            break;
+        }
+        if (!seen[name]) {
+            seen[name] = true;
+            product.items.push_back({name, ""});
+        }
+    }
+    const SearchIndex generated(lookups({product}));
+
+    std::vector<std::string> queries;
+    for (int i = 0; i < 150; ++i) {
+        std::string name = product.items[random() % product.items.size()].name;
+        std::transform(name.begin(), name.end(), name.begin(),
+                       [](char c) { return static_cast<char>(std::tolower(c)); });
+        std::string query = name.substr(0, 2 + random() % std::max<std::size_t>(1, name.size() - 1));
+        if (i % 3 == 1 && query.size() >= 4) {
+            const std::size_t at = 1 + random() % (query.size() - 2);
+            std::swap(query[at], query[at + 1]); // a transposition
+        } else if (i % 3 == 2 && query.size() >= 5) {
+            query.erase(1 + random() % (query.size() - 2), 1); // a dropped letter
+            query[random() % query.size()] = "aeiotx"[random() % 6];
+        }
+        queries.push_back(query);
+    }
+    queries.insert(queries.end(), {"gfh", "rcsv", "sdv", "fltr", "sytem", "figrue", "pltl", "gvalue", "handl"});
+
+    std::vector<int> scratch;
+    std::vector<MatchRange> pieces;
+    for (const auto& text : queries) {
+        const std::u16string query = d::folded(utf8ToUtf16(text));
+        std::vector<std::pair<std::string, int>> expected;
+        for (const auto& item : product.items) {
+            const std::u16string original = utf8ToUtf16(item.name);
+            const std::u16string name = d::folded(original);
+            std::vector<d::Segment> segments;
+            d::appendSegments(original, segments);
+            int score = -1;
+            if (name == query) {
+                score = 7900;
+            } else if (name.starts_with(query)) {
+                score = 6900;
+            } else {
+                for (std::size_t s = 1; s < segments.size() && score < 0; ++s) {
+                    if (std::u16string_view(name).substr(segments[s].start).starts_with(query)) {
+                        score = 5900 - 20 * static_cast<int>(std::min<std::size_t>(s - 1, 20));
+                    }
+                }
+            }
+            if (score < 0) {
+                if (const auto grade = d::matchInitials(query, name, segments, pieces)) {
+                    score = 4000 + *grade;
+                } else if (const auto inOrder = d::matchInOrder(query, name, segments, scratch, nullptr)) {
+                    score = 3000 + *inOrder;
+                } else if (const auto typo = d::matchTypo(query, name, d::allowedTypos(query.size()), scratch)) {
+                    score = 2000 + d::typoGrade(*typo);
+                }
+            }
+            if (score >= 0) {
+                expected.emplace_back(item.name, score);
+            }
+        }
+        std::vector<std::pair<std::string, int>> found;
+        for (const auto& hit : generated.search(query, 0)) {
+            found.emplace_back(nameOf(hit), hit.score);
+        }
+        std::sort(expected.begin(), expected.end());
+        std::sort(found.begin(), found.end());
+        EXPECT_EQ(found, expected) << text;
     }
 }
 
