@@ -264,7 +264,10 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     data->segments.reserve(rawSegments.size());
     for (const auto& ranked : order) {
         const Raw& r = raw[ranked.index];
-        std::uint8_t flags = data->products[r.product].installed ? Data::kInstalled : 0;
+        std::uint8_t flags = Data::typeCode(r.item->getEntityType());
+        if (data->products[r.product].installed) {
+            flags |= Data::kInstalled;
+        }
         if (r.deprecated) {
             flags |= Data::kDeprecated;
         }

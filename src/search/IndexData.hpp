@@ -44,6 +44,12 @@ struct IndexData {
     };
     static constexpr std::uint8_t kInstalled = 1;
     static constexpr std::uint8_t kDeprecated = 2;
+    // The entity type goes in the upper six bits of the flags, as its number + 1; 0 for a number
+    // outside 0..62, which no filter names.
+    static constexpr unsigned kTypeShift = 2;
+    static std::uint8_t typeCode(std::int64_t type) noexcept {
+        return type >= 0 && type < 63 ? static_cast<std::uint8_t>((type + 1) << kTypeShift) : 0;
+    }
 
     // A later segment of a name, found by the folded text from its start on.
     struct SegmentRef {

@@ -162,8 +162,8 @@ public:
         if (!query.entityTypes.empty()) {
             typeMask_ = 0;
             for (const auto type : query.entityTypes) {
-                if (type >= 0 && type < 64) {
-                    typeMask_ |= std::uint64_t{1} << type;
+                if (const std::uint8_t code = IndexData::typeCode(type); code != 0) {
+                    typeMask_ |= std::uint64_t{1} << (code >> IndexData::kTypeShift);
                 }
             }
         }
@@ -241,8 +241,7 @@ private:
         if (!productAllowed_.empty() && !productAllowed_[e.product]) {
             return false;
         }
-        const auto type = static_cast<std::int64_t>(e.item->getEntityType());
-        return type >= 0 && type < 64 && ((typeMask_ >> type) & 1) != 0;
+        return typeMask_ == kAnyType || ((typeMask_ >> (e.flags >> IndexData::kTypeShift)) & 1) != 0;
     }
 
     bool seen(std::uint32_t entry) const noexcept { return std::binary_search(seen_.begin(), seen_.end(), entry); }
@@ -724,7 +723,8 @@ private:
     std::u16string text_;
     std::vector<QueryWord> words_;
     std::vector<char> productAllowed_;
-    std::uint64_t typeMask_ = ~std::uint64_t{0};
+    static constexpr std::uint64_t kAnyType = ~std::uint64_t{0};
+    std::uint64_t typeMask_ = kAnyType; // bit n: type code n (see IndexData::typeCode)
 
     std::vector<Found> found_;
     std::vector<MatchKind> kinds_;
