@@ -262,6 +262,9 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     const std::size_t n = raw.size();
     data->entries.reserve(n);
     data->segments.reserve(rawSegments.size());
+    // The folded names again, in entry order: queries visit candidates in that order.
+    std::u16string ordered;
+    ordered.reserve(data->names.size());
     for (const auto& ranked : order) {
         const Raw& r = raw[ranked.index];
         std::uint8_t flags = Data::typeCode(r.item->getEntityType());
@@ -271,11 +274,14 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         if (r.deprecated) {
             flags |= Data::kDeprecated;
         }
-        data->entries.push_back(Data::Entry{r.item, r.nameOffset, static_cast<std::uint32_t>(data->segments.size()),
-                                            r.product, r.nameLength, r.segmentCount, flags});
+        data->entries.push_back(Data::Entry{r.item, static_cast<std::uint32_t>(ordered.size()),
+                                            static_cast<std::uint32_t>(data->segments.size()), r.product, r.nameLength,
+                                            r.segmentCount, flags});
+        ordered.append(names.substr(r.nameOffset, r.nameLength));
         const auto first = rawSegments.begin() + r.segmentOffset;
         data->segments.insert(data->segments.end(), first, first + r.segmentCount);
     }
+    data->names = std::move(ordered);
     raw = {};
     rawSegments = {};
     order = {};
