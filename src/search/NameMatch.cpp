@@ -75,7 +75,9 @@ std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view n
     }
 
     // Bonus per name position: the start of the name, the start of a segment.
-    scratch.assign(n + m * n, kImpossible);
+    // Every row is kept only when the path is wanted; a grade needs the last two.
+    const bool keepRows = ranges != nullptr;
+    scratch.assign(n + (keepRows ? m : 2) * n, kImpossible);
     int* bonus = scratch.data();
     for (std::size_t j = 0; j < n; ++j) {
         bonus[j] = 0;
@@ -88,15 +90,19 @@ std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view n
     bonus[0] = 10;
     constexpr int kMatch = 4;
     constexpr int kConsecutive = 6;
-    int* best = scratch.data() + n; // best[i * n + j]: q[0..i] matched, q[i] at name[j]
+    int* best = scratch.data() + n; // rowOf(i)[j]: q[0..i] matched, q[i] at name[j]
+    const auto rowOf = [&](std::size_t i) { return best + (keepRows ? i : i % 2) * n; };
     for (std::size_t j = 0; j < n; ++j) {
         if (name[j] == query[0] && bonus[j] > 0) {
             best[j] = kMatch + bonus[j] - std::min<int>(static_cast<int>(j), 20);
         }
     }
     for (std::size_t i = 1; i < m; ++i) {
-        const int* previous = best + (i - 1) * n;
-        int* row = best + i * n;
+        const int* previous = rowOf(i - 1);
+        int* row = rowOf(i);
+        if (!keepRows) {
+            std::fill(row, row + n, kImpossible);
+        }
         int reach = kImpossible; // max over j' <= j - 2 of previous[j'] + j' + 1
         for (std::size_t j = 1; j < n; ++j) {
             if (j >= 2 && previous[j - 2] > kImpossible) {
@@ -117,7 +123,7 @@ std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view n
             }
         }
     }
-    const int* last = best + (m - 1) * n;
+    const int* last = rowOf(m - 1);
     std::size_t end = 0;
     for (std::size_t j = 1; j < n; ++j) {
         if (last[j] > last[end]) {
