@@ -181,7 +181,8 @@ TEST(SearchIndex, OrderOfWholeLists) {
 }
 
 // The index finds through its tables exactly what scoring every name finds: a generated catalogue,
-// queries made from its names (prefixes, segments, initials, dropped letters, typos), every hit.
+// queries made from its names (prefixes, segments, initials, dropped letters, typos), every hit;
+// and a limited query gives the head of the full list.
 TEST(SearchIndex, TablesMissNoMatch) {
     namespace d = reference::search::detail;
     const char* words[] = {"get",   "set",    "read",  "write", "plot",   "line", "signal", "filter", "data", "frame",
@@ -269,9 +270,18 @@ TEST(SearchIndex, TablesMissNoMatch) {
                 expected.emplace_back(item.name, score);
             }
         }
+        const auto all = generated.search(query, 0);
         std::vector<std::pair<std::string, int>> found;
-        for (const auto& hit : generated.search(query, 0)) {
+        for (const auto& hit : all) {
             found.emplace_back(nameOf(hit), hit.score);
+        }
+        // A limit gives the head of the whole list, however the kinds fill it.
+        for (const std::size_t limit : {1u, 3u, 40u}) {
+            const auto head = generated.search(query, limit);
+            ASSERT_EQ(head.size(), std::min(limit, all.size())) << text;
+            for (std::size_t i = 0; i < head.size(); ++i) {
+                EXPECT_EQ(head[i].item, all[i].item) << text << " limit " << limit << " hit " << i;
+            }
         }
         std::sort(expected.begin(), expected.end());
         std::sort(found.begin(), found.end());
