@@ -188,7 +188,7 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         std::uint32_t segmentOffset; // into rawSegments
         std::uint16_t nameLength;
         std::uint8_t segmentCount;
-        bool deprecated;
+        std::uint8_t flags; // type and deprecation, read while the entry is at hand
     };
     std::vector<Raw> raw;
     std::vector<Segment> rawSegments; // made while each name is at hand, copied in entry order below
@@ -207,7 +207,9 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
                     rawSegments.resize(segmentOffset + segmentCount);
                     raw.push_back(Raw{&item, product, offset, segmentOffset,
                                       static_cast<std::uint16_t>(itemName.size()),
-                                      static_cast<std::uint8_t>(segmentCount), item.isDeprecated()});
+                                      static_cast<std::uint8_t>(segmentCount),
+                                      static_cast<std::uint8_t>(Data::typeCode(item.getEntityType()) |
+                                                                (item.isDeprecated() ? Data::kDeprecated : 0))});
                 }
             }
             ++product;
@@ -267,12 +269,9 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     ordered.reserve(data->names.size());
     for (const auto& ranked : order) {
         const Raw& r = raw[ranked.index];
-        std::uint8_t flags = Data::typeCode(r.item->getEntityType());
+        std::uint8_t flags = r.flags;
         if (data->products[r.product].installed) {
             flags |= Data::kInstalled;
-        }
-        if (r.deprecated) {
-            flags |= Data::kDeprecated;
         }
         data->entries.push_back(Data::Entry{r.item, static_cast<std::uint32_t>(ordered.size()),
                                             static_cast<std::uint32_t>(data->segments.size()), r.product, r.nameLength,
