@@ -281,6 +281,13 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         data->segments.insert(data->segments.end(), first, first + r.segmentCount);
     }
     data->names = std::move(ordered);
+    // Entries in file order, where their texts lie one after the other in memory.
+    std::vector<std::uint32_t> entryOfFile(n);
+    std::vector<const property::RefItemLookup*> itemOfFile(n);
+    for (std::uint32_t e = 0; e < n; ++e) {
+        entryOfFile[order[e].index] = e;
+        itemOfFile[order[e].index] = data->entries[e].item;
+    }
     raw = {};
     rawSegments = {};
     order = {};
@@ -413,19 +420,22 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     }
 
     // Purpose words: per entry its word ids (deduplicated, its own purpose before its page's),
-    // then the lists, then the words sorted with their lists in the same order.
+    // read in file order; then the lists, then the words sorted with their lists in the same order.
     {
         WordTable ids;
         std::vector<std::uint32_t> entryWords;
-        std::vector<std::uint32_t> entryWordsAt(n + 1);
+        // By entry, where its words start and end in entryWords (which is filled in file order).
+        std::vector<std::uint32_t> entryWordsAt(n);
+        std::vector<std::uint32_t> entryWordsEnd(n);
         std::vector<detail::Word> split;
         std::u16string text;
         std::vector<std::uint32_t> mine;
-        for (std::uint32_t e = 0; e < n; ++e) {
+        for (std::uint32_t f = 0; f < n; ++f) {
+            const std::uint32_t e = entryOfFile[f];
             entryWordsAt[e] = static_cast<std::uint32_t>(entryWords.size());
             mine.clear();
             text.clear();
-            appendFolded(data->entries[e].item->getPurpose(), text);
+            appendFolded(itemOfFile[f]->getPurpose(), text);
             addWords(text, 0, ids, split, mine);
             if (!data->entryPages.empty() && data->entryPages[e] != nullptr) {
                 const auto* page = data->entryPages[e];
@@ -441,8 +451,8 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
                     entryWords.push_back(mine[i]);
                 }
             }
+            entryWordsEnd[e] = static_cast<std::uint32_t>(entryWords.size());
         }
-        entryWordsAt[n] = static_cast<std::uint32_t>(entryWords.size());
 
         std::vector<std::uint32_t> sortedIds(ids.count());
         std::iota(sortedIds.begin(), sortedIds.end(), 0u);
@@ -467,7 +477,7 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         data->postingAt.push_back(total);
         data->postings.resize(total);
         for (std::uint32_t e = 0; e < n; ++e) {
-            for (std::uint32_t i = entryWordsAt[e]; i < entryWordsAt[e + 1]; ++i) {
+            for (std::uint32_t i = entryWordsAt[e]; i < entryWordsEnd[e]; ++i) {
                 const std::uint32_t w = entryWords[i];
                 data->postings[next[w >> 1]++] = e << 1 | (w & 1);
             }
