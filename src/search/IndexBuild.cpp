@@ -192,6 +192,49 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     };
     std::vector<Raw> raw;
     std::vector<Segment> rawSegments; // made while each name is at hand, copied in entry order below
+
+    // Reference pages by product key, matched to entries by href while gathering.
+    using PageItems = docparser::DocResource<property::RefItem>::ItemMap;
+    std::vector<const PageItems*> productPages(data->products.size(), nullptr);
+    for (const auto& files : data->pages) {
+        for (const auto& [key, resource] : files) {
+            for (std::size_t p = 0; p < data->products.size(); ++p) {
+                if (productPages[p] == nullptr && *data->products[p].key == key) {
+                    productPages[p] = &resource.getItems();
+                }
+            }
+        }
+    }
+    std::vector<const property::RefItem*> pageOfFile; // when pages were given
+
+    // Purpose words, read while the entry is at hand (its purpose lies beside its name): per
+    // entry its word ids shifted left by one, deduplicated, its own purpose's before its page's.
+    WordTable ids;
+    std::vector<std::uint32_t> fileWords;
+    std::vector<std::uint32_t> fileWordsAt{0}; // per entry in file order + 1
+    std::vector<detail::Word> split;
+    std::u16string text;
+    std::vector<std::uint32_t> mine;
+    const auto addPurposeWords = [&](const property::RefItemLookup& item, const property::RefItem* page) {
+        mine.clear();
+        text.clear();
+        appendFolded(item.getPurpose(), text);
+        addWords(text, 0, ids, split, mine);
+        if (page != nullptr) {
+            for (const auto* pageText : {&page->getPurpose(), &page->getDescription()}) {
+                text.clear();
+                appendFolded(*pageText, text);
+                addWords(text, 1, ids, split, mine);
+            }
+        }
+        std::sort(mine.begin(), mine.end());
+        for (std::size_t i = 0; i < mine.size(); ++i) {
+            if (i == 0 || (mine[i] >> 1) != (mine[i - 1] >> 1)) {
+                fileWords.push_back(mine[i]);
+            }
+        }
+        fileWordsAt.push_back(static_cast<std::uint32_t>(fileWords.size()));
+    };
     std::uint32_t product = 0;
     for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
         for (const auto& [key, resource] : *map) {
@@ -210,6 +253,14 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
                                       static_cast<std::uint8_t>(segmentCount),
                                       static_cast<std::uint8_t>(Data::typeCode(item.getEntityType()) |
                                                                 (item.isDeprecated() ? Data::kDeprecated : 0))});
+                    const property::RefItem* page = nullptr;
+                    if (productPages[product] != nullptr) {
+                        page = pageFor(*productPages[product], item.getHref());
+                    }
+                    if (!data->pages.empty()) {
+                        pageOfFile.push_back(page);
+                    }
+                    addPurposeWords(item, page);
                 }
             }
             ++product;
@@ -281,13 +332,17 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         data->segments.insert(data->segments.end(), first, first + r.segmentCount);
     }
     data->names = std::move(ordered);
-    // Entries in file order, where their texts lie one after the other in memory.
-    std::vector<std::uint32_t> entryOfFile(n);
-    std::vector<const property::RefItemLookup*> itemOfFile(n);
+    std::vector<std::uint32_t> fileOfEntry(n);
     for (std::uint32_t e = 0; e < n; ++e) {
-        entryOfFile[order[e].index] = e;
-        itemOfFile[order[e].index] = data->entries[e].item;
+        fileOfEntry[e] = order[e].index;
     }
+    if (!data->pages.empty()) {
+        data->entryPages.resize(n);
+        for (std::uint32_t e = 0; e < n; ++e) {
+            data->entryPages[e] = pageOfFile[fileOfEntry[e]];
+        }
+    }
+    pageOfFile = {};
     raw = {};
     rawSegments = {};
     order = {};
@@ -397,69 +452,14 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
     }
 
-    // Reference pages by product key and href.
-    if (!data->pages.empty()) {
-        std::vector<const docparser::DocResource<property::RefItem>::ItemMap*> productPages(data->products.size(),
-                                                                                            nullptr);
-        for (const auto& files : data->pages) {
-            for (const auto& [key, resource] : files) {
-                for (std::size_t p = 0; p < data->products.size(); ++p) {
-                    if (productPages[p] == nullptr && *data->products[p].key == key) {
-                        productPages[p] = &resource.getItems();
-                    }
-                }
-            }
-        }
-        data->entryPages.assign(n, nullptr);
-        for (std::uint32_t e = 0; e < n; ++e) {
-            const auto* items = productPages[data->entries[e].product];
-            if (items != nullptr) {
-                data->entryPages[e] = pageFor(*items, data->entries[e].item->getHref());
-            }
-        }
-    }
-
-    // Purpose words: per entry its word ids (deduplicated, its own purpose before its page's),
-    // read in file order; then the lists, then the words sorted with their lists in the same order.
+    // The purpose words sorted, with their lists in the same order, each list by entry.
     {
-        WordTable ids;
-        std::vector<std::uint32_t> entryWords;
-        // By entry, where its words start and end in entryWords (which is filled in file order).
-        std::vector<std::uint32_t> entryWordsAt(n);
-        std::vector<std::uint32_t> entryWordsEnd(n);
-        std::vector<detail::Word> split;
-        std::u16string text;
-        std::vector<std::uint32_t> mine;
-        for (std::uint32_t f = 0; f < n; ++f) {
-            const std::uint32_t e = entryOfFile[f];
-            entryWordsAt[e] = static_cast<std::uint32_t>(entryWords.size());
-            mine.clear();
-            text.clear();
-            appendFolded(itemOfFile[f]->getPurpose(), text);
-            addWords(text, 0, ids, split, mine);
-            if (!data->entryPages.empty() && data->entryPages[e] != nullptr) {
-                const auto* page = data->entryPages[e];
-                for (const auto* pageText : {&page->getPurpose(), &page->getDescription()}) {
-                    text.clear();
-                    appendFolded(*pageText, text);
-                    addWords(text, 1, ids, split, mine);
-                }
-            }
-            std::sort(mine.begin(), mine.end());
-            for (std::size_t i = 0; i < mine.size(); ++i) {
-                if (i == 0 || (mine[i] >> 1) != (mine[i - 1] >> 1)) {
-                    entryWords.push_back(mine[i]);
-                }
-            }
-            entryWordsEnd[e] = static_cast<std::uint32_t>(entryWords.size());
-        }
-
         std::vector<std::uint32_t> sortedIds(ids.count());
         std::iota(sortedIds.begin(), sortedIds.end(), 0u);
         std::sort(sortedIds.begin(), sortedIds.end(),
                   [&](std::uint32_t a, std::uint32_t b) { return ids.text(a) < ids.text(b); });
         std::vector<std::uint32_t> counts(ids.count(), 0);
-        for (const std::uint32_t w : entryWords) {
+        for (const std::uint32_t w : fileWords) {
             ++counts[w >> 1];
         }
         std::vector<std::uint32_t> next(ids.count());
@@ -477,8 +477,9 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         data->postingAt.push_back(total);
         data->postings.resize(total);
         for (std::uint32_t e = 0; e < n; ++e) {
-            for (std::uint32_t i = entryWordsAt[e]; i < entryWordsEnd[e]; ++i) {
-                const std::uint32_t w = entryWords[i];
+            const std::uint32_t f = fileOfEntry[e];
+            for (std::uint32_t i = fileWordsAt[f]; i < fileWordsAt[f + 1]; ++i) {
+                const std::uint32_t w = fileWords[i];
                 data->postings[next[w >> 1]++] = e << 1 | (w & 1);
             }
         }
