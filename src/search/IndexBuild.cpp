@@ -396,20 +396,20 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
     }
 
-    // Name bigrams by position: a dense number per key in a first pass, then the lists filled
-    // position by position so that each is sorted by position, then entry.
+    // Name bigrams by position: a dense number per key and a count per key and position in a
+    // first pass; in a second, each posting goes straight to its place, the lists sorted by
+    // position, then entry.
     {
+        constexpr std::size_t kPositions = Data::kBigramPositions;
         std::array<std::uint32_t, 128 * 128> ascii;
         ascii.fill(UINT32_MAX);
         std::unordered_map<std::uint32_t, std::uint32_t> other;
         std::vector<std::uint32_t> keys;
-        std::vector<std::uint32_t> counts;
-        std::vector<std::uint32_t> dense;
-        std::vector<std::uint32_t> denseAt(n + 1);
+        std::vector<std::uint32_t> places; // per dense key and position: its count, then its next place
+        std::vector<std::uint32_t> dense;  // per entry and position, in entry order
         for (std::uint32_t e = 0; e < n; ++e) {
-            denseAt[e] = static_cast<std::uint32_t>(dense.size());
             const auto name = data->name(e);
-            const std::size_t end = std::min(name.size(), Data::kBigramPositions + 1);
+            const std::size_t end = std::min(name.size(), kPositions + 1);
             for (std::size_t p = 0; p + 1 < end; ++p) {
                 const std::uint32_t key = bigramKey(name[p], name[p + 1]);
                 std::uint32_t* slot = nullptr;
@@ -421,33 +421,34 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
                 if (*slot == UINT32_MAX) {
                     *slot = static_cast<std::uint32_t>(keys.size());
                     keys.push_back(key);
-                    counts.push_back(0);
+                    places.resize(places.size() + kPositions, 0);
                 }
-                ++counts[*slot];
+                ++places[*slot * kPositions + p];
                 dense.push_back(*slot);
             }
         }
-        denseAt[n] = static_cast<std::uint32_t>(dense.size());
         std::vector<std::uint32_t> rank(keys.size());
         std::iota(rank.begin(), rank.end(), 0u);
         std::sort(rank.begin(), rank.end(), [&](std::uint32_t a, std::uint32_t b) { return keys[a] < keys[b]; });
-        std::vector<std::uint32_t> next(keys.size());
         data->bigramKeys.reserve(keys.size());
         data->bigramAt.reserve(keys.size() + 1);
         std::uint32_t total = 0;
         for (const std::uint32_t d : rank) {
             data->bigramKeys.push_back(keys[d]);
             data->bigramAt.push_back(total);
-            next[d] = total;
-            total += counts[d];
+            for (std::size_t p = 0; p < kPositions; ++p) {
+                const std::uint32_t count = places[d * kPositions + p];
+                places[d * kPositions + p] = total;
+                total += count;
+            }
         }
         data->bigramAt.push_back(total);
         data->bigramPostings.resize(total);
-        for (std::uint32_t p = 0; p < Data::kBigramPositions; ++p) {
-            for (std::uint32_t e = 0; e < n; ++e) {
-                if (denseAt[e] + p < denseAt[e + 1]) {
-                    data->bigramPostings[next[dense[denseAt[e] + p]]++] = p << Data::kPositionShift | e;
-                }
+        std::size_t at = 0;
+        for (std::uint32_t e = 0; e < n; ++e) {
+            const std::size_t length = std::min<std::size_t>(data->entries[e].nameLength, kPositions + 1);
+            for (std::uint32_t p = 0; p + 1 < length; ++p) {
+                data->bigramPostings[places[dense[at++] * kPositions + p]++] = p << Data::kPositionShift | e;
             }
         }
     }
