@@ -8,17 +8,23 @@
 // library's loads free their result inside the timed and profiled span, as the harness's headline
 // figure does; without it the result is freed before the next load starts, outside the span.
 // --profile names the profile the corpus must have, so that a profile of the wrong corpus fails.
+// search-build builds a search index over lookup results loaded beforehand; search-queries runs
+// the harness's generated queries against an index built beforehand (one round per iteration).
 
 #include "Corpus.hpp"
 #include "Floor.hpp"
 #include "Host.hpp"
 #include "Peer.hpp"
+#include "SearchBench.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
+#include <reference/search/SearchIndex.hpp>
 
 #include <chrono>
 #include <exception>
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,8 +45,9 @@ int main(int argc, char** argv) {
         }
     }
     if (positional.size() < 3 || positional.size() > 4) {
-        std::cerr << "usage: refdoc_bench_profile <corpus> lookup|pages|lookup-floor|pages-floor|lookup-peer|"
-                     "pages-peer <language> [iterations] [--profile default|varied] [--free]\n";
+        std::cerr
+            << "usage: refdoc_bench_profile <corpus> lookup|pages|lookup-floor|pages-floor|lookup-peer|"
+               "pages-peer|search-build|search-queries <language> [iterations] [--profile default|varied] [--free]\n";
         return 2;
     }
     try {
@@ -58,6 +65,17 @@ int main(int argc, char** argv) {
         const std::u16string largest(manifest.largestProduct.begin(), manifest.largestProduct.end());
 
         DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> lookups;
+        using reference::search::SearchIndex;
+        std::shared_ptr<const SearchIndex::LookupResults> searched;
+        std::optional<SearchIndex> index;
+        std::vector<GeneratedQuery> queries;
+        if (what.starts_with("search-")) {
+            searched = std::make_shared<const SearchIndex::LookupResults>(DocResourceParser::getResourceLookupFiles());
+            if (what == "search-queries") {
+                index.emplace(searched);
+                queries = makeQueries(*searched, 200, 1);
+            }
+        }
         DocResourceParser::RefItemFileMap pages;
         std::size_t total = 0;
         double firstSeconds = 0.0;
@@ -72,6 +90,12 @@ int main(int argc, char** argv) {
             } else if (what == "pages") {
                 pages = DocResourceParser::getResourceFile(largest);
                 total += pages.size();
+            } else if (what == "search-build") {
+                total += SearchIndex(searched).size();
+            } else if (what == "search-queries") {
+                for (const auto& query : queries) {
+                    total += index->search(query.text).size();
+                }
             } else if (what == "lookup-floor") {
                 total += readAndParse(root, manifest.lookupReads.at(language)).values;
             } else if (what == "pages-floor") {
