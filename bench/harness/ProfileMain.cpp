@@ -21,12 +21,23 @@
 #include <reference/search/SearchIndex.hpp>
 
 #include <chrono>
+#include <ctime>
 #include <exception>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace {
+
+double threadSeconds() noexcept {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     using reference::docparser::DocResourceParser;
@@ -69,11 +80,13 @@ int main(int argc, char** argv) {
         std::shared_ptr<const SearchIndex::LookupResults> searched;
         std::optional<SearchIndex> index;
         std::vector<GeneratedQuery> queries;
+        std::vector<std::vector<double>> queryTimes; // per query, thread CPU seconds of each round
         if (what.starts_with("search-")) {
             searched = std::make_shared<const SearchIndex::LookupResults>(DocResourceParser::getResourceLookupFiles());
             if (what == "search-queries") {
                 index.emplace(searched);
                 queries = makeQueries(*searched, 200, 1);
+                queryTimes.resize(queries.size());
             }
         }
         DocResourceParser::RefItemFileMap pages;
@@ -93,8 +106,10 @@ int main(int argc, char** argv) {
             } else if (what == "search-build") {
                 total += SearchIndex(searched).size();
             } else if (what == "search-queries") {
-                for (const auto& query : queries) {
-                    total += index->search(query.text).size();
+                for (std::size_t q = 0; q < queries.size(); ++q) {
+                    const double before = threadSeconds();
+                    total += index->search(queries[q].text).size();
+                    queryTimes[q].push_back(threadSeconds() - before);
                 }
             } else if (what == "lookup-floor") {
                 total += readAndParse(root, manifest.lookupReads.at(language)).values;
@@ -122,6 +137,15 @@ int main(int argc, char** argv) {
                   << " results, first " << firstSeconds * 1e3 << " ms, mean " << allSeconds * 1e3 / iterations
                   << " ms, later ones " << (iterations > 1 ? (allSeconds - firstSeconds) * 1e3 / (iterations - 1) : 0.0)
                   << " ms\n";
+        if (!queries.empty()) {
+            std::vector<double> medians;
+            for (const auto& times : queryTimes) {
+                medians.push_back(percentile(times, 0.5));
+            }
+            std::cout << queries.size() << " queries, thread CPU time per query: median "
+                      << percentile(medians, 0.5) * 1e3 << " ms, p99 " << percentile(medians, 0.99) * 1e3
+                      << " ms, slowest " << percentile(medians, 1.0) * 1e3 << " ms\n";
+        }
         return 0;
     } catch (const std::exception& error) {
         std::cerr << "refdoc_bench_profile: " << error.what() << "\n";

@@ -71,6 +71,8 @@ public:
     bool wants(int score, std::uint32_t entry) const noexcept {
         return !full_ || better(Found{score, entry, 0}, worst_);
     }
+    // Whether only matches better than the worst kept one are taken now.
+    bool full() const noexcept { return full_; }
     void add(const Found& found) {
         items_.push_back(found);
         if (capacity_ != kUnlimited && items_.size() >= 2 * capacity_ + 64) {
@@ -341,6 +343,7 @@ private:
             }
             const std::uint64_t* starts = d_.startBits.data() + detail::letterClass(text_[0]) * d_.bitWords;
             const int top = band(MatchKind::InOrder) + 999;
+            const detail::QueryPositions positions(text_);
             for (std::size_t w = 0; w < d_.bitWords; ++w) {
                 std::uint64_t bits = starts[w];
                 for (std::uint64_t rest = classes; rest != 0 && bits != 0; rest &= rest - 1) {
@@ -351,6 +354,14 @@ private:
                         static_cast<std::uint32_t>(w * 64 + static_cast<std::size_t>(std::countr_zero(bits)));
                     if (d_.entries[e].nameLength < text_.size() || !best.wants(top, e)) {
                         continue;
+                    }
+                    // Once the best are known, a name whose highest possible grade cannot beat
+                    // them is passed over without grading it.
+                    if (best.full()) {
+                        const auto bound = detail::inOrderBound(positions, d_.name(e), d_.segmentsOf(e));
+                        if (!bound || !best.wants(band(MatchKind::InOrder) + *bound, e)) {
+                            continue;
+                        }
                     }
                     const auto grade = detail::matchInOrder(text_, d_.name(e), d_.segmentsOf(e), ints_, nullptr);
                     if (grade) {

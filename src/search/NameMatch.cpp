@@ -1,6 +1,7 @@
 #include "search/NameMatch.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 namespace reference::search::detail {
@@ -56,6 +57,64 @@ std::optional<int> matchInitials(std::u16string_view query, std::u16string_view 
     return std::nullopt;
 }
 
+namespace {
+// The grades of matchInOrder: per matched character, at the start of the name or of a segment,
+// right after the previous matched one.
+constexpr int kMatch = 4;
+constexpr int kConsecutive = 6;
+constexpr int kNameStart = 10;
+constexpr int kSegmentStart = 8;
+} // namespace
+
+QueryPositions::QueryPositions(std::u16string_view query) noexcept : query_(query), ascii_{} {
+    for (std::size_t i = 0; i < query.size() && i < 32; ++i) {
+        if (query[i] < 128) {
+            ascii_[query[i]] |= std::uint32_t{1} << i;
+        }
+    }
+}
+
+std::optional<int> inOrderBound(const QueryPositions& positions, std::u16string_view name,
+                                std::span<const Segment> segments) noexcept {
+    const std::u16string_view query = positions.query();
+    const std::size_t m = query.size();
+    const std::size_t n = name.size();
+    if (m < 2 || m > kMaxInOrderQuery || n < m || n > kMaxInOrderName) {
+        return std::nullopt;
+    }
+    // The first character: the earlier it starts, the better (a late start costs its offset).
+    // Later characters: bit i set when query[i] starts a segment past the first unit, or when
+    // query[i - 1] query[i] stand side by side in the name.
+    int first = name[0] == query[0] ? 0 : -1;
+    std::uint32_t starts = 0;
+    for (const auto& segment : segments) {
+        if (segment.start == 0 || segment.start >= n) {
+            continue;
+        }
+        const std::uint32_t here = positions.of(name[segment.start]);
+        if (first < 0 && (here & 1) != 0) {
+            first = segment.start;
+        }
+        starts |= here;
+    }
+    if (first < 0) {
+        return std::nullopt;
+    }
+    std::uint32_t pairs = 0;
+    std::uint32_t previous = positions.of(name[0]);
+    for (std::size_t j = 1; j < n; ++j) {
+        const std::uint32_t here = positions.of(name[j]);
+        pairs |= here & (previous << 1);
+        previous = here;
+    }
+    const std::uint32_t later = m >= 32 ? ~std::uint32_t{1} : ((std::uint32_t{1} << m) - 2);
+    const int starting = std::popcount(starts & later);
+    const int following = std::popcount(pairs & later);
+    const int raw = kMatch + (first == 0 ? kNameStart : kSegmentStart - std::min(first, 20)) +
+                    static_cast<int>(m - 1) * (kMatch - 1) + starting * kSegmentStart + following * (kConsecutive + 1);
+    return std::clamp(500 + raw, 0, 999);
+}
+
 std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
                                 std::vector<int>& scratch, std::vector<MatchRange>* ranges) {
     const std::size_t m = query.size();
@@ -84,12 +143,10 @@ std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view n
     }
     for (const auto& segment : segments) {
         if (segment.start < n) {
-            bonus[segment.start] = 8;
+            bonus[segment.start] = kSegmentStart;
         }
     }
-    bonus[0] = 10;
-    constexpr int kMatch = 4;
-    constexpr int kConsecutive = 6;
+    bonus[0] = kNameStart;
     int* best = scratch.data() + n; // rowOf(i)[j]: q[0..i] matched, q[i] at name[j]
     const auto rowOf = [&](std::size_t i) { return best + (keepRows ? i : i % 2) * n; };
     for (std::size_t j = 0; j < n; ++j) {

@@ -34,6 +34,34 @@ std::optional<int> matchInitials(std::u16string_view query, std::u16string_view 
 std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view name, std::span<const Segment> segments,
                                 std::vector<int>& scratch, std::vector<MatchRange>* ranges);
 
+// A grade that matchInOrder cannot exceed for this name, found without grading it: the first
+// character's best start, and for each later one whether it starts a segment somewhere and
+// whether it follows the previous query character somewhere in the name. Empty when the first
+// character starts neither the name nor a segment (no match at all).
+// `positions` tells where each character stands in the query (made once per query).
+class QueryPositions {
+public:
+    explicit QueryPositions(std::u16string_view query) noexcept;
+    // Bit i set when query[i] == c (the first 32 characters).
+    std::uint32_t of(char16_t c) const noexcept {
+        if (c < 128) {
+            return ascii_[c];
+        }
+        std::uint32_t bits = 0;
+        for (std::size_t i = 0; i < query_.size() && i < 32; ++i) {
+            bits |= query_[i] == c ? std::uint32_t{1} << i : 0;
+        }
+        return bits;
+    }
+    std::u16string_view query() const noexcept { return query_; }
+
+private:
+    std::u16string_view query_;
+    std::uint32_t ascii_[128];
+};
+std::optional<int> inOrderBound(const QueryPositions& positions, std::u16string_view name,
+                                std::span<const Segment> segments) noexcept;
+
 // Edits allowed for a query of this many characters: none below 4, one up to 7, two from 8.
 int allowedTypos(std::size_t queryLength) noexcept;
 

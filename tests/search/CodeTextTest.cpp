@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -174,6 +175,54 @@ TEST(NameMatch, InOrderGrades) {
     EXPECT_EQ(grade("gfc", "getCurrentFigure"), -1);
     EXPECT_EQ(grade("igu", "figure"), -1); // the first letter starts the name or a segment
     EXPECT_EQ(grade("x", "x"), -1);        // one letter is a prefix or nothing
+}
+
+// The bound that lets a query skip grading a name is never below the grade (the name itself as
+// the query included), and is empty exactly when the first letter starts nothing.
+TEST(NameMatch, InOrderBoundHoldsEveryGrade) {
+    const char* names[] = {"getCurrentFigureHandle",
+                           "magicFishHook",
+                           "figureOut",
+                           "outFigure",
+                           "offsetInGroup",
+                           "read_csv",
+                           "HTMLParser",
+                           "system1020",
+                           "aaaaBaaa",
+                           "setSetSet",
+                           "Figure.savefig",
+                           "ÄrgerÜber",
+                           "x",
+                           "fft_ifft2d",
+                           "sampleRate"};
+    const char* queries[] = {"gcfh", "fig", "fo",  "ofig", "rcsv", "htmlp", "s10", "aab",   "sss",
+                             "fsv",  "är",  "ärü", "ff2",  "srt",  "sare",  "og",  "igure", "xyz"};
+    std::vector<int> scratch;
+    for (const char* nameText : names) {
+        const std::u16string original = utf8ToUtf16(nameText);
+        const std::u16string name = folded(original);
+        std::vector<Segment> segments;
+        appendSegments(original, segments);
+        for (const char* queryText : queries) {
+            const std::u16string query = folded(utf8ToUtf16(queryText));
+            const QueryPositions positions(query);
+            const auto grade = matchInOrder(query, name, segments, scratch, nullptr);
+            const auto bound = inOrderBound(positions, name, segments);
+            if (grade) {
+                ASSERT_TRUE(bound) << queryText << " " << nameText;
+                EXPECT_GE(*bound, *grade) << queryText << " " << nameText;
+            }
+            const bool starts = name.starts_with(query.substr(0, 1)) ||
+                                std::any_of(segments.begin(), segments.end(),
+                                            [&](const Segment& s) { return name[s.start] == query[0]; });
+            EXPECT_EQ(bound.has_value(), starts && name.size() >= query.size()) << queryText << " " << nameText;
+        }
+        if (name.size() >= 2) {
+            const auto self = matchInOrder(name, name, segments, scratch, nullptr);
+            ASSERT_TRUE(self) << nameText;
+            EXPECT_GE(inOrderBound(QueryPositions(name), name, segments).value_or(-1), *self) << nameText;
+        }
+    }
 }
 
 } // namespace
