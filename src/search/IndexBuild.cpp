@@ -382,11 +382,15 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     data->bitWords = (n + 63) / 64;
     data->letterBits.assign(Data::kLetterClasses * data->bitWords, 0);
     data->startBits.assign(Data::kLetterClasses * data->bitWords, 0);
+    data->pairBits.assign(Data::kPairClasses * data->bitWords, 0);
     for (std::uint32_t e = 0; e < n; ++e) {
         const std::uint64_t bit = std::uint64_t{1} << (e % 64);
         const auto name = data->name(e);
-        for (const char16_t c : name) {
-            data->letterBits[detail::letterClass(c) * data->bitWords + e / 64] |= bit;
+        for (std::size_t i = 0; i < name.size(); ++i) {
+            data->letterBits[detail::letterClass(name[i]) * data->bitWords + e / 64] |= bit;
+            if (i > 0) {
+                data->pairBits[detail::pairClass(name[i - 1], name[i]) * data->bitWords + e / 64] |= bit;
+            }
         }
         if (!name.empty()) {
             data->startBits[detail::letterClass(name[0]) * data->bitWords + e / 64] |= bit;
@@ -498,9 +502,10 @@ std::size_t indexBytes(const IndexData& data) noexcept {
     return bytesOf(data.products) + bytesOf(data.entries) + bytesOf(data.entryPages) +
            data.names.capacity() * sizeof(char16_t) + bytesOf(data.segments) + bytesOf(data.byName) +
            bytesOf(data.bySegment) + data.initials.capacity() * sizeof(char16_t) + bytesOf(data.initialsAt) +
-           bytesOf(data.byInitials) + bytesOf(data.letterBits) + bytesOf(data.startBits) + bytesOf(data.bigramKeys) +
-           bytesOf(data.bigramAt) + bytesOf(data.bigramPostings) + data.words.capacity() * sizeof(char16_t) +
-           bytesOf(data.wordAt) + bytesOf(data.postingAt) + bytesOf(data.postings);
+           bytesOf(data.byInitials) + bytesOf(data.letterBits) + bytesOf(data.startBits) + bytesOf(data.pairBits) +
+           bytesOf(data.bigramKeys) + bytesOf(data.bigramAt) + bytesOf(data.bigramPostings) +
+           data.words.capacity() * sizeof(char16_t) + bytesOf(data.wordAt) + bytesOf(data.postingAt) +
+           bytesOf(data.postings);
 }
 
 } // namespace detail

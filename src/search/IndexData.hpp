@@ -85,6 +85,10 @@ struct IndexData {
     std::size_t bitWords = 0;              // words per row of letterBits
     std::vector<std::uint64_t> letterBits; // kLetterClasses rows: which entries hold a character of the class
     std::vector<std::uint64_t> startBits;  // the same for the first character of the name or of a segment
+    // kPairClasses rows: which entries hold two neighbouring characters of the pair's class, so
+    // that an in-order query can bound, 64 entries at a time, how many of its pairs a name holds.
+    std::vector<std::uint64_t> pairBits;
+    static constexpr std::size_t kPairClasses = 64;
 
     // Unordered pairs of neighbouring characters (a transposition keeps its pair), sorted keys
     // with their postings, each list sorted by position, then entry.
@@ -136,6 +140,11 @@ inline std::size_t letterClass(char16_t c) noexcept {
     default:
         return 41 + (static_cast<std::uint32_t>(c) * 2654435761u >> 16) % 23;
     }
+}
+
+// The class of two neighbouring characters, in this order.
+inline std::size_t pairClass(char16_t a, char16_t b) noexcept {
+    return ((static_cast<std::uint32_t>(a) * 31u + b) * 2654435761u >> 20) % IndexData::kPairClasses;
 }
 
 // The first eight code units of a text as two numbers, padded with `fill`: the sorted tables are

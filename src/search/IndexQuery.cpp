@@ -71,8 +71,9 @@ public:
     bool wants(int score, std::uint32_t entry) const noexcept {
         return !full_ || better(Found{score, entry, 0}, worst_);
     }
-    // Whether only matches better than the worst kept one are taken now.
+    // Whether only matches better than the worst kept one are taken now, and its score.
     bool full() const noexcept { return full_; }
+    int worstScore() const noexcept { return worst_.score; }
     void add(const Found& found) {
         items_.push_back(found);
         if (capacity_ != kUnlimited && items_.size() >= 2 * capacity_ + 64) {
@@ -130,6 +131,35 @@ Range prefixRange(const Table& table, std::u16string_view prefix, TextOf textOf)
         return k < detail::sortKey(textOf(row));
     });
     return Range{static_cast<std::size_t>(first - table.begin()), static_cast<std::size_t>(last - table.begin())};
+}
+
+// The entries of word `w` set in at least `count` of `rows`: the rows added up bit by bit, one
+// bit plane per binary digit of the count, then compared with `count`.
+std::uint64_t atLeast(const std::vector<const std::uint64_t*>& rows, std::size_t w, std::size_t count) noexcept {
+    if (count > rows.size()) {
+        return 0;
+    }
+    constexpr std::size_t kPlanes = 7; // up to 127 rows
+    std::uint64_t planes[kPlanes] = {};
+    for (const std::uint64_t* row : rows) {
+        std::uint64_t carry = row[w];
+        for (std::size_t k = 0; k < kPlanes && carry != 0; ++k) {
+            const std::uint64_t next = planes[k] & carry;
+            planes[k] ^= carry;
+            carry = next;
+        }
+    }
+    std::uint64_t greater = 0;
+    std::uint64_t equal = ~std::uint64_t{0};
+    for (std::size_t k = kPlanes; k-- > 0;) {
+        if ((count >> k) & 1) {
+            equal &= planes[k];
+        } else {
+            greater |= equal & planes[k];
+            equal &= ~planes[k];
+        }
+    }
+    return greater | equal;
 }
 
 bool isQuerySpace(char32_t c) noexcept {
@@ -343,11 +373,26 @@ private:
             }
             const std::uint64_t* starts = d_.startBits.data() + detail::letterClass(text_[0]) * d_.bitWords;
             const int top = band(MatchKind::InOrder) + 999;
+            // Each later character adds at most kMatch - 1 to a grade, 8 more where it can start a
+            // segment and 7 more where it can follow the one before: per 64 entries, the rows
+            // that say where it can tell which names cannot beat the hits kept.
+            std::vector<const std::uint64_t*> rows;
+            for (std::size_t i = 1; i < text_.size(); ++i) {
+                rows.push_back(d_.startBits.data() + detail::letterClass(text_[i]) * d_.bitWords);
+                rows.push_back(d_.pairBits.data() + detail::pairClass(text_[i - 1], text_[i]) * d_.bitWords);
+            }
+            const int base = 500 + detail::kInOrderFirstMost + static_cast<int>(text_.size() - 1) * 3;
             const detail::QueryPositions positions(text_);
             for (std::size_t w = 0; w < d_.bitWords; ++w) {
                 std::uint64_t bits = starts[w];
                 for (std::uint64_t rest = classes; rest != 0 && bits != 0; rest &= rest - 1) {
                     bits &= d_.letterBits[static_cast<std::size_t>(std::countr_zero(rest)) * d_.bitWords + w];
+                }
+                if (bits != 0 && best.full()) {
+                    const int shortfall = best.worstScore() - band(MatchKind::InOrder) - base;
+                    if (shortfall >= 0) {
+                        bits &= atLeast(rows, w, static_cast<std::size_t>(shortfall / 8 + 1));
+                    }
                 }
                 for (; bits != 0; bits &= bits - 1) {
                     const auto e =

@@ -38,6 +38,8 @@ std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view n
 // character's best start, and for each later one whether it starts a segment somewhere and
 // whether it follows the previous query character somewhere in the name. Empty when the first
 // character starts neither the name nor a segment (no match at all).
+// What the first character of an in-order match adds at most: kMatch and the start of the name.
+inline constexpr int kInOrderFirstMost = 14;
 // `positions` tells where each character stands in the query (made once per query).
 class QueryPositions {
 public:
