@@ -270,21 +270,49 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         throw std::length_error("SearchIndex: too many entries");
     }
     const std::u16string_view names = data->names;
-    // Length, installed and product rank packed in one number, the first units of the name in a
-    // second (up to its first digit, which stands for all digits: runs compare by value), so that
-    // the names are compared only on a tie.
+    // Tie order in two steps. Counting sorts put the entries in order of length, then installed,
+    // then product rank, keeping file order within; each run of equal length and product is then
+    // sorted by the first eight units of the name (up to its first digit, which stands for all
+    // digits: runs compare by value), so that the names are compared only on a tie.
     struct TieKey {
         std::uint64_t high;
         std::uint64_t low;
         std::uint32_t index;
     };
+    const std::size_t productGroups = 2 * data->products.size();
+    const auto groupOf = [&](const Raw& r) {
+        return (data->products[r.product].installed ? 0 : data->products.size()) + productRank[r.product];
+    };
+    std::vector<std::uint32_t> byGroup(raw.size());
+    {
+        std::vector<std::uint32_t> at(productGroups + 1, 0);
+        std::size_t longest = 0;
+        for (const Raw& r : raw) {
+            ++at[groupOf(r) + 1];
+            longest = std::max<std::size_t>(longest, r.nameLength);
+        }
+        std::partial_sum(at.begin(), at.end(), at.begin());
+        for (std::uint32_t i = 0; i < raw.size(); ++i) {
+            byGroup[at[groupOf(raw[i])]++] = i;
+        }
+        std::vector<std::uint32_t> lengthAt(longest + 2, 0);
+        for (const Raw& r : raw) {
+            ++lengthAt[r.nameLength + 1];
+        }
+        std::partial_sum(lengthAt.begin(), lengthAt.end(), lengthAt.begin());
+        std::vector<std::uint32_t> byLength(raw.size());
+        for (const std::uint32_t i : byGroup) {
+            byLength[lengthAt[raw[i].nameLength]++] = i;
+        }
+        byGroup = std::move(byLength);
+    }
     std::vector<TieKey> order(raw.size());
-    for (std::uint32_t i = 0; i < raw.size(); ++i) {
+    for (std::size_t k = 0; k < raw.size(); ++k) {
+        const std::uint32_t i = byGroup[k];
         const Raw& r = raw[i];
-        const std::uint64_t uninstalled = data->products[r.product].installed ? 0 : 1;
-        std::uint64_t low = 0;
+        std::uint64_t words[2] = {0, 0};
         bool digit = false;
-        for (std::size_t u = 0; u < 4; ++u) {
+        for (std::size_t u = 0; u < 8; ++u) {
             char16_t unit = 0;
             if (!digit && u < r.nameLength) {
                 unit = names[r.nameOffset + u];
@@ -293,11 +321,12 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
                     digit = true;
                 }
             }
-            low = low << 16 | unit;
+            words[u / 4] = words[u / 4] << 16 | unit;
         }
-        order[i] = TieKey{std::uint64_t{r.nameLength} << 48 | uninstalled << 47 | productRank[r.product], low, i};
+        order[k] = TieKey{words[0], words[1], i};
     }
-    std::sort(order.begin(), order.end(), [&](const TieKey& x, const TieKey& y) {
+    byGroup = {};
+    const auto before = [&](const TieKey& x, const TieKey& y) {
         if (x.high != y.high || x.low != y.low) {
             return x.high != y.high ? x.high < y.high : x.low < y.low;
         }
@@ -310,7 +339,18 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
         const int exact = a.item->getName().compare(b.item->getName());
         return exact != 0 ? exact < 0 : x.index < y.index;
-    });
+    };
+    for (std::size_t first = 0; first < order.size();) {
+        const Raw& r = raw[order[first].index];
+        std::size_t last = first + 1;
+        while (last < order.size() && raw[order[last].index].nameLength == r.nameLength &&
+               raw[order[last].index].product == r.product) {
+            ++last;
+        }
+        std::sort(order.begin() + static_cast<std::ptrdiff_t>(first), order.begin() + static_cast<std::ptrdiff_t>(last),
+                  before);
+        first = last;
+    }
 
     const std::size_t n = raw.size();
     data->entries.reserve(n);
