@@ -18,17 +18,41 @@ using Data = detail::IndexData;
 using detail::Segment;
 
 // Sorts `items` (made in entry order) by the sort key of the text each one stands for, keeping
-// entry order among equal keys.
+// entry order among equal keys. A counting pass first places them by their first two units (an
+// ASCII pair has a bucket of its own, anything else shares one per first unit), so that the sort
+// that follows works on small buckets.
 template <class T, class TextOf>
 void sortByKey(std::vector<T>& items, TextOf textOf) {
-    std::vector<std::pair<detail::SortKey, std::uint32_t>> keys(items.size());
+    constexpr std::size_t kAsciiBuckets = 128 * 129;
+    const auto bucketOf = [](const detail::SortKey& key) -> std::size_t {
+        const auto first = static_cast<std::size_t>(key.high >> 48);
+        const auto second = static_cast<std::size_t>((key.high >> 32) & 0xFFFF);
+        return first < 128 ? first * 129 + std::min<std::size_t>(second, 128) : kAsciiBuckets + (first - 128);
+    };
+    using Keyed = std::pair<detail::SortKey, std::uint32_t>;
+    std::vector<Keyed> keys(items.size());
+    std::vector<std::uint32_t> at(kAsciiBuckets + 0x10000 - 128 + 1, 0);
     for (std::size_t i = 0; i < items.size(); ++i) {
         keys[i] = {detail::sortKey(textOf(items[i])), static_cast<std::uint32_t>(i)};
+        ++at[bucketOf(keys[i].first) + 1];
     }
-    std::sort(keys.begin(), keys.end());
+    std::partial_sum(at.begin(), at.end(), at.begin());
+    std::vector<Keyed> placed(keys.size());
+    for (const Keyed& key : keys) {
+        placed[at[bucketOf(key.first)]++] = key;
+    }
+    keys = {};
+    // `at` now holds each bucket's end, so the previous one's is its start.
+    std::size_t begin = 0;
+    for (const std::uint32_t end : at) {
+        if (end - begin > 1) {
+            std::sort(placed.begin() + static_cast<std::ptrdiff_t>(begin), placed.begin() + end);
+        }
+        begin = std::max<std::size_t>(begin, end);
+    }
     std::vector<T> sorted;
     sorted.reserve(items.size());
-    for (const auto& key : keys) {
+    for (const auto& key : placed) {
         sorted.push_back(items[key.second]);
     }
     items = std::move(sorted);
