@@ -168,6 +168,24 @@ void splitWords(std::u16string_view foldedText, std::vector<Word>& out) {
 
 int compareNatural(std::u16string_view a, std::u16string_view b) noexcept {
     const auto isDigit = [](char16_t c) { return c >= u'0' && c <= u'9'; };
+    // Most names differ away from any digit: find where they first differ, and when no digit run
+    // reaches that place, the unit there (or the length) decides, as in the walk below. Equal
+    // digit runs before it have equal values and equal leading zeros.
+    const std::size_t common = std::min(a.size(), b.size());
+    std::size_t k = 0;
+    while (k < common && a[k] == b[k]) {
+        ++k;
+    }
+    if (k == common) {
+        if (a.size() == b.size()) {
+            return 0;
+        }
+        if (!(k > 0 && isDigit(a[k - 1]))) {
+            return a.size() < b.size() ? -1 : 1;
+        }
+    } else if (!isDigit(a[k]) && !isDigit(b[k]) && !(k > 0 && isDigit(a[k - 1]))) {
+        return a[k] < b[k] ? -1 : 1;
+    }
     std::size_t i = 0;
     std::size_t j = 0;
     int zeros = 0; // the first difference in leading zeros, used when all else is equal

@@ -95,6 +95,13 @@ TEST(CodeText, NaturalOrder) {
         {"abc", "abd", -1},
         {"ab", "abc", -1},
         {"a10", "a9z", 1},
+        // Where the names first differ, a digit run may go on on one side only.
+        {"a1x", "a12", -1},
+        {"a12", "a1", 1},
+        {"v2.10", "v2.9", 1},
+        {"set2value", "set2values", -1},
+        {"set20value", "set2value", 1},
+        {"alpha7", "alpha7", 0},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(compareNatural(utf8ToUtf16(c.a), utf8ToUtf16(c.b)), c.order) << c.a << " " << c.b;
