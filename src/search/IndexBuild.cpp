@@ -299,40 +299,18 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     // sorted by the first eight units of the name (up to its first digit, which stands for all
     // digits: runs compare by value), so that the names are compared only on a tie.
     struct TieKey {
-        std::uint64_t high;
+        std::uint64_t high; // the first eight units, digits as described
         std::uint64_t low;
         std::uint32_t index;
+        std::uint32_t length;
+        std::uint32_t group; // installed, then product rank
     };
     const std::size_t productGroups = 2 * data->products.size();
-    const auto groupOf = [&](const Raw& r) {
-        return (data->products[r.product].installed ? 0 : data->products.size()) + productRank[r.product];
-    };
-    std::vector<std::uint32_t> byGroup(raw.size());
-    {
-        std::vector<std::uint32_t> at(productGroups + 1, 0);
-        std::size_t longest = 0;
-        for (const Raw& r : raw) {
-            ++at[groupOf(r) + 1];
-            longest = std::max<std::size_t>(longest, r.nameLength);
-        }
-        std::partial_sum(at.begin(), at.end(), at.begin());
-        for (std::uint32_t i = 0; i < raw.size(); ++i) {
-            byGroup[at[groupOf(raw[i])]++] = i;
-        }
-        std::vector<std::uint32_t> lengthAt(longest + 2, 0);
-        for (const Raw& r : raw) {
-            ++lengthAt[r.nameLength + 1];
-        }
-        std::partial_sum(lengthAt.begin(), lengthAt.end(), lengthAt.begin());
-        std::vector<std::uint32_t> byLength(raw.size());
-        for (const std::uint32_t i : byGroup) {
-            byLength[lengthAt[raw[i].nameLength]++] = i;
-        }
-        byGroup = std::move(byLength);
-    }
+    // The keys made in file order, where the names lie one after the other, then moved twice.
     std::vector<TieKey> order(raw.size());
-    for (std::size_t k = 0; k < raw.size(); ++k) {
-        const std::uint32_t i = byGroup[k];
+    std::vector<std::uint32_t> groupAt(productGroups + 1, 0);
+    std::size_t longest = 0;
+    for (std::uint32_t i = 0; i < raw.size(); ++i) {
         const Raw& r = raw[i];
         std::uint64_t words[2] = {0, 0};
         bool digit = false;
@@ -347,9 +325,27 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
             }
             words[u / 4] = words[u / 4] << 16 | unit;
         }
-        order[k] = TieKey{words[0], words[1], i};
+        const auto group = static_cast<std::uint32_t>(
+            (data->products[r.product].installed ? 0 : data->products.size()) + productRank[r.product]);
+        order[i] = TieKey{words[0], words[1], i, r.nameLength, group};
+        ++groupAt[group + 1];
+        longest = std::max<std::size_t>(longest, r.nameLength);
     }
-    byGroup = {};
+    {
+        std::partial_sum(groupAt.begin(), groupAt.end(), groupAt.begin());
+        std::vector<TieKey> byGroup(order.size());
+        for (const TieKey& key : order) {
+            byGroup[groupAt[key.group]++] = key;
+        }
+        std::vector<std::uint32_t> lengthAt(longest + 2, 0);
+        for (const TieKey& key : byGroup) {
+            ++lengthAt[key.length + 1];
+        }
+        std::partial_sum(lengthAt.begin(), lengthAt.end(), lengthAt.begin());
+        for (const TieKey& key : byGroup) {
+            order[lengthAt[key.length]++] = key;
+        }
+    }
     const auto before = [&](const TieKey& x, const TieKey& y) {
         if (x.high != y.high || x.low != y.low) {
             return x.high != y.high ? x.high < y.high : x.low < y.low;
@@ -365,14 +361,15 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         return exact != 0 ? exact < 0 : x.index < y.index;
     };
     for (std::size_t first = 0; first < order.size();) {
-        const Raw& r = raw[order[first].index];
         std::size_t last = first + 1;
-        while (last < order.size() && raw[order[last].index].nameLength == r.nameLength &&
-               raw[order[last].index].product == r.product) {
+        while (last < order.size() && order[last].length == order[first].length &&
+               order[last].group == order[first].group) {
             ++last;
         }
-        std::sort(order.begin() + static_cast<std::ptrdiff_t>(first), order.begin() + static_cast<std::ptrdiff_t>(last),
-                  before);
+        if (last - first > 1) {
+            std::sort(order.begin() + static_cast<std::ptrdiff_t>(first),
+                      order.begin() + static_cast<std::ptrdiff_t>(last), before);
+        }
         first = last;
     }
 
