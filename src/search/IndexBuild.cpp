@@ -123,6 +123,33 @@ private:
     std::vector<std::uint32_t> at_{0};
 };
 
+// The words of a text of ASCII only, folded and split in the same pass (letters and digits make
+// words, anything else parts them), as word ids shifted left by one with `fromPage` in bit 0.
+// False, with nothing added, when the text holds anything beyond ASCII.
+bool addAsciiWords(std::u16string_view text, std::uint32_t fromPage, WordTable& ids, std::u16string& word,
+                   std::vector<std::uint32_t>& out) {
+    const std::size_t before = out.size();
+    word.clear();
+    for (const char16_t unit : text) {
+        if (unit >= 0x80) {
+            out.resize(before);
+            return false;
+        }
+        if ((unit >= u'a' && unit <= u'z') || (unit >= u'0' && unit <= u'9')) {
+            word.push_back(unit);
+        } else if (unit >= u'A' && unit <= u'Z') {
+            word.push_back(static_cast<char16_t>(unit + 0x20));
+        } else if (!word.empty()) {
+            out.push_back(ids.idOf(word) << 1 | fromPage);
+            word.clear();
+        }
+    }
+    if (!word.empty()) {
+        out.push_back(ids.idOf(word) << 1 | fromPage);
+    }
+    return true;
+}
+
 // The words of one folded text, as word ids shifted left by one with `fromPage` in bit 0.
 void addWords(std::u16string_view text, std::uint32_t fromPage, WordTable& ids, std::vector<detail::Word>& split,
               std::vector<std::uint32_t>& out) {
@@ -241,15 +268,17 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
     std::vector<std::uint32_t> mine;
     const auto addPurposeWords = [&](const property::RefItemLookup& item, const property::RefItem* page) {
         mine.clear();
-        text.clear();
-        appendFolded(item.getPurpose(), text);
-        addWords(text, 0, ids, split, mine);
-        if (page != nullptr) {
-            for (const auto* pageText : {&page->getPurpose(), &page->getDescription()}) {
+        const auto add = [&](const std::u16string& original, std::uint32_t fromPage) {
+            if (!addAsciiWords(original, fromPage, ids, text, mine)) {
                 text.clear();
-                appendFolded(*pageText, text);
-                addWords(text, 1, ids, split, mine);
+                appendFolded(original, text);
+                addWords(text, fromPage, ids, split, mine);
             }
+        };
+        add(item.getPurpose(), 0);
+        if (page != nullptr) {
+            add(page->getPurpose(), 1);
+            add(page->getDescription(), 1);
         }
         std::sort(mine.begin(), mine.end());
         for (std::size_t i = 0; i < mine.size(); ++i) {
