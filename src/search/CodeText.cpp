@@ -4,6 +4,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace reference::search::detail {
@@ -88,6 +89,43 @@ std::u16string folded(std::u16string_view text) {
 
 void appendSegments(std::u16string_view name, std::vector<Segment>& out) {
     const std::size_t end = std::min<std::size_t>(name.size(), std::numeric_limits<std::uint16_t>::max());
+    // Most code names are ASCII: their kinds come from a table, a unit at a time.
+    if (std::all_of(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(end),
+                    [](char16_t unit) { return unit < 0x80; })) {
+        static constexpr auto kAsciiKinds = [] {
+            std::array<Kind, 128> kinds{};
+            kinds.fill(Kind::Separator);
+            for (char c = 'a'; c <= 'z'; ++c) {
+                kinds[static_cast<std::size_t>(c)] = Kind::Lower;
+                kinds[static_cast<std::size_t>(c - 'a' + 'A')] = Kind::Upper;
+            }
+            for (char c = '0'; c <= '9'; ++c) {
+                kinds[static_cast<std::size_t>(c)] = Kind::Digit;
+            }
+            return kinds;
+        }();
+        Kind previous = Kind::Separator;
+        for (std::size_t i = 0; i < end; ++i) {
+            const Kind kind = kAsciiKinds[name[i]];
+            bool starts = false;
+            if (kind != Kind::Separator) {
+                if (previous == Kind::Separator) {
+                    starts = true;
+                } else if (kind == Kind::Digit || previous == Kind::Digit) {
+                    starts = kind != previous;
+                } else if (kind == Kind::Upper && previous == Kind::Lower) {
+                    starts = true;
+                } else if (kind == Kind::Upper && previous == Kind::Upper && i + 1 < end) {
+                    starts = kAsciiKinds[name[i + 1]] == Kind::Lower; // HTML|Parser
+                }
+            }
+            if (starts) {
+                out.push_back(Segment{static_cast<std::uint16_t>(i), kind == Kind::Digit});
+            }
+            previous = kind;
+        }
+        return;
+    }
     Kind previous = Kind::Separator;
     std::size_t i = 0;
     while (i < end) {
