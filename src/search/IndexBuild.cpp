@@ -490,17 +490,23 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
     }
 
-    // Name bigrams by position: a dense number per key and a count per key and position in a
-    // first pass; in a second, each posting goes straight to its place, the lists sorted by
-    // position, then entry.
+    // Name bigrams by position: a dense number per key, and per key and position the bytes its
+    // run takes, in a first pass; in a second, each entry's gap goes straight to its place.
     {
         constexpr std::size_t kPositions = Data::kBigramPositions;
         std::array<std::uint32_t, 128 * 128> ascii;
         ascii.fill(UINT32_MAX);
         std::unordered_map<std::uint32_t, std::uint32_t> other;
         std::vector<std::uint32_t> keys;
-        std::vector<std::uint32_t> places; // per dense key and position: its count, then its next place
-        std::vector<std::uint32_t> dense;  // per entry and position, in entry order
+        std::vector<std::uint32_t> places; // per dense key and position: its bytes, then its next place
+        std::vector<std::uint32_t> last;   // per dense key and position: the entry posted last
+        std::size_t postings = 0;
+        for (std::uint32_t e = 0; e < n; ++e) {
+            const std::size_t length = std::min<std::size_t>(data->entries[e].nameLength, kPositions + 1);
+            postings += length > 1 ? length - 1 : 0;
+        }
+        std::vector<std::uint32_t> dense; // per entry and position, in entry order
+        dense.reserve(postings);
         for (std::uint32_t e = 0; e < n; ++e) {
             const auto name = data->name(e);
             const std::size_t end = std::min(name.size(), kPositions + 1);
@@ -516,8 +522,11 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
                     *slot = static_cast<std::uint32_t>(keys.size());
                     keys.push_back(key);
                     places.resize(places.size() + kPositions, 0);
+                    last.resize(last.size() + kPositions, 0);
                 }
-                ++places[*slot * kPositions + p];
+                const std::size_t run = *slot * kPositions + p;
+                places[run] += static_cast<std::uint32_t>(gapBytes(e - last[run]));
+                last[run] = e;
                 dense.push_back(*slot);
             }
         }
@@ -525,24 +534,28 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         std::iota(rank.begin(), rank.end(), 0u);
         std::sort(rank.begin(), rank.end(), [&](std::uint32_t a, std::uint32_t b) { return keys[a] < keys[b]; });
         data->bigramKeys.reserve(keys.size());
-        data->bigramAt.reserve(keys.size() + 1);
+        data->bigramAt.reserve(keys.size() * kPositions + 1);
         std::uint32_t total = 0;
         for (const std::uint32_t d : rank) {
             data->bigramKeys.push_back(keys[d]);
-            data->bigramAt.push_back(total);
             for (std::size_t p = 0; p < kPositions; ++p) {
-                const std::uint32_t count = places[d * kPositions + p];
+                data->bigramAt.push_back(total);
+                const std::uint32_t bytes = places[d * kPositions + p];
                 places[d * kPositions + p] = total;
-                total += count;
+                total += bytes;
             }
         }
         data->bigramAt.push_back(total);
-        data->bigramPostings.resize(total);
+        data->bigramRuns.resize(total);
+        std::fill(last.begin(), last.end(), 0);
+        std::uint8_t* const runs = data->bigramRuns.data();
         std::size_t at = 0;
         for (std::uint32_t e = 0; e < n; ++e) {
             const std::size_t length = std::min<std::size_t>(data->entries[e].nameLength, kPositions + 1);
             for (std::uint32_t p = 0; p + 1 < length; ++p) {
-                data->bigramPostings[places[dense[at++] * kPositions + p]++] = p << Data::kPositionShift | e;
+                const std::size_t run = dense[at++] * kPositions + p;
+                places[run] = static_cast<std::uint32_t>(putGap(runs + places[run], e - last[run]) - runs);
+                last[run] = e;
             }
         }
     }
@@ -593,7 +606,7 @@ std::size_t indexBytes(const IndexData& data) noexcept {
            data.names.capacity() * sizeof(char16_t) + bytesOf(data.segments) + bytesOf(data.byName) +
            bytesOf(data.bySegment) + data.initials.capacity() * sizeof(char16_t) + bytesOf(data.initialsAt) +
            bytesOf(data.byInitials) + bytesOf(data.letterBits) + bytesOf(data.startBits) + bytesOf(data.pairBits) +
-           bytesOf(data.bigramKeys) + bytesOf(data.bigramAt) + bytesOf(data.bigramPostings) +
+           bytesOf(data.bigramKeys) + bytesOf(data.bigramAt) + bytesOf(data.bigramRuns) +
            data.words.capacity() * sizeof(char16_t) + bytesOf(data.wordAt) + bytesOf(data.postingAt) +
            bytesOf(data.postings);
 }

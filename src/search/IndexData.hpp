@@ -61,10 +61,9 @@ struct IndexData {
     // Characters fall into this many classes for the in-order test: letters and digits of
     // ASCII and the separators have their own, everything else shares the rest by a hash.
     static constexpr std::size_t kLetterClasses = 64;
-    // Name bigrams are posted for the first this many positions, as (position << kPositionShift) | entry.
+    // Name bigrams are posted for the first this many positions.
     static constexpr std::size_t kBigramPositions = 32;
-    static constexpr unsigned kPositionShift = 27;
-    static constexpr std::uint32_t kMaxEntries = 1u << kPositionShift;
+    static constexpr std::uint32_t kMaxEntries = 1u << 27;
 
     std::shared_ptr<const LookupResults> lookups;
     std::vector<PageFiles> pages;
@@ -92,9 +91,11 @@ struct IndexData {
 
     // Unordered pairs of neighbouring characters (a transposition keeps its pair), sorted keys
     // with their postings, each list sorted by position, then entry.
+    // Each key has a run of entries per position, kept as the gaps between ascending entry numbers
+    // in seven-bit groups (most gaps take a byte where an entry number would take four).
     std::vector<std::uint32_t> bigramKeys;
-    std::vector<std::uint32_t> bigramAt; // per key + 1
-    std::vector<std::uint32_t> bigramPostings;
+    std::vector<std::uint32_t> bigramAt; // per key and position + 1: byte offsets into bigramRuns
+    std::vector<std::uint8_t> bigramRuns;
 
     // The words of the purpose texts (and character pairs of unspaced scripts), sorted, with
     // postings (entry << 1) | fromPage, each list sorted by entry.
@@ -165,6 +166,34 @@ inline SortKey sortKey(std::u16string_view text, char16_t fill = 0) noexcept {
     return SortKey{words[0], words[1]};
 }
 inline constexpr std::size_t kSortKeyUnits = 8;
+
+// A number in seven-bit groups, low first, the high bit of each byte saying that more follow.
+inline std::size_t gapBytes(std::uint32_t gap) noexcept {
+    std::size_t bytes = 1;
+    while (gap >= 0x80) {
+        gap >>= 7;
+        ++bytes;
+    }
+    return bytes;
+}
+inline std::uint8_t* putGap(std::uint8_t* out, std::uint32_t gap) noexcept {
+    while (gap >= 0x80) {
+        *out++ = static_cast<std::uint8_t>(gap | 0x80);
+        gap >>= 7;
+    }
+    *out++ = static_cast<std::uint8_t>(gap);
+    return out;
+}
+inline std::uint32_t takeGap(const std::uint8_t*& in) noexcept {
+    std::uint32_t gap = 0;
+    for (unsigned shift = 0;; shift += 7) {
+        const std::uint8_t byte = *in++;
+        gap |= static_cast<std::uint32_t>(byte & 0x7F) << shift;
+        if ((byte & 0x80) == 0) {
+            return gap;
+        }
+    }
+}
 
 inline std::uint32_t bigramKey(char16_t a, char16_t b) noexcept {
     return a < b ? (static_cast<std::uint32_t>(a) << 16) | b : (static_cast<std::uint32_t>(b) << 16) | a;

@@ -425,34 +425,33 @@ private:
             // Each edit spoils at most two of the query's character pairs (unordered, so a
             // transposition spoils only its neighbours) and moves the rest by at most one place:
             // a match shares all but 2 * edits pairs, each within `edits` places of its own.
-            std::vector<Range> lists;
+            // The runs of each pair, one per position where it may be.
+            std::vector<Range> runs;
+            constexpr std::size_t kPositions = IndexData::kBigramPositions;
             for (std::size_t i = 0; i + 1 < text_.size(); ++i) {
                 const std::uint32_t key = detail::bigramKey(text_[i], text_[i + 1]);
                 const auto found = std::lower_bound(d_.bigramKeys.begin(), d_.bigramKeys.end(), key);
                 if (found == d_.bigramKeys.end() || *found != key) {
-                    lists.push_back(Range{});
                     continue;
                 }
                 const auto k = static_cast<std::size_t>(found - d_.bigramKeys.begin());
-                const auto begin = d_.bigramPostings.begin() + d_.bigramAt[k];
-                const auto end = d_.bigramPostings.begin() + d_.bigramAt[k + 1];
-                const auto low = static_cast<std::uint32_t>(i > static_cast<std::size_t>(edits) ? i - edits : 0);
-                const auto high = static_cast<std::uint32_t>(i + edits + 1);
-                const auto from = std::lower_bound(begin, end, low << IndexData::kPositionShift);
-                const auto to = high >= IndexData::kBigramPositions
-                                    ? end
-                                    : std::lower_bound(from, end, high << IndexData::kPositionShift);
-                lists.push_back(Range{static_cast<std::size_t>(from - d_.bigramPostings.begin()),
-                                      static_cast<std::size_t>(to - d_.bigramPostings.begin())});
+                const std::size_t low = i > static_cast<std::size_t>(edits) ? i - static_cast<std::size_t>(edits) : 0;
+                const std::size_t high = std::min(i + static_cast<std::size_t>(edits) + 1, kPositions);
+                for (std::size_t p = low; p < high; ++p) {
+                    runs.push_back(Range{d_.bigramAt[k * kPositions + p], d_.bigramAt[k * kPositions + p + 1]});
+                }
             }
             // Count the pairs each entry shares with the query where they may be; an entry
             // counted twice for one pair (it holds the pair twice nearby) only adds a candidate.
             const std::size_t needed = text_.size() - 1 - 2 * static_cast<std::size_t>(edits);
             std::vector<std::uint8_t> shared(d_.entries.size(), 0);
             std::vector<std::uint32_t> candidates;
-            for (const auto& list : lists) {
-                for (std::size_t i = list.begin; i < list.end; ++i) {
-                    const std::uint32_t e = d_.bigramPostings[i] & (IndexData::kMaxEntries - 1);
+            for (const auto& run : runs) {
+                const std::uint8_t* at = d_.bigramRuns.data() + run.begin;
+                const std::uint8_t* const end = d_.bigramRuns.data() + run.end;
+                std::uint32_t e = 0;
+                while (at < end) {
+                    e += detail::takeGap(at);
                     if (shared[e] < 255 && ++shared[e] == needed) {
                         candidates.push_back(e);
                     }
