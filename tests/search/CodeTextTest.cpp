@@ -1,4 +1,5 @@
 #include "search/CodeText.hpp"
+#include "search/IndexData.hpp"
 #include "search/NameMatch.hpp"
 
 #include <reference/docparser/TextConversion.hpp>
@@ -230,6 +231,28 @@ TEST(NameMatch, InOrderBoundHoldsEveryGrade) {
             EXPECT_GE(inOrderBound(QueryPositions(name), name, segments).value_or(-1), *self) << nameText;
         }
     }
+}
+
+// Runs of entry numbers are kept as gaps in seven-bit groups: each size boundary reads back, in a
+// run, exactly as written.
+TEST(IndexData, GapsReadBackAsWritten) {
+    const struct Case {
+        std::uint32_t gap;
+        std::size_t bytes;
+    } cases[] = {{0, 1}, {1, 1}, {127, 1}, {128, 2}, {16383, 2}, {16384, 3}, {(1u << 27) - 1, 4}, {UINT32_MAX, 5}};
+    std::vector<std::uint8_t> run(64);
+    std::uint8_t* out = run.data();
+    for (const auto& c : cases) {
+        EXPECT_EQ(gapBytes(c.gap), c.bytes) << c.gap;
+        std::uint8_t* const before = out;
+        out = putGap(out, c.gap);
+        EXPECT_EQ(static_cast<std::size_t>(out - before), c.bytes) << c.gap;
+    }
+    const std::uint8_t* in = run.data();
+    for (const auto& c : cases) {
+        EXPECT_EQ(takeGap(in), c.gap);
+    }
+    EXPECT_EQ(in, out);
 }
 
 } // namespace
