@@ -64,11 +64,12 @@ class WordTable {
 public:
     WordTable() : slots_(1u << 12, Slot{0, kEmpty}) {}
 
-    std::uint32_t idOf(std::u16string_view word) {
+    std::uint32_t idOf(std::u16string_view word) { return idOf(word, hashOf(word)); }
+    // `hash` is hashOf(word), found by the caller on the way.
+    std::uint32_t idOf(std::u16string_view word, std::uint64_t hash) {
         if ((count() + 1) * 2 > slots_.size()) {
             grow();
         }
-        const std::uint64_t hash = hashOf(word);
         const std::size_t mask = slots_.size() - 1;
         for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
             Slot& slot = slots_[i];
@@ -95,15 +96,26 @@ private:
     };
     static constexpr std::uint32_t kEmpty = UINT32_MAX;
 
-    static std::uint64_t hashOf(std::u16string_view word) noexcept {
-        std::uint64_t hash = 14695981039346656037ull; // FNV-1a, then mixed so that the low bits spread
-        for (const char16_t unit : word) {
-            hash = (hash ^ unit) * 1099511628211ull;
-        }
+public:
+    // FNV-1a over the units, then mixed so that the low bits spread.
+    static constexpr std::uint64_t kHashStart = 14695981039346656037ull;
+    static std::uint64_t hashStep(std::uint64_t hash, char16_t unit) noexcept {
+        return (hash ^ unit) * 1099511628211ull;
+    }
+    static std::uint64_t hashEnd(std::uint64_t hash) noexcept {
         hash ^= hash >> 29;
         hash *= 0xBF58476D1CE4E5B9ull;
         return hash ^ (hash >> 32);
     }
+    static std::uint64_t hashOf(std::u16string_view word) noexcept {
+        std::uint64_t hash = kHashStart;
+        for (const char16_t unit : word) {
+            hash = hashStep(hash, unit);
+        }
+        return hashEnd(hash);
+    }
+
+private:
     void grow() {
         std::vector<Slot> bigger(slots_.size() * 2, Slot{0, kEmpty});
         const std::size_t mask = bigger.size() - 1;
@@ -130,22 +142,26 @@ bool addAsciiWords(std::u16string_view text, std::uint32_t fromPage, WordTable& 
                    std::vector<std::uint32_t>& out) {
     const std::size_t before = out.size();
     word.clear();
-    for (const char16_t unit : text) {
+    std::uint64_t hash = WordTable::kHashStart;
+    for (char16_t unit : text) {
         if (unit >= 0x80) {
             out.resize(before);
             return false;
         }
+        if (unit >= u'A' && unit <= u'Z') {
+            unit = static_cast<char16_t>(unit + 0x20);
+        }
         if ((unit >= u'a' && unit <= u'z') || (unit >= u'0' && unit <= u'9')) {
             word.push_back(unit);
-        } else if (unit >= u'A' && unit <= u'Z') {
-            word.push_back(static_cast<char16_t>(unit + 0x20));
+            hash = WordTable::hashStep(hash, unit);
         } else if (!word.empty()) {
-            out.push_back(ids.idOf(word) << 1 | fromPage);
+            out.push_back(ids.idOf(word, WordTable::hashEnd(hash)) << 1 | fromPage);
             word.clear();
+            hash = WordTable::kHashStart;
         }
     }
     if (!word.empty()) {
-        out.push_back(ids.idOf(word) << 1 | fromPage);
+        out.push_back(ids.idOf(word, WordTable::hashEnd(hash)) << 1 | fromPage);
     }
     return true;
 }
@@ -288,6 +304,19 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         }
         fileWordsAt.push_back(static_cast<std::uint32_t>(fileWords.size()));
     };
+    // Room for as many entries as there are distinct names per product (most names have one
+    // entry), so that the buffers seldom grow while they fill.
+    std::size_t distinctNames = 0;
+    for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
+        for (const auto& [key, resource] : *map) {
+            distinctNames += resource.getItems().size();
+        }
+    }
+    raw.reserve(distinctNames);
+    rawSegments.reserve(3 * distinctNames);
+    data->names.reserve(24 * distinctNames);
+    fileWords.reserve(8 * distinctNames);
+    fileWordsAt.reserve(distinctNames + 1);
     std::uint32_t product = 0;
     for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
         for (const auto& [key, resource] : *map) {

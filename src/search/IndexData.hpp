@@ -12,6 +12,7 @@
 
 #include <reference/search/SearchIndex.hpp>
 
+#include <array>
 #include <compare>
 #include <cstdint>
 #include <memory>
@@ -120,27 +121,31 @@ struct IndexData {
     }
 };
 
+// Letters and digits of ASCII and the separators have a class of their own, everything else
+// shares the rest by a hash.
+inline std::size_t letterClassBeyondAscii(char16_t c) noexcept {
+    return 41 + (static_cast<std::uint32_t>(c) * 2654435761u >> 16) % 23;
+}
+inline constexpr auto kAsciiLetterClasses = [] {
+    std::array<std::uint8_t, 128> classes{};
+    for (std::size_t c = 0; c < 128; ++c) {
+        classes[c] = static_cast<std::uint8_t>(41 + (static_cast<std::uint32_t>(c) * 2654435761u >> 16) % 23);
+    }
+    for (std::size_t c = 'a'; c <= 'z'; ++c) {
+        classes[c] = static_cast<std::uint8_t>(c - 'a');
+    }
+    for (std::size_t c = '0'; c <= '9'; ++c) {
+        classes[c] = static_cast<std::uint8_t>(26 + (c - '0'));
+    }
+    classes['_'] = 36;
+    classes['.'] = 37;
+    classes['-'] = 38;
+    classes[':'] = 39;
+    classes[' '] = 40;
+    return classes;
+}();
 inline std::size_t letterClass(char16_t c) noexcept {
-    if (c >= u'a' && c <= u'z') {
-        return c - u'a';
-    }
-    if (c >= u'0' && c <= u'9') {
-        return 26 + (c - u'0');
-    }
-    switch (c) {
-    case u'_':
-        return 36;
-    case u'.':
-        return 37;
-    case u'-':
-        return 38;
-    case u':':
-        return 39;
-    case u' ':
-        return 40;
-    default:
-        return 41 + (static_cast<std::uint32_t>(c) * 2654435761u >> 16) % 23;
-    }
+    return c < 128 ? kAsciiLetterClasses[c] : letterClassBeyondAscii(c);
 }
 
 // The class of two neighbouring characters, in this order.
