@@ -458,12 +458,23 @@ private:
                 }
             }
             std::sort(candidates.begin(), candidates.end());
-            const int top = band(MatchKind::Typo) + kWholeGrade;
+            // The best grade with k edits is the whole name's; each edit spoils at most two of
+            // the pairs an entry shares, so it needs at least half the pairs it lacks (and one).
+            // Edits that could not beat the worst hit kept are not looked for.
+            const auto bestWith = [&](int k) {
+                return band(MatchKind::Typo) + detail::typoGrade(detail::TypoMatch{k, 0, true});
+            };
+            const auto pairs = static_cast<int>(text_.size() - 1);
             for (const std::uint32_t e : candidates) {
-                if (!best.wants(top, e)) {
+                const int least = std::max(1, (pairs - std::min<int>(shared[e], pairs) + 1) / 2);
+                int allowed = edits;
+                while (allowed >= least && !best.wants(bestWith(allowed), e)) {
+                    --allowed;
+                }
+                if (allowed < least) {
                     continue;
                 }
-                const auto match = detail::matchTypo(text_, d_.name(e), edits, ints_);
+                const auto match = detail::matchTypo(text_, d_.name(e), allowed, ints_);
                 if (match) {
                     offer(best, band(MatchKind::Typo) + detail::typoGrade(*match), e);
                 }
