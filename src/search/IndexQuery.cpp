@@ -400,13 +400,11 @@ private:
                     if (d_.entries[e].nameLength < text_.size() || !best.wants(top, e)) {
                         continue;
                     }
-                    // Once the best are known, a name whose highest possible grade cannot beat
-                    // them is passed over without grading it.
-                    if (best.full()) {
-                        const auto bound = detail::inOrderBound(positions, d_.name(e), d_.segmentsOf(e));
-                        if (!bound || !best.wants(band(MatchKind::InOrder) + *bound, e)) {
-                            continue;
-                        }
+                    // A name that cannot match, or whose highest possible grade cannot beat the
+                    // best kept, is passed over without grading it.
+                    const auto bound = detail::inOrderBound(positions, d_.name(e), d_.segmentsOf(e));
+                    if (!bound || !best.wants(band(MatchKind::InOrder) + *bound, e)) {
+                        continue;
                     }
                     const auto grade = detail::matchInOrder(text_, d_.name(e), d_.segmentsOf(e), ints_, nullptr);
                     if (grade) {

@@ -100,6 +100,14 @@ std::optional<int> inOrderBound(const QueryPositions& positions, std::u16string_
     if (first < 0) {
         return std::nullopt;
     }
+    // The rest must follow in order; from the earliest start is where they most likely do.
+    std::size_t next = 1;
+    for (std::size_t j = static_cast<std::size_t>(first) + 1; j < n && next < m; ++j) {
+        next += name[j] == query[next] ? 1 : 0;
+    }
+    if (next < m) {
+        return std::nullopt;
+    }
     std::uint32_t pairs = 0;
     std::uint32_t previous = positions.of(name[0]);
     for (std::size_t j = 1; j < n; ++j) {

@@ -36,8 +36,9 @@ std::optional<int> matchInOrder(std::u16string_view query, std::u16string_view n
 
 // A grade that matchInOrder cannot exceed for this name, found without grading it: the first
 // character's best start, and for each later one whether it starts a segment somewhere and
-// whether it follows the previous query character somewhere in the name. Empty when the first
-// character starts neither the name nor a segment (no match at all).
+// whether it follows the previous query character somewhere in the name. Empty exactly when
+// there is no match at all (the first character starts neither the name nor a segment, or the
+// rest do not follow it in order).
 // What the first character of an in-order match adds at most: kMatch and the start of the name.
 inline constexpr int kInOrderFirstMost = 14;
 // `positions` tells where each character stands in the query (made once per query).
