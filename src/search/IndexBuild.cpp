@@ -529,34 +529,28 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         std::vector<std::uint32_t> keys;
         std::vector<std::uint32_t> places; // per dense key and position: its bytes, then its next place
         std::vector<std::uint32_t> last;   // per dense key and position: the entry posted last
-        std::size_t postings = 0;
-        for (std::uint32_t e = 0; e < n; ++e) {
-            const std::size_t length = std::min<std::size_t>(data->entries[e].nameLength, kPositions + 1);
-            postings += length > 1 ? length - 1 : 0;
-        }
-        std::vector<std::uint32_t> dense; // per entry and position, in entry order
-        dense.reserve(postings);
+        // The dense number of a key; both passes look it up, which costs less than keeping it.
+        const auto slotOf = [&](std::uint32_t key) -> std::uint32_t& {
+            if ((key >> 16) < 128 && (key & 0xFFFF) < 128) {
+                return ascii[(key >> 16) << 7 | (key & 0x7F)];
+            }
+            return other.try_emplace(key, UINT32_MAX).first->second;
+        };
         for (std::uint32_t e = 0; e < n; ++e) {
             const auto name = data->name(e);
             const std::size_t end = std::min(name.size(), kPositions + 1);
             for (std::size_t p = 0; p + 1 < end; ++p) {
                 const std::uint32_t key = bigramKey(name[p], name[p + 1]);
-                std::uint32_t* slot = nullptr;
-                if ((key >> 16) < 128 && (key & 0xFFFF) < 128) {
-                    slot = &ascii[(key >> 16) << 7 | (key & 0x7F)];
-                } else {
-                    slot = &other.try_emplace(key, UINT32_MAX).first->second;
-                }
-                if (*slot == UINT32_MAX) {
-                    *slot = static_cast<std::uint32_t>(keys.size());
+                std::uint32_t& slot = slotOf(key);
+                if (slot == UINT32_MAX) {
+                    slot = static_cast<std::uint32_t>(keys.size());
                     keys.push_back(key);
                     places.resize(places.size() + kPositions, 0);
                     last.resize(last.size() + kPositions, 0);
                 }
-                const std::size_t run = *slot * kPositions + p;
+                const std::size_t run = slot * kPositions + p;
                 places[run] += static_cast<std::uint32_t>(gapBytes(e - last[run]));
                 last[run] = e;
-                dense.push_back(*slot);
             }
         }
         std::vector<std::uint32_t> rank(keys.size());
@@ -578,11 +572,11 @@ std::unique_ptr<const IndexData> buildIndex(std::shared_ptr<const SearchIndex::L
         data->bigramRuns.resize(total);
         std::fill(last.begin(), last.end(), 0);
         std::uint8_t* const runs = data->bigramRuns.data();
-        std::size_t at = 0;
         for (std::uint32_t e = 0; e < n; ++e) {
-            const std::size_t length = std::min<std::size_t>(data->entries[e].nameLength, kPositions + 1);
-            for (std::uint32_t p = 0; p + 1 < length; ++p) {
-                const std::size_t run = dense[at++] * kPositions + p;
+            const auto name = data->name(e);
+            const std::size_t end = std::min(name.size(), kPositions + 1);
+            for (std::size_t p = 0; p + 1 < end; ++p) {
+                const std::size_t run = slotOf(bigramKey(name[p], name[p + 1])) * kPositions + p;
                 places[run] = static_cast<std::uint32_t>(putGap(runs + places[run], e - last[run]) - runs);
                 last[run] = e;
             }
