@@ -83,8 +83,8 @@ std::optional<int> inOrderBound(const QueryPositions& positions, std::u16string_
         return std::nullopt;
     }
     // The first character: the earlier it starts, the better (a late start costs its offset).
-    // Later characters: bit i set when query[i] starts a segment past the first unit, or when
-    // query[i - 1] query[i] stand side by side in the name.
+    // Later characters, all after that start: bit i set when query[i] starts a segment there, or
+    // when query[i - 1] query[i] stand side by side there.
     int first = name[0] == query[0] ? 0 : -1;
     std::uint32_t starts = 0;
     for (const auto& segment : segments) {
@@ -94,8 +94,9 @@ std::optional<int> inOrderBound(const QueryPositions& positions, std::u16string_
         const std::uint32_t here = positions.of(name[segment.start]);
         if (first < 0 && (here & 1) != 0) {
             first = segment.start;
+        } else if (first >= 0) {
+            starts |= here; // only a segment after the first start can hold a later character
         }
-        starts |= here;
     }
     if (first < 0) {
         return std::nullopt;
@@ -108,9 +109,10 @@ std::optional<int> inOrderBound(const QueryPositions& positions, std::u16string_
     if (next < m) {
         return std::nullopt;
     }
+    // Pairs before the first start cannot be part of the match.
     std::uint32_t pairs = 0;
-    std::uint32_t previous = positions.of(name[0]);
-    for (std::size_t j = 1; j < n; ++j) {
+    std::uint32_t previous = positions.of(name[static_cast<std::size_t>(first)]);
+    for (std::size_t j = static_cast<std::size_t>(first) + 1; j < n; ++j) {
         const std::uint32_t here = positions.of(name[j]);
         pairs |= here & (previous << 1);
         previous = here;
