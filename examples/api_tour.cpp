@@ -6,6 +6,7 @@
 #include <reference/docparser/DocResourceParser.hpp>
 #include <reference/docparser/ParseDiagnostics.hpp>
 #include <reference/docparser/TextConversion.hpp>
+#include <reference/search/SearchIndex.hpp>
 
 #include <doc_products_shared/Docroot.hpp>
 #include <doclanguage/DocLanguage.hpp>
@@ -59,14 +60,29 @@ int main(int argc, char** argv) {
         }
     }
 
-    // 4. In Japanese: the translation wins where it exists, English fills the rest.
+    // 4. A search index over every entry, queried as people type: names, their segments and
+    //    initials, letters in order, typos, several words, purposes.
+    const reference::search::SearchIndex index(lookups); // immutable: query it from any thread
+    reference::search::SearchQuery query;
+    query.text = u"usb samples"; // two words, each in the name or in the purpose
+    query.installedOnly = true;
+    const auto hits = index.search(query);
+    for (const auto& hit : hits) {
+        const std::string how(reference::search::toString(hit.match)); // "words": how it matched
+        std::cout << "\n" << utf8(hit.item->getName()) << " (" << how << ", " << utf8(*hit.productKey) << ")\n";
+    }
+    const auto typo = index.search(u"ratechnage"); // a typo: one transposition
+    const bool searched = !hits.empty() && hits.front().item->getName() == u"usbacquire" && !typo.empty() &&
+                          typo.front().item->getName() == u"ratechange";
+
+    // 5. In Japanese: the translation wins where it exists, English fills the rest.
     language.setDocLanguage(u"ja"); // as given: u"JA" names no variant and reads English only
     const auto japanese = DocResourceParser::getResourceLookupFiles();
     std::cout << "\nIn Japanese: " << utf8(japanese.installedResources.at(u"signal").getHeader().getProductName())
               << '\n';
     language.setDocLanguage(u"en");
 
-    // 5. Broken files are left out without a word; a diagnostics scope says which, and why.
+    // 6. Broken files are left out without a word; a diagnostics scope says which, and why.
     reference::docparser::ParseDiagnosticsScope diagnostics;
     DocResourceParser::getResourceLookupFiles();
     int dropped = 0;
@@ -77,7 +93,7 @@ int main(int argc, char** argv) {
         }
     }
 
-    // 6. The file-access log records: "Problem reading JSON file: " (512) is on by default;
+    // 7. The file-access log records: "Problem reading JSON file: " (512) is on by default;
     //    16 adds "Reading file: " and "Error reading file: ".
     auto& logger = reference::docparser::diagnosticLogger();
     logger.setEnabledSeverities(reference::docparser::kFileReadErrorSeverity |
@@ -85,7 +101,7 @@ int main(int argc, char** argv) {
     DocResourceParser::getResourceFile(u"optics"); // logs "Reading file: <root>/.../optics.json"
     logger.setEnabledSeverities(reference::docparser::kFileReadErrorSeverity);
 
-    // 7. The field-access tools throw DocParserException, which is not a std::exception.
+    // 8. The field-access tools throw DocParserException, which is not a std::exception.
     bool caught = false;
     try {
         const boost::json::object header{{"productName", "Signal"}};
@@ -95,14 +111,14 @@ int main(int argc, char** argv) {
         std::cout << "\n" << e.what() << '\n';
     }
 
-    // 8. The library that runs is the one whose headers the program was compiled with.
+    // 9. The library that runs is the one whose headers the program was compiled with.
     const std::string version = reference::docparser::libraryVersion();
     std::cout << "refdoc " << version << '\n';
 
-    // 9. Back to the host's services for every setting (the root is taken afresh on next use).
+    // 10. Back to the host's services for every setting (the root is taken afresh on next use).
     DocResourceParser::restoreDefaultSettings();
 
     const bool expected = version == REFDOC_VERSION_STRING && !lookups.installedResources.empty() && !pages.empty() &&
-                          dropped == 1 && caught;
+                          dropped == 1 && caught && searched;
     return expected ? 0 : 1;
 }

@@ -7,8 +7,12 @@
 #
 #   scripts/bench.sh [harness or Google Benchmark flags, e.g. --benchmark_filter=lookup]
 #
+# The search benchmarks run on a corpus of each profile scaled to about ten times as many lookup
+# entries (build/bench/search-default and build/bench/search-varied, lookup files only).
+#
 # Environment: BENCH_REPETITIONS (default 10), BENCH_MIN_TIME (seconds per repetition, default
-# 0.5), BENCH_SEED, BENCH_PRODUCTS (default 60), BENCH_MEAN_ITEMS (default 900).
+# 0.5), BENCH_SEED, BENCH_PRODUCTS (default 60), BENCH_MEAN_ITEMS (default 900),
+# BENCH_SEARCH_MEAN_ITEMS (entries per product of the search corpora, default 9000).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -30,6 +34,11 @@ for profile in default varied; do
   rm -rf "$corpus"
   build/release/bench/refdoc_corpus "$corpus" --profile "$profile" "${corpus_args[@]}"
   harness_corpora+=(--corpus "$corpus")
+  search="$out/search-$profile"
+  rm -rf "$search"
+  build/release/bench/refdoc_corpus "$search" --profile "$profile" --no-pages --products "${BENCH_PRODUCTS:-60}" \
+    --mean-items "${BENCH_SEARCH_MEAN_ITEMS:-9000}" ${BENCH_SEED:+--seed "$BENCH_SEED"}
+  harness_corpora+=(--search-corpus "$search")
 done
 
 label="$(git rev-parse --short HEAD 2>/dev/null || echo unknown)"

@@ -9,7 +9,7 @@ PACKAGES=(
   build-essential cmake ninja-build pkg-config git zip unzip python3 doxygen
   clang clang-format libclang-rt-14-dev
   libboost1.81-dev libboost-json1.81-dev libboost-log1.81-dev libboost-exception1.81-dev
-  libzip-dev zipcmp zipmerge ziptool zlib1g-dev
+  libzip-dev zipcmp zipmerge ziptool zlib1g-dev libicu-dev
   libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev
   libcli11-dev libcpp-httplib-dev libboost-url1.81-dev
 )

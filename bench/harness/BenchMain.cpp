@@ -4,26 +4,33 @@
 //
 //   refdoc_bench [google benchmark flags] [--corpus DIR]... [--profile default|varied]...
 //                [--products N] [--mean-items N] [--seed N] [--summary DIR] [--label TEXT]
+//                [--search-corpus DIR]...
 //
 // Each --corpus is measured under the profile its manifest names. Without --corpus a corpus of
 // each --profile (both by default) is generated into a temporary folder and removed at exit.
+// Each --search-corpus (a scaled corpus, pages not needed) is measured by the search benchmarks
+// only: its lookup load, building a search index over the results, queries drawn from it and the
+// same queries answered by a linear scan.
 
 #include "AllocationCounter.hpp"
 #include "Corpus.hpp"
 #include "Floor.hpp"
 #include "Host.hpp"
 #include "Peer.hpp"
+#include "SearchBench.hpp"
 #include "Summary.hpp"
 
 #include "docparser/parsing/FieldAccess.hpp"
 #include "docparser/parsing/TextConversion.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
+#include <reference/search/SearchIndex.hpp>
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <deque>
 #include <exception>
 #include <filesystem>
@@ -31,6 +38,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -45,6 +53,7 @@ using refdoc::test::AllocationWatch;
 
 struct Options {
     std::vector<fs::path> corpora;         // --corpus, in order
+    std::vector<fs::path> searchCorpora;   // --search-corpus, in order
     std::vector<Profile> generateProfiles; // without --corpus: temporary corpora of these profiles
     fs::path summaryDir;
     std::string label;
@@ -168,6 +177,160 @@ void registerLoadBenchmarks(const Context& context) {
                 ->Unit(benchmark::kMillisecond);
         }
     }
+}
+
+// ---- search index -------------------------------------------------------------------------------
+
+using reference::search::SearchIndex;
+
+constexpr std::size_t kQueriesPerKind = 200;
+constexpr std::size_t kScannedQueries = 24;
+constexpr std::uint64_t kQuerySeed = 1;
+
+// One language's lookup results of a search corpus, the index over them, the queries drawn from
+// them and the linear scan; made once before the benchmarks run. Every run of a query adds a
+// sample to its list.
+struct SearchSetup {
+    const Context* context = nullptr;
+    std::string language;
+    std::shared_ptr<const SearchIndex::LookupResults> results;
+    std::optional<SearchIndex> index;
+    std::vector<GeneratedQuery> queries;
+    std::vector<std::size_t> scanned; // the queries the scan answers
+    std::optional<ScanPeer> scan;
+    std::vector<std::vector<double>> indexSamples; // per query, seconds
+    std::vector<std::vector<double>> scanSamples;  // per scanned query, seconds
+    long long resultsBytes = 0;
+    long long indexBytes = 0;
+};
+
+double threadSeconds() noexcept {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+void prepareSearch(SearchSetup& setup) {
+    useCorpus(*setup.context, setup.language);
+    static_cast<void>(DocResourceParser::getResourceLookupFiles()); // settings and caches exist
+    {
+        const AllocationWatch watch;
+        auto results = std::make_shared<const SearchIndex::LookupResults>(DocResourceParser::getResourceLookupFiles());
+        setup.resultsBytes = watch.stats().liveBytes;
+        setup.results = std::move(results);
+    }
+    {
+        const AllocationWatch watch;
+        setup.index.emplace(setup.results);
+        setup.indexBytes = watch.stats().liveBytes;
+    }
+    setup.queries = makeQueries(*setup.results, kQueriesPerKind, kQuerySeed);
+    setup.indexSamples.assign(setup.queries.size(), {});
+    const std::size_t step = std::max<std::size_t>(1, setup.queries.size() / kScannedQueries);
+    for (std::size_t i = 0; i < setup.queries.size() && setup.scanned.size() < kScannedQueries; i += step) {
+        setup.scanned.push_back(i);
+    }
+    setup.scanSamples.assign(setup.scanned.size(), {});
+    setup.scan.emplace(*setup.results);
+}
+
+void indexBuild(benchmark::State& state, const SearchSetup& setup) {
+    std::optional<SearchIndex> index;
+    for (auto _ : state) {
+        index.emplace(setup.results);
+        benchmark::DoNotOptimize(index->size());
+        state.PauseTiming();
+        index.reset();
+        state.ResumeTiming();
+    }
+}
+
+void indexQueries(benchmark::State& state, SearchSetup& setup) {
+    for (auto _ : state) {
+        for (std::size_t q = 0; q < setup.queries.size(); ++q) {
+            const double start = threadSeconds();
+            auto hits = setup.index->search(setup.queries[q].text);
+            setup.indexSamples[q].push_back(threadSeconds() - start);
+            benchmark::DoNotOptimize(hits.data());
+        }
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * setup.queries.size()));
+}
+
+void scanQueries(benchmark::State& state, SearchSetup& setup) {
+    for (auto _ : state) {
+        for (std::size_t s = 0; s < setup.scanned.size(); ++s) {
+            const double start = threadSeconds();
+            auto hits = setup.scan->search(setup.queries[setup.scanned[s]].text, 20);
+            setup.scanSamples[s].push_back(threadSeconds() - start);
+            benchmark::DoNotOptimize(hits.data());
+        }
+    }
+}
+
+void registerSearchBenchmarks(const Context& context, std::deque<SearchSetup>& setups) {
+    for (const std::string language : {"en", "ja"}) {
+        SearchSetup& setup = setups.emplace_back();
+        setup.context = &context;
+        setup.language = language;
+        const std::string prefix = context.profile + "/";
+        benchmark::RegisterBenchmark((prefix + "lookup/" + language + "/load").c_str(), lookupLoadAlone,
+                                     std::cref(context), language)
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark((prefix + "index/" + language + "/build").c_str(), indexBuild, std::cref(setup))
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark((prefix + "index/" + language + "/queries").c_str(), indexQueries, std::ref(setup))
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark((prefix + "index/" + language + "/scan").c_str(), scanQueries, std::ref(setup))
+            ->Unit(benchmark::kMillisecond);
+    }
+}
+
+// Each query's median over its runs.
+std::vector<double> perQuery(const std::vector<std::vector<double>>& samples) {
+    std::vector<double> out;
+    for (const auto& runs : samples) {
+        if (!runs.empty()) {
+            out.push_back(percentile(runs, 0.5));
+        }
+    }
+    return out;
+}
+
+SearchFigures searchFigures(const SearchSetup& setup) {
+    SearchFigures figures;
+    figures.profile = setup.context->manifest.profile;
+    figures.language = setup.language;
+    figures.entries = setup.index->size();
+    figures.queries = setup.queries.size();
+    figures.resultsBytes = setup.resultsBytes;
+    figures.indexBytes = setup.indexBytes;
+    const std::vector<double> all = perQuery(setup.indexSamples);
+    if (all.empty()) {
+        return figures; // the queries did not run (filtered out)
+    }
+    figures.latency["all"] = {percentile(all, 0.5), percentile(all, 0.99)};
+    for (const QueryKind kind : kQueryKinds) {
+        std::vector<std::vector<double>> samples;
+        for (std::size_t q = 0; q < setup.queries.size(); ++q) {
+            if (setup.queries[q].kind == kind) {
+                samples.push_back(setup.indexSamples[q]);
+            }
+        }
+        const std::vector<double> times = perQuery(samples);
+        figures.latency[std::string(queryKindName(kind))] = {percentile(times, 0.5), percentile(times, 0.99)};
+    }
+    const std::vector<double> scanned = perQuery(setup.scanSamples);
+    if (!scanned.empty()) {
+        std::vector<std::vector<double>> same;
+        for (const std::size_t q : setup.scanned) {
+            same.push_back(setup.indexSamples[q]);
+        }
+        figures.scanQueries = scanned.size();
+        figures.scanMedian = percentile(scanned, 0.5);
+        figures.indexMedianOfScanned = percentile(perQuery(same), 0.5);
+    }
+    return figures;
 }
 
 // ---- text converters --------------------------------------------------------------------------
@@ -404,6 +567,8 @@ Options parseOptions(int argc, char** argv) {
             options.corpora.emplace_back(value());
         } else if (arg == "--profile") {
             options.generateProfiles.push_back(profileFromName(value()));
+        } else if (arg == "--search-corpus") {
+            options.searchCorpora.emplace_back(value());
         } else if (arg == "--summary") {
             options.summaryDir = value();
         } else if (arg == "--label") {
@@ -453,7 +618,7 @@ int main(int argc, char** argv) {
     try {
         Options options = parseOptions(argc, argv);
         std::vector<std::unique_ptr<TemporaryCorpus>> temporaries;
-        if (options.corpora.empty()) {
+        if (options.corpora.empty() && options.searchCorpora.empty()) {
             for (const Profile profile : options.generateProfiles) {
                 options.generate.profile = profile;
                 temporaries.push_back(std::make_unique<TemporaryCorpus>(options.generate));
@@ -474,19 +639,41 @@ int main(int argc, char** argv) {
             }
             registerLoadBenchmarks(context);
         }
+        // Search corpora are told apart from the others by their profile's prefix.
+        std::deque<SearchSetup> searchSetups;
+        for (const auto& root : options.searchCorpora) {
+            Context& context = contexts.emplace_back();
+            context.root = root;
+            context.manifest = readManifest(root);
+            context.profile = kSearchProfilePrefix + context.manifest.profile;
+            for (int n = 2; std::count_if(contexts.begin(), contexts.end(),
+                                          [&](const Context& other) { return other.profile == context.profile; }) > 1;
+                 ++n) {
+                context.profile = kSearchProfilePrefix + context.manifest.profile + std::to_string(n);
+            }
+            registerSearchBenchmarks(context, searchSetups);
+        }
         const TextSamples samples = makeTextSamples();
         registerTextBenchmarks(samples);
 
         Summary summary;
         summary.label = options.label;
         for (const auto& context : contexts) {
-            summary.corpora.push_back(corpusFigures(context));
-            measureMemoryFigures(context, summary.memory);
+            if (!context.profile.starts_with(kSearchProfilePrefix)) {
+                summary.corpora.push_back(corpusFigures(context));
+                measureMemoryFigures(context, summary.memory);
+            }
+        }
+        for (auto& setup : searchSetups) {
+            prepareSearch(setup);
         }
 
         CollectingReporter reporter;
         benchmark::RunSpecifiedBenchmarks(&reporter);
         summary.measurements = reporter.measurements;
+        for (const auto& setup : searchSetups) {
+            summary.search.push_back(searchFigures(setup));
+        }
         buildRows(summary);
 
         const std::string markdown = toMarkdown(summary);

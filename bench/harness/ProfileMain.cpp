@@ -8,19 +8,36 @@
 // library's loads free their result inside the timed and profiled span, as the harness's headline
 // figure does; without it the result is freed before the next load starts, outside the span.
 // --profile names the profile the corpus must have, so that a profile of the wrong corpus fails.
+// search-build builds a search index over lookup results loaded beforehand; search-queries runs
+// the harness's generated queries against an index built beforehand (one round per iteration).
 
 #include "Corpus.hpp"
 #include "Floor.hpp"
 #include "Host.hpp"
 #include "Peer.hpp"
+#include "SearchBench.hpp"
 
 #include <reference/docparser/DocResourceParser.hpp>
+#include <reference/search/SearchIndex.hpp>
 
 #include <chrono>
+#include <ctime>
 #include <exception>
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
+
+namespace {
+
+double threadSeconds() noexcept {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     using reference::docparser::DocResourceParser;
@@ -39,8 +56,9 @@ int main(int argc, char** argv) {
         }
     }
     if (positional.size() < 3 || positional.size() > 4) {
-        std::cerr << "usage: refdoc_bench_profile <corpus> lookup|pages|lookup-floor|pages-floor|lookup-peer|"
-                     "pages-peer <language> [iterations] [--profile default|varied] [--free]\n";
+        std::cerr
+            << "usage: refdoc_bench_profile <corpus> lookup|pages|lookup-floor|pages-floor|lookup-peer|"
+               "pages-peer|search-build|search-queries <language> [iterations] [--profile default|varied] [--free]\n";
         return 2;
     }
     try {
@@ -58,20 +76,43 @@ int main(int argc, char** argv) {
         const std::u16string largest(manifest.largestProduct.begin(), manifest.largestProduct.end());
 
         DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap> lookups;
+        using reference::search::SearchIndex;
+        std::shared_ptr<const SearchIndex::LookupResults> searched;
+        std::optional<SearchIndex> index;
+        std::vector<GeneratedQuery> queries;
+        std::vector<std::vector<double>> queryTimes; // per query, thread CPU seconds of each round
+        if (what.starts_with("search-")) {
+            searched = std::make_shared<const SearchIndex::LookupResults>(DocResourceParser::getResourceLookupFiles());
+            if (what == "search-queries") {
+                index.emplace(searched);
+                queries = makeQueries(*searched, 200, 1);
+                queryTimes.resize(queries.size());
+            }
+        }
         DocResourceParser::RefItemFileMap pages;
         std::size_t total = 0;
         double firstSeconds = 0.0;
         double allSeconds = 0.0;
+        std::vector<double> cpuSeconds; // thread CPU time of each iteration
         for (int i = 0; i < iterations; ++i) {
             lookups = {};
             pages = {};
             const auto start = std::chrono::steady_clock::now();
+            const double cpuStart = threadSeconds();
             if (what == "lookup") {
                 lookups = DocResourceParser::getResourceLookupFiles();
                 total += lookups.installedResources.size() + lookups.uninstalledResources.size();
             } else if (what == "pages") {
                 pages = DocResourceParser::getResourceFile(largest);
                 total += pages.size();
+            } else if (what == "search-build") {
+                total += SearchIndex(searched).size();
+            } else if (what == "search-queries") {
+                for (std::size_t q = 0; q < queries.size(); ++q) {
+                    const double before = threadSeconds();
+                    total += index->search(queries[q].text).size();
+                    queryTimes[q].push_back(threadSeconds() - before);
+                }
             } else if (what == "lookup-floor") {
                 total += readAndParse(root, manifest.lookupReads.at(language)).values;
             } else if (what == "pages-floor") {
@@ -90,6 +131,7 @@ int main(int argc, char** argv) {
                 pages = {};
             }
             const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+            cpuSeconds.push_back(threadSeconds() - cpuStart);
             firstSeconds = i == 0 ? elapsed.count() : firstSeconds;
             allSeconds += elapsed.count();
         }
@@ -97,7 +139,17 @@ int main(int argc, char** argv) {
         std::cout << what << (free ? "+free " : " ") << language << " (" << manifest.profile << "): " << total
                   << " results, first " << firstSeconds * 1e3 << " ms, mean " << allSeconds * 1e3 / iterations
                   << " ms, later ones " << (iterations > 1 ? (allSeconds - firstSeconds) * 1e3 / (iterations - 1) : 0.0)
-                  << " ms\n";
+                  << " ms; thread CPU time per iteration: median " << percentile(cpuSeconds, 0.5) * 1e3 << " ms, least "
+                  << percentile(cpuSeconds, 0.0) * 1e3 << " ms\n";
+        if (!queries.empty()) {
+            std::vector<double> medians;
+            for (const auto& times : queryTimes) {
+                medians.push_back(percentile(times, 0.5));
+            }
+            std::cout << queries.size() << " queries, thread CPU time per query: median "
+                      << percentile(medians, 0.5) * 1e3 << " ms, p99 " << percentile(medians, 0.99) * 1e3
+                      << " ms, slowest " << percentile(medians, 1.0) * 1e3 << " ms\n";
+        }
         return 0;
     } catch (const std::exception& error) {
         std::cerr << "refdoc_bench_profile: " << error.what() << "\n";

@@ -109,6 +109,53 @@ void addMemoryRows(Summary& summary, const std::string& profile) {
     }
 }
 
+void addSearchRows(Summary& summary, const SearchFigures& figures) {
+    const std::string profile = kSearchProfilePrefix + figures.profile;
+    const std::string& language = figures.language;
+    const Measurement* load = find(summary, profile + "/lookup/" + language + "/load");
+    const Measurement* build = find(summary, profile + "/index/" + language + "/build");
+    if (load != nullptr && build != nullptr && load->cpuSeconds > 0.0) {
+        const double share = build->cpuSeconds / load->cpuSeconds;
+        summary.rows.push_back(
+            {profile, "index build, " + language + " (" + std::to_string(figures.entries) + " entries)",
+             duration(build->cpuSeconds), "lookup load " + duration(load->cpuSeconds), format("%.0f%%", share * 100.0),
+             format("<= %.0f%% of the load", kIndexBuildShareTarget * 100.0), share <= kIndexBuildShareTarget, share});
+    }
+    for (const auto& [kind, latency] : figures.latency) {
+        const auto [median, p99] = latency;
+        const bool all = kind == "all";
+        const std::string which = all ? std::to_string(figures.queries) + " queries" : kind + " queries";
+        SummaryRow medianRow{
+            profile, "query latency median, " + language + ", " + which, duration(median), "", "", "", std::nullopt,
+            median};
+        SummaryRow p99Row{
+            profile, "query latency p99, " + language + ", " + which, duration(p99), "", "", "", std::nullopt, p99};
+        if (all) {
+            medianRow.target = "<= " + duration(kQueryMedianTarget);
+            medianRow.met = median <= kQueryMedianTarget;
+            p99Row.target = "<= " + duration(kQueryP99Target);
+            p99Row.met = p99 <= kQueryP99Target;
+        }
+        summary.rows.push_back(std::move(medianRow));
+        summary.rows.push_back(std::move(p99Row));
+    }
+    if (figures.resultsBytes > 0) {
+        const double share = static_cast<double>(figures.indexBytes) / static_cast<double>(figures.resultsBytes);
+        summary.rows.push_back(
+            {profile, "index heap, " + language, megabytes(static_cast<double>(figures.indexBytes)),
+             "results " + megabytes(static_cast<double>(figures.resultsBytes)), format("%.0f%%", share * 100.0),
+             format("<= %.0f%% of the results", kIndexHeapShareTarget * 100.0), share <= kIndexHeapShareTarget, share});
+    }
+    if (figures.scanQueries > 0 && figures.indexMedianOfScanned > 0.0) {
+        const double speedup = figures.scanMedian / figures.indexMedianOfScanned;
+        summary.rows.push_back(
+            {profile,
+             "speed-up over a linear scan, median of " + std::to_string(figures.scanQueries) + " queries, " + language,
+             duration(figures.indexMedianOfScanned), "scan " + duration(figures.scanMedian), format("%.0f", speedup),
+             format(">= %.0f x faster", kScanSpeedupTarget), speedup >= kScanSpeedupTarget, speedup});
+    }
+}
+
 void addThroughputRows(Summary& summary) {
     for (const auto& [name, measurement] : summary.measurements) {
         if (!name.starts_with("text/") || !measurement.bytesPerSecond) {
@@ -156,6 +203,9 @@ void buildRows(Summary& summary) {
         }
         addMemoryRows(summary, profile);
     }
+    for (const auto& figures : summary.search) {
+        addSearchRows(summary, figures);
+    }
     addThroughputRows(summary);
 }
 
@@ -180,6 +230,25 @@ std::string toMarkdown(const Summary& summary) {
             out += ", " + language + " " + megabytes(static_cast<double>(bytes));
         }
         out += ").\n\n" + table(summary, corpus.profile);
+    }
+    std::vector<std::string> searchProfiles;
+    for (const auto& figures : summary.search) {
+        if (std::find(searchProfiles.begin(), searchProfiles.end(), figures.profile) == searchProfiles.end()) {
+            searchProfiles.push_back(figures.profile);
+        }
+    }
+    for (const auto& profile : searchProfiles) {
+        out += "\n### Search index, profile " + profile + "\n\nLookup results of a scaled corpus";
+        for (const auto& figures : summary.search) {
+            if (figures.profile == profile) {
+                out += ", " + figures.language + " " + std::to_string(figures.entries) + " entries";
+            }
+        }
+        out += ". Build: constructing the index over results already loaded (its destruction untimed), against the "
+               "lookup load alone. Latency: thread CPU time of one query (limit 20), its median over the runs; queries "
+               "drawn from the corpus (typed prefixes, typos, initials, purpose words, 1-12 characters). Scan: "
+               "every entry scored by the same rules, on a subset of the queries.\n\n" +
+               table(summary, kSearchProfilePrefix + profile);
     }
     const bool anyText = std::any_of(summary.rows.begin(), summary.rows.end(),
                                      [](const SummaryRow& row) { return row.profile.empty(); });
@@ -236,6 +305,25 @@ std::string toJson(const Summary& summary) {
                                              {"floorPeakBytes", figure.floorPeakBytes}});
     }
     root["memory"] = std::move(memory);
+
+    boost::json::array search;
+    for (const auto& figures : summary.search) {
+        boost::json::object latency;
+        for (const auto& [kind, value] : figures.latency) {
+            latency[kind] = boost::json::object{{"median", value.first}, {"p99", value.second}};
+        }
+        search.push_back(boost::json::object{{"profile", figures.profile},
+                                             {"language", figures.language},
+                                             {"entries", figures.entries},
+                                             {"queries", figures.queries},
+                                             {"resultsBytes", figures.resultsBytes},
+                                             {"indexBytes", figures.indexBytes},
+                                             {"latency", std::move(latency)},
+                                             {"scanQueries", figures.scanQueries},
+                                             {"scanMedian", figures.scanMedian},
+                                             {"indexMedianOfScanned", figures.indexMedianOfScanned}});
+    }
+    root["search"] = std::move(search);
 
     boost::json::array rows;
     for (const auto& row : summary.rows) {

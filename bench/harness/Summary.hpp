@@ -42,6 +42,25 @@ struct CorpusFigures {
     std::map<std::string, std::size_t> pageBytes; // JSON bytes of its page files, per language
 };
 
+// The search index over the lookup results of a scaled corpus, for one language. The times of
+// loading and building come from the benchmarks "search-<p>/lookup/<language>/load" and
+// "search-<p>/index/<language>/build"; query latencies are thread CPU times, one figure per query
+// (its median over the runs).
+struct SearchFigures {
+    std::string profile;  // the corpus profile, e.g. "default"
+    std::string language; // of the loaded results
+    std::size_t entries = 0;
+    std::size_t queries = 0;
+    long long resultsBytes = 0; // heap held by the loaded results
+    long long indexBytes = 0;   // heap held by the index built from them
+    // Per kind of query ("prefix", "typo", ...) and "all": median and 99th percentile, seconds.
+    std::map<std::string, std::pair<double, double>> latency;
+    // The same queries answered by the linear scan and by the index (a subset of them): medians.
+    std::size_t scanQueries = 0;
+    double scanMedian = 0.0;
+    double indexMedianOfScanned = 0.0;
+};
+
 // A row of a table; rows of one profile form its table, text conversions have profile "".
 struct SummaryRow {
     std::string profile;
@@ -59,6 +78,7 @@ struct Summary {
     std::vector<CorpusFigures> corpora; // one per profile, in the order measured
     std::map<std::string, Measurement> measurements;
     std::vector<MemoryFigure> memory;
+    std::vector<SearchFigures> search;
     std::vector<SummaryRow> rows;
 };
 
@@ -71,6 +91,13 @@ inline constexpr double kLoadAloneRatioTarget = 1.1;       // lookup load alone 
 inline constexpr double kPeerSpeedupTarget = 3.0;          // peer / library, both load+free
 inline constexpr double kRetainedPerJsonByteTarget = 2.82; // lookup en, default profile
 inline constexpr double kPeakLargestReadFactor = 2.0;      // peak <= retained + this x largest read
+
+inline constexpr double kIndexBuildShareTarget = 0.25;         // index build / lookup load alone
+inline constexpr double kQueryMedianTarget = 0.5e-3;           // seconds
+inline constexpr double kQueryP99Target = 5e-3;                // seconds
+inline constexpr double kIndexHeapShareTarget = 0.5;           // index heap / results heap
+inline constexpr double kScanSpeedupTarget = 20.0;             // scan median / index median
+inline constexpr const char* kSearchProfilePrefix = "search-"; // rows of the search tables
 
 // Fills summary.rows from the measurements and memory figures. Benchmarks that did not run
 // (filtered out) leave their rows out.
