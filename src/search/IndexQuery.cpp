@@ -36,14 +36,18 @@ std::string_view toString(MatchKind kind) noexcept {
     return "";
 }
 
+// Each kind scores within its own band of 1000, the first kind highest.
+std::int32_t lowestScore(MatchKind kind) noexcept {
+    return (7 - static_cast<int>(kind)) * 1000;
+}
+
 namespace {
 
 using detail::IndexData;
 
 constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
 
-// Each kind scores within its own band of 1000, the first kind highest.
-int band(MatchKind kind) noexcept { return (7 - static_cast<int>(kind)) * 1000; }
+int band(MatchKind kind) noexcept { return lowestScore(kind); }
 
 // Grades of the kinds without a matcher of their own.
 constexpr int kWholeGrade = 900;

@@ -251,23 +251,61 @@ TEST_F(ToolCommands, LookupAndFindSayHowManyFilesWereDropped) {
     EXPECT_EQ(run({"lookup", "--json"}).json().at("droppedFiles"), 2);
 }
 
-TEST_F(ToolCommands, FindRanksExactThenPrefixThenSubstringFoldingCaseAndLimits) {
-    const ToolRun result = run({"find", "PLOT", "--limit", "3"});
+// find asks the library's search index with the tool's options: the TEXTs are one query, the
+// filters narrow it, --explain says why, and the JSON carries every hit's fields.
+TEST_F(ToolCommands, FindRanksFiltersAndExplainsTheIndexsHits) {
+    boost::json::object gamma = lookupDocument({"Gamma", "GA", "gamma"}, {{"plotHistory", "Plots drawn so far"},
+                                                                           {"legacyPlot", "Old plotting"}});
+    auto& items = gamma["refItems"].as_array();
+    items[0].as_object()["type"] = "class";
+    items[1].as_object()["deprecated"] = true;
+    write(kLookup / "gamma.json", fileText(gamma));
+
+    const ToolRun result = run({"find", "PLOT", "--limit", "4"});
     ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);
     EXPECT_EQ(linesWith(result.out, "  —  "),
-              (std::vector<std::string>{"Plot  —  Plot class", "plot  —  Plot data", "plotter  —  A plotting object"}));
-    EXPECT_TRUE(contains(result.out, "    plotter.html   Alpha [alpha, not installed]   (prefix)"));
-    EXPECT_TRUE(contains(result.out, "(1 more; raise --limit to see them)"));
+              (std::vector<std::string>{"Plot  —  Plot class", "plot  —  Plot data", "plotter  —  A plotting object",
+                                        "plotHistory  —  Plots drawn so far"}));
+    EXPECT_TRUE(contains(result.out, "    plotter.html   Alpha [alpha, not installed]   (prefix)\n"));
+    EXPECT_TRUE(contains(result.out, "(2 more; raise --limit to see them)")) << result.out;
 
-    // Several texts, non-ASCII folded, as JSON.
-    const ToolRun asJson = run({"find", "ärg", "SPREAD", "--json", "--installed", "beta"});
-    ASSERT_EQ(asJson.status, 0) << ::testing::PrintToString(asJson);
-    EXPECT_EQ(asJson.json(), json::parse(R"([
-        {"match": "exact", "name": "spread", "purpose": "Spread out", "href": "spread.html",
-         "productKey": "sp_a", "productName": "Alpha Support", "installed": false},
-        {"match": "prefix", "name": "Ärger", "purpose": "Trouble", "href": "aerger.html",
-         "productKey": "beta", "productName": "Beta", "installed": true}])"))
-        << asJson.out;
+    // Two TEXTs are two words, each found in the name or the purpose; non-ASCII folded.
+    const ToolRun words = run({"find", "ÄRG", "trouble", "--json", "--installed", "beta"});
+    ASSERT_EQ(words.status, 0) << ::testing::PrintToString(words);
+    ASSERT_EQ(words.json().as_array().size(), 1u) << words.out;
+    json::object hit = words.json().at(0).as_object();
+    EXPECT_GT(hit["score"].as_int64(), 0);
+    hit.erase("score");
+    EXPECT_EQ(hit, json::parse(R"({"match": "words", "name": "Ärger", "purpose": "Trouble", "href": "aerger.html",
+        "productKey": "beta", "productName": "Beta", "installed": true, "type": "function",
+        "deprecated": false})"))
+        << words.out;
+
+    // Filters: entity type, product keys, installed products, deprecated entries.
+    const auto names = [&](std::vector<std::string> args) {
+        args.push_back("--json");
+        const ToolRun listed = run(args);
+        std::vector<std::string> found;
+        for (const auto& entry : listed.json().as_array()) {
+            found.emplace_back(entry.at("name").as_string());
+        }
+        return found;
+    };
+    EXPECT_EQ(names({"find", "plot", "--type", "class"}), std::vector<std::string>{"plotHistory"});
+    EXPECT_EQ(names({"find", "plot", "--product", "gamma"}), (std::vector<std::string>{"plotHistory", "legacyPlot"}));
+    EXPECT_EQ(names({"find", "plot", "--product", "gamma", "--hide-deprecated"}),
+              std::vector<std::string>{"plotHistory"});
+    EXPECT_EQ(names({"find", "plot", "--installed-only", "--installed", "gamma"}),
+              (std::vector<std::string>{"plotHistory", "legacyPlot"}));
+    EXPECT_EQ(run({"find", "plot", "--type", "funktion"}).status, 2);
+
+    // The explanation: kind, matched runs, score, tie facts, deprecation.
+    const ToolRun explained = run({"find", "lp", "--explain", "--product", "gamma"});
+    EXPECT_TRUE(contains(explained.out, "(initials, deprecated)\n    why: initials: the initials of the name's "
+                                        "segments, [l]egacy[P]lot; score "))
+        << explained.out;
+    EXPECT_TRUE(contains(explained.out, "ties: a name of 10 units, not installed, key gamma; deprecated\n"))
+        << explained.out;
 }
 
 // The bundled sample root, shown when no --root is given, as the README describes it.

@@ -1,4 +1,4 @@
-// refdoc find TEXT...: searches the names of every lookup entry, best matches first.
+// refdoc find TEXT...: searches the lookup entries of every product, best matches first.
 
 #include "CheckReport.hpp"
 #include "Commands.hpp"
@@ -12,165 +12,80 @@
 #include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 
-#include <algorithm>
 #include <charconv>
-#include <functional>
 #include <memory>
 #include <optional>
-#include <tuple>
 
 namespace refdoc::tool {
 namespace {
 
 using reference::docparser::DocResourceParser;
 
-} // namespace
-
-std::string_view matchName(Match match) {
-    switch (match) {
-    case Match::Exact:
-        return "exact";
-    case Match::Prefix:
-        return "prefix";
-    case Match::Substring:
-        return "substring";
-    }
-    return "";
-}
-
-namespace {
-
-std::optional<Match> bestMatch(const std::u32string& name, const std::vector<std::u32string>& queries) {
-    std::optional<Match> best;
-    for (const auto& query : queries) {
-        std::optional<Match> match;
-        if (name == query) {
-            match = Match::Exact;
-        } else if (name.starts_with(query)) {
-            match = Match::Prefix;
-        } else if (name.find(query) != std::u32string::npos) {
-            match = Match::Substring;
-        }
-        if (match && (!best || *match < *best)) {
-            best = match;
-        }
-    }
-    return best;
-}
-
-} // namespace
-
-NameIndex::NameIndex(const LookupResults& results) {
-    keys_.reserve(results.installedResources.size() + results.uninstalledResources.size());
-    for (const auto* map : {&results.installedResources, &results.uninstalledResources}) {
-        for (const auto& [key, resource] : *map) {
-            keys_.push_back(toUtf8(key)); // never reallocated: names_ point into it
-            for (const auto& [name, entries] : resource.getItems()) {
-                names_.push_back(Name{foldCase(name), toUtf8(name), &keys_.back(), &resource, &entries,
-                                      map == &results.installedResources});
-            }
-        }
-    }
-}
-
-std::vector<Hit> NameIndex::find(const std::vector<std::u32string>& queries, std::size_t limit,
-                                 std::size_t& total) const {
-    std::vector<std::pair<Match, const Name*>> matches;
-    total = 0;
-    for (const auto& name : names_) {
-        if (const auto match = bestMatch(name.folded, queries)) {
-            matches.emplace_back(*match, &name);
-            total += name.entries->size();
-        }
-    }
-    // The order is total (a product key holds a name once; installed products come first, as
-    // they are collected), so only the names that can make the first `limit` hits need sorting;
-    // each name's entries stay in their order.
-    const std::size_t sorted = std::min(limit, matches.size());
-    std::partial_sort(matches.begin(), matches.begin() + static_cast<std::ptrdiff_t>(sorted), matches.end(),
-                      [](const auto& a, const auto& b) {
-                          return std::make_tuple(a.first, std::cref(a.second->folded), std::cref(a.second->name),
-                                                 std::cref(*a.second->productKey), !a.second->installed) <
-                                 std::make_tuple(b.first, std::cref(b.second->folded), std::cref(b.second->name),
-                                                 std::cref(*b.second->productKey), !b.second->installed);
-                      });
-    matches.resize(sorted);
-    std::vector<Hit> hits;
-    for (const auto& [match, name] : matches) {
-        for (const auto& entry : *name->entries) {
-            if (hits.size() == limit) {
-                return hits;
-            }
-            hits.push_back(Hit{match, name->folded, name->name, toUtf8(entry.getPurpose()), toUtf8(entry.getHref()),
-                               *name->productKey, toUtf8(name->resource->getHeader().getProductName()),
-                               name->installed});
-        }
-    }
-    return hits;
-}
-
-std::vector<Hit> findHits(const LookupResults& results, const std::vector<std::u32string>& queries) {
-    std::size_t total = 0;
-    return NameIndex(results).find(queries, static_cast<std::size_t>(-1), total);
-}
-
-namespace {
-
 struct Options {
     HostOptions host;
     bool json = false;
-    std::size_t limit = 0; // 0: no limit
+    bool explain = false;
+    std::size_t limit = 20;
+    std::optional<std::vector<std::string>> products;
+    std::optional<std::vector<std::string>> types;
+    bool installedOnly = false;
+    bool hideDeprecated = false;
     std::vector<std::string> texts;
 };
 
 int run(const Options& options, std::ostream& out, std::ostream& err) {
-    std::vector<std::u32string> queries;
-    for (const auto& text : options.texts) {
-        if (text.empty()) {
-            throw UsageError("search TEXT must not be empty");
-        }
-        queries.push_back(foldCase(toUtf16(text)));
+    SearchOptions search;
+    search.text = joinList(options.texts, " ");
+    if (search.text.find_first_not_of(" \t") == std::string::npos) {
+        throw UsageError("search TEXT must not be empty");
     }
-    const std::size_t limit = options.limit;
+    search.limit = 0; // every hit, to say how many were left out
+    search.products = options.products.value_or(std::vector<std::string>{});
+    search.types = options.types.value_or(std::vector<std::string>{});
+    search.installedOnly = options.installedOnly;
+    search.hideDeprecated = options.hideDeprecated;
+    const reference::search::SearchQuery query = toQuery(search);
+
     const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
     std::size_t dropped = 0;
-    const auto results = [&] {
+    const reference::search::SearchIndex index = [&] {
         reference::docparser::ParseDiagnosticsScope scope;
         auto loaded = DocResourceParser::getResourceLookupFiles();
         dropped = droppedCount(scope.files());
-        return loaded;
+        return reference::search::SearchIndex(std::move(loaded));
     }();
 
-    std::vector<Hit> hits = findHits(results, queries);
+    std::vector<reference::search::SearchHit> hits = index.search(query);
     const std::size_t total = hits.size();
-    if (limit != 0 && hits.size() > limit) {
-        hits.resize(limit);
+    if (hits.size() > options.limit) {
+        hits.resize(options.limit);
     }
 
     if (options.json) {
         boost::json::array array;
         for (const auto& hit : hits) {
-            array.push_back(boost::json::object{{"match", std::string(matchName(hit.match))},
-                                                {"name", hit.name},
-                                                {"purpose", hit.purpose},
-                                                {"href", hit.href},
-                                                {"productKey", hit.productKey},
-                                                {"productName", hit.productName},
-                                                {"installed", hit.installed}});
+            boost::json::object object = hitJson(hit);
+            if (options.explain) {
+                object["explain"] = explainHit(hit);
+            }
+            array.push_back(std::move(object));
         }
         writeJson(out, array);
         return hits.empty() ? kExitProblem : kExitOk;
     }
     if (hits.empty()) {
-        err << "refdoc: no lookup entry matches " << joinList(options.texts, ", ") << '\n'
-            << droppedLine(dropped) << '\n';
+        err << "refdoc: no lookup entry matches " << search.text << '\n' << droppedLine(dropped) << '\n';
         return kExitProblem;
     }
     for (const auto& hit : hits) {
-        out << hit.name << "  —  " << hit.purpose << '\n'
-            << "    " << hit.href << "   " << hit.productName << " [" << hit.productKey
-            << (hit.installed ? "" : ", not installed") << "]   (" << matchName(hit.match) << ")\n";
+        out << toUtf8(hit.item->getName()) << "  —  " << toUtf8(hit.item->getPurpose()) << '\n'
+            << "    " << toUtf8(hit.item->getHref()) << "   " << toUtf8(hit.product->getProductName()) << " ["
+            << toUtf8(*hit.productKey) << (hit.installed ? "" : ", not installed") << "]   ("
+            << reference::search::toString(hit.match) << (hit.deprecated ? ", deprecated" : "") << ")\n";
+        if (options.explain) {
+            out << "    why: " << explainHit(hit) << '\n';
+        }
     }
     if (hits.size() < total) {
         out << "(" << total - hits.size() << " more; raise --limit to see them)\n";
@@ -185,22 +100,48 @@ Command findCommand() {
     Command command;
     command.name = "find";
     command.needs = "the TEXT to search for";
-    command.summary = "search the lookup names (exact, then prefix, then substring matches)";
-    command.help = "Usage: refdoc find TEXT [TEXT...] [options]\n"
+    command.summary = "search the lookup entries by name and purpose, best matches first";
+    command.help = "Usage: refdoc find TEXT... [options]\n"
                    "\n"
-                   "Searches the names of every lookup entry, ignoring case, for each TEXT and prints\n"
-                   "name, purpose, link and product of every entry that matches one of them: exact\n"
-                   "matches first, then names that start with a TEXT, then names that contain one.\n"
+                   "Searches the lookup entries of every product, ignoring case, and prints name,\n"
+                   "purpose, link and product of the best matches. The TEXTs, or the words of one\n"
+                   "TEXT with spaces, are one query. Matches rank in this order: the whole name; the\n"
+                   "name's start; the start of a later segment (getCurrentFigure has the segments\n"
+                   "get, Current, Figure; read_csv read and csv); the initials of the segments (gcf,\n"
+                   "rcsv); the letters in order; the name or its start within one edit (4 to 7\n"
+                   "letters) or two (8 and more); several words, each in the name or the purpose;\n"
+                   "the text in the purpose. Ties go to the shorter name, then installed products,\n"
+                   "then the product key; numbers in names compare as numbers.\n"
                    "Exit status 1 when nothing matches.\n"
                    "\n"
                    "Options:\n"
-                   "  --limit N                print at most N matches\n"
+                   "  --limit N                print at most N matches (default 20)\n"
+                   "  --product KEYS           only these products (comma-separated product keys)\n"
+                   "  --type TYPES             only these entity types (function, class, method, ...)\n"
+                   "  --installed-only         only installed products\n"
+                   "  --hide-deprecated        leave out entries marked deprecated\n"
+                   "  --explain                say why each match ranks where it does\n"
                    "  --json                   print the matches as JSON\n" +
                    hostOptionsHelp();
     command.define = [](CLI::App& app) -> Runner {
         auto options = std::make_shared<Options>();
         addHostOptions(app, options->host);
         addFlag(app, "--json", options->json);
+        addFlag(app, "--explain", options->explain);
+        addFlag(app, "--installed-only", options->installedOnly);
+        addFlag(app, "--hide-deprecated", options->hideDeprecated);
+        addListOption(app, "--product", options->products);
+        addListOption(app, "--type", options->types)
+            ->check(toolCheck(
+                [](const std::string& value) {
+                    for (const auto& type : splitList(value)) {
+                        if (std::string problem = entityTypeProblem(type); !problem.empty()) {
+                            return problem;
+                        }
+                    }
+                    return std::string();
+                },
+                "TYPES"));
         addValueOption(app, "--limit", options->limit)
             ->check(toolCheck(
                 [](const std::string& value) {

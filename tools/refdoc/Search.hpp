@@ -1,60 +1,47 @@
 #pragma once
 
-// The name search of `refdoc find` and of the search box of `refdoc serve`: lookup names that
-// equal, start with or contain a text, ignoring case, best matches first.
+// The search of `refdoc find`, of the web view's search box and of its /api/search: the
+// library's search index asked with the tool's options, and its hits in the forms the tool
+// shows them (JSON fields, an explanation, a name with its matched runs marked).
 
-#include <reference/docparser/DocResourceParser.hpp>
+#include <reference/search/SearchIndex.hpp>
 
+#include <boost/json/object.hpp>
+
+#include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace refdoc::tool {
 
-// How well a name matches: lower is better.
-enum class Match { Exact = 0, Prefix = 1, Substring = 2 };
+using LookupResults = reference::search::SearchIndex::LookupResults;
 
-std::string_view matchName(Match match);
-
-struct Hit {
-    Match match;
-    std::u32string foldedName;
-    std::string name;
-    std::string purpose;
-    std::string href;
-    std::string productKey;
-    std::string productName;
-    bool installed;
+struct SearchOptions {
+    std::string text;                  // words separated by blanks, UTF-8
+    std::size_t limit = 20;            // 0: every hit
+    std::vector<std::string> products; // product keys; empty: every product
+    std::vector<std::string> types;    // entity type texts ("function", ...); empty: every type
+    bool installedOnly = false;
+    bool hideDeprecated = false;
 };
 
-using LookupResults =
-    reference::docparser::DocResourceParser::ParsingResults<reference::docparser::DocResourceParser::LookupResourceMap>;
+// The library's query for the options. Throws UsageError for a type that is no entity type.
+reference::search::SearchQuery toQuery(const SearchOptions& options);
 
-// The lookup names of one load, case-folded once, for searching them many times (the web view
-// keeps one per loaded snapshot). It refers to `results`, which must outlive it.
-class NameIndex {
-public:
-    explicit NameIndex(const LookupResults& results);
+// "" for a known entity type text, else what is wrong with it, naming the known ones.
+std::string entityTypeProblem(const std::string& text);
 
-    // Every lookup entry whose name matches one of `queries` (already case-folded with
-    // foldCase), ordered by match, folded name, name and product key; only the first `limit`
-    // are made into hits, and `total` is set to how many there are.
-    std::vector<Hit> find(const std::vector<std::u32string>& queries, std::size_t limit, std::size_t& total) const;
+// One hit's fields, as `find --json` and /api/search give them: name, purpose, href,
+// productKey, productName, installed, match, score, type (null when the entry has none) and
+// deprecated.
+boost::json::object hitJson(const reference::search::SearchHit& hit);
 
-private:
-    struct Name {
-        std::u32string folded;
-        std::string name;
-        const std::string* productKey;
-        const reference::docparser::DocResource<reference::property::RefItemLookup>* resource;
-        const std::vector<reference::property::RefItemLookup>* entries;
-        bool installed;
-    };
-    std::vector<std::string> keys_; // the product keys in UTF-8, which names_ point into
-    std::vector<Name> names_;
-};
+// Why the hit ranks where it does, in one line: how it matched, the matched runs of the name,
+// its score and what breaks ties with equal scores.
+std::string explainHit(const reference::search::SearchHit& hit);
 
-// Every matching lookup entry, as NameIndex::find gives them.
-std::vector<Hit> findHits(const LookupResults& results, const std::vector<std::u32string>& queries);
+// The hit's name cut into runs, UTF-8, alternately not matched and matched (the first may be
+// empty), for marking the matched ones.
+std::vector<std::string> nameRuns(const reference::search::SearchHit& hit);
 
 } // namespace refdoc::tool

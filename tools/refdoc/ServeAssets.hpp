@@ -61,38 +61,175 @@ dl.args dt:target { background: var(--target); }
 .count { color: var(--muted); font-weight: 400; }
 ul.plain { padding-left: 1.2rem; }
 .reason { font-family: ui-monospace, "DejaVu Sans Mono", monospace; font-size: .88rem; white-space: pre-wrap; }
+header.top form { position: relative; }
+#suggestions { position: absolute; top: 100%; left: 0; right: 0; z-index: 10; margin: .2rem 0 0; padding: .2rem 0; list-style: none; max-height: 24rem; overflow-y: auto; background: var(--field); border: 1px solid var(--field-line); border-radius: 4px; box-shadow: 0 4px 14px rgba(0, 0, 0, .18); }
+#suggestions li > * { display: block; padding: .25rem .6rem; color: var(--ink); }
+#suggestions li.active { background: var(--target); }
+#suggestions .name { font-family: ui-monospace, "DejaVu Sans Mono", Menlo, Consolas, monospace; font-weight: 600; }
+#suggestions .detail { display: block; font-size: .82rem; color: var(--muted); white-space: nowrap; overflow: hidden; text-overflow: ellipsis; }
+mark { background: transparent; color: inherit; text-decoration: underline; text-decoration-thickness: 2px; text-decoration-color: var(--accent); }
 .error { border: 1px solid var(--bad-line); background: var(--bad-bg); padding: .6rem 1rem; border-radius: 4px; }
 )css";
 
-// Search as the user types: fetches the results page for the box's text and shows its result
-// list; without script the form works as it is.
+// Search as the user types, in the header's box on every view: the best hits from /api/search
+// appear under the box; the arrow keys move through them, Enter opens one (or, with none
+// chosen, the search view), Escape closes them, and "/" anywhere else puts the focus in the box.
+// On the search view the result list follows the text too, and the address keeps the text, so
+// the view can be linked and the back button returns to it. Without script the form works as it
+// is. Texts from the data are only ever set as text, never as markup.
 inline constexpr const char* kSearchScript = R"js('use strict';
 (function () {
   const box = document.getElementById('q');
+  if (!box) return;
+  const form = box.form;
+  const lang = form.elements.lang.value;
   const results = document.getElementById('results');
-  if (!box || !results) return;
-  // On the results page the box keeps the focus, the caret after the text.
-  box.focus();
-  box.setSelectionRange(box.value.length, box.value.length);
+  const list = document.createElement('ul');
+  list.id = 'suggestions';
+  list.setAttribute('role', 'listbox');
+  list.setAttribute('aria-label', 'Matches');
+  list.hidden = true;
+  form.appendChild(list);
+  box.setAttribute('role', 'combobox');
+  box.setAttribute('aria-controls', list.id);
+  box.setAttribute('aria-autocomplete', 'list');
+  box.setAttribute('aria-expanded', 'false');
+  let hits = [];
+  let active = -1;
   let timer = 0;
   let latest = 0;
+
+  if (results) {
+    box.focus();
+    box.setSelectionRange(box.value.length, box.value.length);
+  }
+
+  function close() {
+    list.hidden = true;
+    box.setAttribute('aria-expanded', 'false');
+    box.removeAttribute('aria-activedescendant');
+    active = -1;
+  }
+
+  function choose(index) {
+    const items = list.children;
+    if (active >= 0 && items[active]) {
+      items[active].classList.remove('active');
+      items[active].setAttribute('aria-selected', 'false');
+    }
+    active = index;
+    if (active >= 0 && items[active]) {
+      items[active].classList.add('active');
+      items[active].setAttribute('aria-selected', 'true');
+      box.setAttribute('aria-activedescendant', items[active].id);
+      items[active].scrollIntoView({ block: 'nearest' });
+    } else {
+      box.removeAttribute('aria-activedescendant');
+    }
+  }
+
+  // The name with its matched runs (UTF-16 offsets, as JavaScript counts) in <mark>.
+  function markedName(hit) {
+    const name = document.createElement('span');
+    name.className = 'name';
+    let at = 0;
+    for (const [begin, length] of hit.ranges) {
+      name.append(hit.name.slice(at, begin));
+      const mark = document.createElement('mark');
+      mark.textContent = hit.name.slice(begin, begin + length);
+      name.append(mark);
+      at = begin + length;
+    }
+    name.append(hit.name.slice(at));
+    return name;
+  }
+
+  function show(found) {
+    hits = found;
+    active = -1;
+    list.replaceChildren();
+    found.forEach(function (hit, i) {
+      const item = document.createElement('li');
+      item.id = 'suggestion-' + i;
+      item.setAttribute('role', 'option');
+      item.setAttribute('aria-selected', 'false');
+      const link = document.createElement(hit.url ? 'a' : 'span');
+      if (hit.url) link.href = hit.url;
+      link.tabIndex = -1;
+      link.append(markedName(hit));
+      if (hit.deprecated) {
+        const tag = document.createElement('span');
+        tag.className = 'tag deprecated';
+        tag.textContent = 'deprecated';
+        link.append(tag);
+      }
+      const detail = document.createElement('span');
+      detail.className = 'detail';
+      detail.textContent = hit.purpose + ' \u00b7 ' + hit.productName;
+      link.append(detail);
+      item.append(link);
+      item.addEventListener('mousemove', function () { if (active !== i) choose(i); });
+      list.append(item);
+    });
+    list.hidden = found.length === 0;
+    box.setAttribute('aria-expanded', found.length ? 'true' : 'false');
+  }
+
+  async function update() {
+    const text = box.value.trim();
+    const ticket = ++latest;
+    if (!text) {
+      show([]);
+      return;
+    }
+    const query = 'q=' + encodeURIComponent(text) + '&lang=' + encodeURIComponent(lang);
+    const response = await fetch('/api/search?limit=10&' + query);
+    if (ticket !== latest || !response.ok) return;
+    const found = await response.json();
+    if (ticket !== latest) return;
+    show(found);
+    if (results) {
+      const url = '/search?' + query;
+      const page = new DOMParser().parseFromString(await (await fetch(url)).text(), 'text/html');
+      const fresh = page.getElementById('results');
+      if (ticket !== latest || !fresh) return;
+      results.replaceChildren(...fresh.childNodes);
+      history.replaceState(null, '', url);
+    }
+  }
+
   box.addEventListener('input', function () {
     clearTimeout(timer);
-    timer = setTimeout(async function () {
-      const text = box.value.trim();
-      if (!text) return;
-      const ticket = ++latest;
-      const lang = box.form.elements.lang.value;
-      const url = '/search?q=' + encodeURIComponent(text) + '&lang=' + encodeURIComponent(lang);
-      const response = await fetch(url);
-      if (ticket !== latest || !response.ok) return;
-      const page = new DOMParser().parseFromString(await response.text(), 'text/html');
-      const fresh = page.getElementById('results');
-      if (fresh) {
-        results.replaceChildren(...fresh.childNodes);
-        history.replaceState(null, '', url);
+    timer = setTimeout(update, 120);
+  });
+  box.addEventListener('keydown', function (event) {
+    if (event.key === 'ArrowDown' || event.key === 'ArrowUp') {
+      if (list.hidden) return;
+      event.preventDefault();
+      const next = active + (event.key === 'ArrowDown' ? 1 : -1);
+      choose(next >= hits.length ? 0 : next < 0 ? hits.length - 1 : next);
+    } else if (event.key === 'Enter') {
+      if (active >= 0 && hits[active] && hits[active].url) {
+        event.preventDefault();
+        location.href = hits[active].url;
       }
-    }, 150);
+    } else if (event.key === 'Escape') {
+      close();
+    }
+  });
+  box.addEventListener('blur', function () { setTimeout(close, 150); });
+  box.addEventListener('focus', function () {
+    if (!list.children.length) return;
+    list.hidden = false;
+    box.setAttribute('aria-expanded', 'true');
+  });
+  document.addEventListener('keydown', function (event) {
+    const target = event.target;
+    if (event.key !== '/' || event.ctrlKey || event.metaKey || event.altKey) return;
+    if (target.isContentEditable || /^(INPUT|TEXTAREA|SELECT)$/.test(target.tagName)) return;
+    event.preventDefault();
+    box.focus();
+    box.select();
   });
 })();
 )js";

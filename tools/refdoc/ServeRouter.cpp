@@ -5,6 +5,9 @@
 #include "ServeViews.hpp"
 #include "Text.hpp"
 
+#include <boost/json/object.hpp>
+#include <boost/json/serialize.hpp>
+
 #include <algorithm>
 #include <charconv>
 #include <system_error>
@@ -13,6 +16,12 @@ namespace refdoc::tool::serve {
 namespace {
 
 constexpr std::size_t kMaxQueryBytes = 256;
+constexpr std::size_t kMaxApiHits = 100;
+
+void jsonError(httplib::Response& response, int status, const std::string& message) {
+    response.status = status;
+    response.set_content(boost::json::serialize(boost::json::object{{"error", message}}), "application/json");
+}
 
 std::string rootError(const std::filesystem::path& root) {
     std::error_code error;
@@ -67,8 +76,14 @@ void respond(SnapshotCache& cache, const httplib::Request& request, httplib::Res
 
     View view;
     std::string language = settings.language;
+    // The search box's requests get their errors as JSON, every other one as a page.
+    const bool api = path.starts_with("/api/");
     const auto reject = [&](int status, const std::string& title, const std::string& text) {
-        errorView(view, status, title, text);
+        if (api) {
+            jsonError(response, status, text);
+        } else {
+            errorView(view, status, title, text);
+        }
     };
     if (request.has_param("lang")) {
         language = request.get_param_value("lang");
@@ -91,6 +106,20 @@ void respond(SnapshotCache& cache, const httplib::Request& request, httplib::Res
             reject(400, "Bad request", "The search text is longer than 256 bytes or holds control characters.");
         } else {
             searchView(*cache.snapshot(language), text, view);
+        }
+    } else if (path == "/api/search") {
+        // The hits as JSON for the search box; a request it cannot answer gets an error object.
+        const std::string text = request.has_param("q") ? request.get_param_value("q") : std::string();
+        const std::string limitText = request.has_param("limit") ? request.get_param_value("limit") : "10";
+        std::size_t limit = 0;
+        const auto [next, error] = std::from_chars(limitText.data(), limitText.data() + limitText.size(), limit);
+        if (text.size() > kMaxQueryBytes || hasControl(text)) {
+            reject(400, "Bad request", "The search text is longer than 256 bytes or holds control characters.");
+        } else if (error != std::errc() || next != limitText.data() + limitText.size() || limit == 0 ||
+                   limit > kMaxApiHits) {
+            reject(400, "Bad request", "The limit is a number from 1 to " + std::to_string(kMaxApiHits) + ".");
+        } else {
+            response.set_content(searchJson(*cache.snapshot(language), text, limit), "application/json");
         }
     } else if (path == "/problems") {
         ProblemsQuery query{language, request.has_param("show") ? request.get_param_value("show") : std::string(), 1};
@@ -120,6 +149,9 @@ void respond(SnapshotCache& cache, const httplib::Request& request, httplib::Res
         }
     } else {
         reject(404, "Not found", "There is no such page here. The index lists the products.");
+    }
+    if (api) {
+        return;
     }
     response.status = view.status;
     std::string viewPath = path;

@@ -179,13 +179,14 @@ std::shared_ptr<const Snapshot> SnapshotCache::snapshot(const std::string& langu
     }
     const bool keep = settled(now, seen);
     auto fresh = std::make_shared<Snapshot>(language, std::move(now), gate_);
+    LookupResults lookup;
     gate_.run(language, [&] {
         ParseDiagnosticsScope scope;
-        fresh->lookup_ = DocResourceParser::getResourceLookupFiles();
+        lookup = DocResourceParser::getResourceLookupFiles();
         fresh->lookupCounts_ = LoadCounts::of(scope);
         fresh->pageNames_ = pageFileRoles(pageFolder_).names;
     });
-    fresh->names_ = std::make_unique<const NameIndex>(fresh->lookup_);
+    fresh->index_ = std::make_unique<const reference::search::SearchIndex>(std::move(lookup));
     slot->snapshot = keep ? fresh : nullptr;
     return fresh;
 }

@@ -91,10 +91,10 @@ public:
 
     const std::string& language() const { return language_; }
     const Fingerprint& fingerprint() const { return fingerprint_; }
-    const LookupResults& lookup() const { return lookup_; }
+    const LookupResults& lookup() const { return index_->lookups(); }
     const LoadCounts& lookupCounts() const { return lookupCounts_; }
-    // The lookup names, for the search.
-    const NameIndex& names() const { return *names_; }
+    // The search index over the lookup results, which it holds.
+    const reference::search::SearchIndex& index() const { return *index_; }
     // The names the page loader takes in this language (see pageFileRoles).
     const std::set<std::string>& pageNames() const { return pageNames_; }
 
@@ -111,9 +111,8 @@ private:
     std::string language_;
     Fingerprint fingerprint_;
     LanguageGate& gate_;
-    LookupResults lookup_;
+    std::unique_ptr<const reference::search::SearchIndex> index_;
     LoadCounts lookupCounts_;
-    std::unique_ptr<const NameIndex> names_; // refers to lookup_
     std::set<std::string> pageNames_;
     mutable std::mutex pagesMutex_;
     mutable std::map<std::string, std::shared_ptr<const PageLoad>> pages_;

@@ -9,6 +9,9 @@
 #include "Search.hpp"
 #include "Text.hpp"
 
+#include <boost/json/array.hpp>
+#include <boost/json/serialize.hpp>
+
 #include <algorithm>
 #include <set>
 
@@ -19,7 +22,7 @@ using html::escape;
 
 namespace {
 
-constexpr std::size_t kMaxShownHits = 200;
+constexpr std::size_t kMaxShownHits = 100;
 
 std::string refUrl(const html::PageRef& ref, const std::string& language) {
     return html::viewUrl("/ref/" + ref.path, language, ref.fragment);
@@ -45,7 +48,7 @@ std::string document(const std::vector<std::string>& languages, const std::strin
            escape(html::viewUrl("/", language)) +
            "\">refdoc</a>"
            "<form action=\"/search\" method=\"get\" role=\"search\"><input type=\"search\" id=\"q\" name=\"q\" "
-           "placeholder=\"Search names\" autocomplete=\"off\" aria-label=\"Search names\" value=\"" +
+           "placeholder=\"Search (press /)\" autocomplete=\"off\" aria-label=\"Search names and purposes\" value=\"" +
            escape(view.query) + "\"><input type=\"hidden\" name=\"lang\" value=\"" + escape(language) +
            "\"><button type=\"submit\">Search</button></form><nav class=\"langs\" aria-label=\"Language\">";
     for (const auto& code : languages) {
@@ -185,58 +188,84 @@ void productView(const Snapshot& snapshot, const std::string& key, View& view) {
 
 // ---- search --------------------------------------------------------------------------------
 
+namespace {
+
+std::vector<reference::search::SearchHit> searchHits(const Snapshot& snapshot, const std::string& text,
+                                                     std::size_t limit) {
+    SearchOptions options;
+    options.text = text;
+    options.limit = limit;
+    return snapshot.index().search(toQuery(options));
+}
+
+} // namespace
+
 void searchView(const Snapshot& snapshot, const std::string& text, View& view) {
     const std::string& language = snapshot.language();
     view.title = text.empty() ? "Search" : "Search: " + text;
     view.query = text;
     view.crumbs = {{"Search", ""}};
-    std::vector<std::u32string> queries;
-    for (const auto& piece : splitList(std::string_view(text))) {
-        // Words separated by blanks are separate texts, as `refdoc find a b` takes them.
-        std::size_t start = 0;
-        while (start < piece.size()) {
-            const std::size_t blank = piece.find_first_of(" \t", start);
-            const std::string word = piece.substr(start, blank == std::string::npos ? blank : blank - start);
-            if (!word.empty()) {
-                queries.push_back(foldCase(toUtf16(word)));
-            }
-            if (blank == std::string::npos) {
-                break;
-            }
-            start = blank + 1;
-        }
-    }
     std::string& out = view.body;
     out += "<h1>Search</h1>\n<div id=\"results\">";
-    if (queries.empty()) {
-        out += "<p class=\"muted\">Type a name, or part of one, in the box above.</p></div>\n";
+    if (text.find_first_not_of(" \t") == std::string::npos) {
+        out += "<p class=\"muted\">Type a name, part of one, its initials or words of its purpose in the box "
+               "above.</p></div>\n";
         return;
     }
     view.counts = snapshot.lookupCounts();
-    std::size_t total = 0;
-    const std::vector<Hit> hits = snapshot.names().find(queries, kMaxShownHits, total);
-    out += "<p class=\"meta\">" + plural(total, "match", "matches") + " for <strong>" + escape(text) +
-           "</strong> (exact, then prefix, then substring; case ignored)</p>\n";
+    std::vector<reference::search::SearchHit> hits = searchHits(snapshot, text, kMaxShownHits + 1);
+    const bool more = hits.size() > kMaxShownHits;
+    hits.resize(std::min(hits.size(), kMaxShownHits));
+    out += "<p class=\"meta\">" + (more ? "The best " + std::to_string(kMaxShownHits) + " matches"
+                                         : plural(hits.size(), "match", "matches")) +
+           " for <strong>" + escape(text) + "</strong>, best first</p>\n";
     if (!hits.empty()) {
         out += "<table class=\"hits\"><thead><tr><th>Name</th><th>Purpose</th><th>Product</th><th>Match</th></tr>"
                "</thead><tbody>\n";
-        for (const Hit& hit : hits) {
-            const auto ref = html::pageHref(hit.href);
+        for (const auto& hit : hits) {
+            std::string name;
+            const auto runs = nameRuns(hit);
+            for (std::size_t i = 0; i < runs.size(); ++i) {
+                name += i % 2 == 1 ? "<mark>" + escape(runs[i]) + "</mark>" : escape(runs[i]);
+            }
+            const auto ref = html::pageHref(toUtf8(hit.item->getHref()));
+            const std::string key = toUtf8(*hit.productKey);
             out += "<tr><td>";
-            out += ref ? "<a class=\"hit\" href=\"" + escape(refUrl(*ref, language)) + "\">" + escape(hit.name) + "</a>"
-                       : escape(hit.name);
-            out += "</td><td>" + escape(hit.purpose) + "</td><td><a href=\"" +
-                   escape(html::productUrl(hit.productKey, language)) + "\">" + escape(hit.productName) + "</a>" +
-                   (hit.installed ? "" : "<span class=\"tag\">not installed</span>") + "</td><td>" +
-                   std::string(matchName(hit.match)) + "</td></tr>\n";
+            out += ref ? "<a class=\"hit\" href=\"" + escape(refUrl(*ref, language)) + "\">" + name + "</a>" : name;
+            if (hit.deprecated) {
+                out += "<span class=\"tag deprecated\">deprecated</span>";
+            }
+            out += "</td><td>" + escape(toUtf8(hit.item->getPurpose())) + "</td><td><a href=\"" +
+                   escape(html::productUrl(key, language)) + "\">" + escape(toUtf8(hit.product->getProductName())) +
+                   "</a>" + (hit.installed ? "" : "<span class=\"tag\">not installed</span>") + "</td><td>" +
+                   std::string(reference::search::toString(hit.match)) + "</td></tr>\n";
         }
         out += "</tbody></table>\n";
-        if (total > hits.size()) {
-            out += "<p class=\"muted\">" + std::to_string(total - hits.size()) +
-                   " more; a longer text narrows the search.</p>\n";
+        if (more) {
+            out += "<p class=\"muted\">More match; a longer text narrows the search.</p>\n";
         }
     }
     out += "</div>\n";
+}
+
+std::string searchJson(const Snapshot& snapshot, const std::string& text, std::size_t limit) {
+    boost::json::array array;
+    if (text.find_first_not_of(" \t") != std::string::npos) {
+        for (const auto& hit : searchHits(snapshot, text, limit)) {
+            boost::json::object object = hitJson(hit);
+            // Where the web view opens the hit: its page in the view's language, when it has one.
+            const auto ref = html::pageHref(toUtf8(hit.item->getHref()));
+            object["url"] = ref ? boost::json::value(refUrl(*ref, snapshot.language())) : boost::json::value(nullptr);
+            // The matched runs of the name as [offset, length] in UTF-16 code units, as scripts count.
+            boost::json::array ranges;
+            for (const auto& range : hit.nameRanges) {
+                ranges.push_back(boost::json::array{range.begin, range.length});
+            }
+            object["ranges"] = std::move(ranges);
+            array.push_back(std::move(object));
+        }
+    }
+    return boost::json::serialize(array);
 }
 
 // ---- a reference page ---------------------------------------------------------------------------

@@ -44,6 +44,10 @@ void errorView(View& view, int status, const std::string& title, const std::stri
 void indexView(const Snapshot& snapshot, const std::filesystem::path& root, View& view);
 void productView(const Snapshot& snapshot, const std::string& key, View& view);
 void searchView(const Snapshot& snapshot, const std::string& text, View& view);
+// The best `limit` hits for `text` as a JSON array: the fields of `refdoc find --json` and "url",
+// the view of the hit's page (null when its link is not a page of the root), and "ranges", the
+// matched runs of the name.
+std::string searchJson(const Snapshot& snapshot, const std::string& text, std::size_t limit);
 // The page `href`, a relative path that html::pageHref accepts. `english` is the English
 // snapshot when the view's language is another, to tell which sections a translation lacks.
 void pageView(const Snapshot& snapshot, const Snapshot* english, const std::string& href, View& view);

@@ -28,6 +28,10 @@ enum class MatchKind : std::uint8_t {
 /// "typo", "words" or "purpose"; "" for a value outside the enumeration.
 REFDOC_API std::string_view toString(MatchKind kind) noexcept;
 
+/// The lowest score a hit of this kind can have. A hit's score less this is its grade within
+/// its kind; every score of a kind lies below the lowest score of the kind before it.
+REFDOC_API std::int32_t lowestScore(MatchKind kind) noexcept;
+
 /// A run of the entry's name that the query matched, in UTF-16 code units of the name as the
 /// lookup entry holds it (not folded), for highlighting.
 struct MatchRange {
