@@ -1,5 +1,6 @@
-// Headless Chromium through refdoc serve on the sample root: the index, a search typed into
-// the box, the page of a result with its breadcrumbs and contents, a see-also link, the problems
+// Headless Chromium through refdoc serve on the sample root: the index, the header's search box
+// as you type (hits appear, the arrow keys and Enter open one), the search view that follows the
+// box and keeps its text in the address, the page of a result with its breadcrumbs and contents, a see-also link, the problems
 // view, a translated page that lacks sections, and the dark colour scheme. Fails on a missing
 // element or any script error; saves a screenshot of each step.
 //   node serve.test.mjs REFDOC_EXECUTABLE SCREENSHOT_FOLDER
@@ -64,7 +65,21 @@ try {
   expect(['geodesy', 'mapping', 'optics', 'signal', 'usbdaq'].every((k) => keys.includes(k)), 'index keys: ' + keys);
   await page.screenshot({ path: join(shots, '1-index.png'), fullPage: true });
 
-  // The search page, then typing: the results follow the box without a submit.
+  // The header box: "/" puts the focus in it, hits appear as you type, Enter opens the chosen one.
+  await page.keyboard.press('/');
+  expect(await page.locator('#q').evaluate((box) => box === document.activeElement), '"/" focuses the box');
+  await page.keyboard.type('lpf', { delay: 60 });
+  const suggestion = page.locator('#suggestions li', { hasText: 'Low-Pass Filter' }).first();
+  await suggestion.waitFor();
+  expect((await suggestion.locator('mark').allTextContents()).join('') === 'LPF', 'initials marked');
+  await page.screenshot({ path: join(shots, '1-suggestions.png') });
+  await page.keyboard.press('ArrowDown');
+  expect((await suggestion.getAttribute('aria-selected')) === 'true', 'arrow key chooses the first hit');
+  await page.keyboard.press('Enter');
+  await page.waitForURL(/\/ref\/signal\/ref\/lowpassfilter-block\.html/);
+  expect((await page.locator('h1').first().textContent()).includes('Low-Pass Filter'), 'page opened with Enter');
+
+  // The search view, then typing: the results follow the box without a submit.
   await page.fill('#q', 'filt');
   await page.press('#q', 'Enter');
   await page.waitForURL(/\/search\?/);
@@ -76,7 +91,15 @@ try {
   await page.locator('#results p.meta', { hasText: 'for filter' }).waitFor();
   await page.screenshot({ path: join(shots, '2-search.png'), fullPage: true });
 
+  expect(page.url().includes('q=filter'), 'the address keeps the text: ' + page.url());
+  await page.keyboard.press('Escape');
   await hit.click();
+  await page.waitForURL(/\/ref\/signal\/ref\/fastfilter\.html/);
+  // Back returns to the search with its text and results.
+  await page.goBack();
+  await page.locator('#results a.hit', { hasText: 'fastfilter' }).waitFor();
+  expect((await page.locator('#q').inputValue()) === 'filter', 'search text after going back');
+  await page.goForward();
   await page.waitForURL(/\/ref\/signal\/ref\/fastfilter\.html/);
   for (const section of ['#syntax', '#inputs', '#outputs', '#examples', '#seealso', 'dt#input_b']) {
     await page.locator(section).waitFor();

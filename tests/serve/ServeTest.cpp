@@ -50,6 +50,11 @@ TEST(Serve, AnswersHostileRequestsWithClientErrorsAndKeepsServing) {
         {"GET", "/?lang=../ja", 400},
         {"GET", "/search?q=%00", 400},
         {"GET", "/search?q=" + std::string(300, 'a'), 400},
+        {"GET", "/api/search?q=%00", 400},
+        {"GET", "/api/search?q=x&limit=0", 400},
+        {"GET", "/api/search?q=x&limit=101", 400},
+        {"GET", "/api/search?q=x&limit=1e3", 400},
+        {"GET", "/api/search?q=x&lang=xx", 400},
         {"GET", "/assets/../../etc/passwd", 404},
         {"GET", "/" + std::string(9000, 'a'), 414},
         {"POST", "/", 405},
@@ -78,6 +83,40 @@ TEST(Serve, AnswersHostileRequestsWithClientErrorsAndKeepsServing) {
           "<a href=\"/product/signal?lang=en\">", "<a id=\"problems-link\" href=\"/problems?lang=en\">"}) {
         EXPECT_TRUE(contains(index->body, link)) << link;
     }
+    EXPECT_EQ(server.stop(), 0);
+}
+
+// The search box's requests: the best hits as JSON with the fields of `find --json`, the view
+// to open and the matched runs; errors as JSON too.
+TEST(Serve, SearchApiAnswersTheBestHitsAsJson) {
+    ServerProcess server({});
+    auto client = server.client();
+    const auto hits = [&](const std::string& path) {
+        const auto response = client.Get(path);
+        EXPECT_TRUE(response && response->status == 200 &&
+                    response->get_header_value("Content-Type") == "application/json")
+            << path;
+        return response ? boost::json::parse(response->body) : boost::json::value();
+    };
+    EXPECT_EQ(hits("/api/search?q=acquisition&limit=1"), boost::json::parse(R"json([{
+        "name": "usbacquire", "purpose": "Read samples from a USB acquisition device at up to 500 kS/s (±10 V)",
+        "href": "usbdaq/ref/usbacquire.html", "productKey": "usbdaq",
+        "productName": "Signal Toolkit Support Package for USB Data Acquisition", "installed": true,
+        "match": "purpose", "score": 950, "deprecated": false, "type": "function",
+        "url": "/ref/usbdaq/ref/usbacquire.html?lang=en", "ranges": []}])json"));
+    // The matched runs count UTF-16 code units, as the page's script does; the language follows lang.
+    const boost::json::value japanese = hits("/api/search?q=USBA&lang=ja&limit=1");
+    ASSERT_EQ(japanese.as_array().size(), 1u) << japanese;
+    EXPECT_EQ(japanese.at(0).at("ranges"), boost::json::parse("[[0, 4]]"));
+    EXPECT_EQ(japanese.at(0).at("purpose"), "USB 収録デバイスからサンプルを読み取る (最大 500 kS/s、±10 V)");
+    EXPECT_EQ(japanese.at(0).at("url"), "/ref/usbdaq/ref/usbacquire.html?lang=ja");
+    EXPECT_EQ(hits("/api/search?q=%20"), boost::json::array());
+    EXPECT_EQ(hits("/api/search?q=f&limit=2").as_array().size(), 2u);
+
+    const auto refused = client.Get("/api/search?q=x&limit=0");
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->status, 400);
+    EXPECT_EQ(boost::json::parse(refused->body), boost::json::parse(R"({"error": "The limit is a number from 1 to 100."})"));
     EXPECT_EQ(server.stop(), 0);
 }
 
@@ -127,6 +166,15 @@ TEST(Serve, EscapesHostileTextsAndLinksOnlyPagesOfTheRoot) {
                                    "href=\"//", "attacker.example/x.html\">"}) {
             EXPECT_FALSE(contains(response->body, unsafe)) << unsafe << " in\n" << response->body;
         }
+    }
+    // The search box opens only pages of the root.
+    for (const auto& [query, url] : {std::pair{"evil", boost::json::value(nullptr)},
+                                     std::pair{"good", boost::json::value("/ref/evil/good.html?lang=en")}}) {
+        const auto api = client.Get(std::string("/api/search?q=") + query);
+        ASSERT_TRUE(api);
+        const boost::json::value found = boost::json::parse(api->body);
+        ASSERT_EQ(found.as_array().size(), 1u) << found;
+        EXPECT_EQ(found.at(0).at("url"), url) << found;
     }
     const auto page = client.Get("/ref/evil/good.html");
     ASSERT_TRUE(page);

@@ -284,9 +284,9 @@ TEST_F(ToolCommands, FindRanksFiltersAndExplainsTheIndexsHits) {
     // Filters: entity type, product keys, installed products, deprecated entries.
     const auto names = [&](std::vector<std::string> args) {
         args.push_back("--json");
-        const ToolRun listed = run(args);
+        const json::value listed = run(args).json();
         std::vector<std::string> found;
-        for (const auto& entry : listed.json().as_array()) {
+        for (const auto& entry : listed.as_array()) {
             found.emplace_back(entry.at("name").as_string());
         }
         return found;
