@@ -322,6 +322,18 @@ TEST(SampleRoot, ToolShowsItsProductsAndItsBrokenFile) {
                          "usbdaq   yes            2  Signal Toolkit Support Package for USB Data Acquisition\n"))
         << lookup.out;
 
+    // The sample's README: find by purpose and by initials.
+    const ToolRun acquisition = runTool({"find", "acquisition"});
+    EXPECT_EQ(linesWith(acquisition.out, "(purpose)"),
+              (std::vector<std::string>{
+                  "    usbdaq/ref/usbacquire.html   Signal Toolkit Support Package for USB Data Acquisition [usbdaq]   "
+                  "(purpose)",
+                  "    usbdaq/ref/usbdevices.html   Signal Toolkit Support Package for USB Data Acquisition [usbdaq]   "
+                  "(purpose)"}))
+        << acquisition.out;
+    const ToolRun initials = runTool({"find", "lpf"});
+    EXPECT_TRUE(initials.out.starts_with("Low-Pass Filter  —  ")) << initials.out;
+
     const ToolRun check = runTool({"check", "--quiet"});
     EXPECT_EQ(check.status, 1);
     EXPECT_EQ(linesWith(check.out, "docCatalog/"),
