@@ -37,9 +37,7 @@ std::string_view toString(MatchKind kind) noexcept {
 }
 
 // Each kind scores within its own band of 1000, the first kind highest.
-std::int32_t lowestScore(MatchKind kind) noexcept {
-    return (7 - static_cast<int>(kind)) * 1000;
-}
+std::int32_t lowestScore(MatchKind kind) noexcept { return (7 - static_cast<int>(kind)) * 1000; }
 
 namespace {
 

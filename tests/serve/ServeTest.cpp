@@ -116,7 +116,8 @@ TEST(Serve, SearchApiAnswersTheBestHitsAsJson) {
     const auto refused = client.Get("/api/search?q=x&limit=0");
     ASSERT_TRUE(refused);
     EXPECT_EQ(refused->status, 400);
-    EXPECT_EQ(boost::json::parse(refused->body), boost::json::parse(R"({"error": "The limit is a number from 1 to 100."})"));
+    EXPECT_EQ(boost::json::parse(refused->body),
+              boost::json::parse(R"({"error": "The limit is a number from 1 to 100."})"));
     EXPECT_EQ(server.stop(), 0);
 }
 

@@ -254,8 +254,8 @@ TEST_F(ToolCommands, LookupAndFindSayHowManyFilesWereDropped) {
 // find asks the library's search index with the tool's options: the TEXTs are one query, the
 // filters narrow it, --explain says why, and the JSON carries every hit's fields.
 TEST_F(ToolCommands, FindRanksFiltersAndExplainsTheIndexsHits) {
-    boost::json::object gamma = lookupDocument({"Gamma", "GA", "gamma"}, {{"plotHistory", "Plots drawn so far"},
-                                                                           {"legacyPlot", "Old plotting"}});
+    boost::json::object gamma = lookupDocument({"Gamma", "GA", "gamma"},
+                                               {{"plotHistory", "Plots drawn so far"}, {"legacyPlot", "Old plotting"}});
     auto& items = gamma["refItems"].as_array();
     items[0].as_object()["type"] = "class";
     items[1].as_object()["deprecated"] = true;

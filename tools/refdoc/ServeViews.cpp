@@ -216,8 +216,8 @@ void searchView(const Snapshot& snapshot, const std::string& text, View& view) {
     std::vector<reference::search::SearchHit> hits = searchHits(snapshot, text, kMaxShownHits + 1);
     const bool more = hits.size() > kMaxShownHits;
     hits.resize(std::min(hits.size(), kMaxShownHits));
-    out += "<p class=\"meta\">" + (more ? "The best " + std::to_string(kMaxShownHits) + " matches"
-                                         : plural(hits.size(), "match", "matches")) +
+    out += "<p class=\"meta\">" +
+           (more ? "The best " + std::to_string(kMaxShownHits) + " matches" : plural(hits.size(), "match", "matches")) +
            " for <strong>" + escape(text) + "</strong>, best first</p>\n";
     if (!hits.empty()) {
         out += "<table class=\"hits\"><thead><tr><th>Name</th><th>Purpose</th><th>Product</th><th>Match</th></tr>"
