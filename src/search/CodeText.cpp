@@ -87,6 +87,31 @@ std::u16string folded(std::u16string_view text) {
     return out;
 }
 
+namespace {
+
+// Whether a character of `kind` after one of `previous` starts a segment: after a separator, at
+// a change between digits and the rest, at a capital after a small letter, and at the last
+// capital of a run that a small letter follows (HTML|Parser). `next` gives the kind of the
+// character after it (Separator at the end), asked only in that last case.
+template <class NextKind>
+bool startsSegment(Kind previous, Kind kind, const NextKind& next) {
+    if (kind == Kind::Separator) {
+        return false;
+    }
+    if (previous == Kind::Separator) {
+        return true;
+    }
+    if (kind == Kind::Digit || previous == Kind::Digit) {
+        return kind != previous;
+    }
+    if (kind != Kind::Upper) {
+        return false;
+    }
+    return previous == Kind::Lower || (previous == Kind::Upper && next() == Kind::Lower);
+}
+
+} // namespace
+
 void appendSegments(std::u16string_view name, std::vector<Segment>& out) {
     const std::size_t end = std::min<std::size_t>(name.size(), std::numeric_limits<std::uint16_t>::max());
     // Most code names are ASCII: their kinds come from a table, a unit at a time.
@@ -107,18 +132,8 @@ void appendSegments(std::u16string_view name, std::vector<Segment>& out) {
         Kind previous = Kind::Separator;
         for (std::size_t i = 0; i < end; ++i) {
             const Kind kind = kAsciiKinds[name[i]];
-            bool starts = false;
-            if (kind != Kind::Separator) {
-                if (previous == Kind::Separator) {
-                    starts = true;
-                } else if (kind == Kind::Digit || previous == Kind::Digit) {
-                    starts = kind != previous;
-                } else if (kind == Kind::Upper && previous == Kind::Lower) {
-                    starts = true;
-                } else if (kind == Kind::Upper && previous == Kind::Upper && i + 1 < end) {
-                    starts = kAsciiKinds[name[i + 1]] == Kind::Lower; // HTML|Parser
-                }
-            }
+            const bool starts =
+                startsSegment(previous, kind, [&] { return i + 1 < end ? kAsciiKinds[name[i + 1]] : Kind::Separator; });
             if (starts) {
                 out.push_back(Segment{static_cast<std::uint16_t>(i), kind == Kind::Digit});
             }
@@ -131,20 +146,10 @@ void appendSegments(std::u16string_view name, std::vector<Segment>& out) {
     while (i < end) {
         const std::size_t at = i;
         const Kind kind = kindOf(codePointAt(name, i));
-        bool starts = false;
-        if (kind != Kind::Separator) {
-            if (previous == Kind::Separator) {
-                starts = true;
-            } else if (kind == Kind::Digit || previous == Kind::Digit) {
-                starts = kind != previous;
-            } else if (kind == Kind::Upper && previous == Kind::Lower) {
-                starts = true;
-            } else if (kind == Kind::Upper && previous == Kind::Upper && i < end) {
-                // The last capital of a run starts the next word: HTML|Parser.
-                std::size_t next = i;
-                starts = kindOf(codePointAt(name, next)) == Kind::Lower;
-            }
-        }
+        const bool starts = startsSegment(previous, kind, [&] {
+            std::size_t next = i;
+            return i < end ? kindOf(codePointAt(name, next)) : Kind::Separator;
+        });
         if (starts) {
             out.push_back(Segment{static_cast<std::uint16_t>(at), kind == Kind::Digit});
         }

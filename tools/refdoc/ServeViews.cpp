@@ -345,6 +345,19 @@ void renderArgument(std::string& out, const PageView::Argument& argument, std::v
     out += "</dd>\n";
 }
 
+// A section that is one list of arguments (outputs, parameters); none when the list is empty.
+void renderArgumentSection(std::string& out, const char* id, const char* title,
+                           const std::vector<PageView::Argument>& arguments) {
+    if (arguments.empty()) {
+        return;
+    }
+    out += std::string("<section id=\"") + id + "\"><h2>" + title + "</h2><dl class=\"args\">\n";
+    for (const auto& argument : arguments) {
+        renderArgument(out, argument);
+    }
+    out += "</dl></section>\n";
+}
+
 // The page's sections, as ids and headings, in the order they are shown.
 std::vector<std::pair<std::string, std::string>> sectionsOf(const PageView& page) {
     std::vector<std::pair<std::string, std::string>> sections;
@@ -433,13 +446,7 @@ void renderPage(std::string& out, PageContext& context, const PageView& page, co
         }
         out += "</section>\n";
     }
-    if (!page.outputs.empty()) {
-        out += "<section id=\"outputs\"><h2>Outputs</h2><dl class=\"args\">\n";
-        for (const auto& output : page.outputs) {
-            renderArgument(out, output);
-        }
-        out += "</dl></section>\n";
-    }
+    renderArgumentSection(out, "outputs", "Outputs", page.outputs);
     if (!page.propertyGroups.empty()) {
         out += "<section id=\"properties\"><h2>Properties</h2>\n";
         for (const auto& group : page.propertyGroups) {
@@ -454,13 +461,7 @@ void renderPage(std::string& out, PageContext& context, const PageView& page, co
         }
         out += "</section>\n";
     }
-    if (!page.parameters.empty()) {
-        out += "<section id=\"parameters\"><h2>Parameters</h2><dl class=\"args\">\n";
-        for (const auto& parameter : page.parameters) {
-            renderArgument(out, parameter);
-        }
-        out += "</dl></section>\n";
-    }
+    renderArgumentSection(out, "parameters", "Parameters", page.parameters);
     if (!page.examples.empty()) {
         out += "<section id=\"examples\"><h2>Examples</h2><ul class=\"plain\">\n";
         for (const auto& example : page.examples) {
