@@ -45,3 +45,9 @@ install(FILES ${PROJECT_BINARY_DIR}/refdoc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR
 
 # The licence, and the release notes, where a package's documentation goes (share/doc/refdoc).
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+# JSON Schemas of the lookup and page file formats, for documentation authors' editors and
+# validators (share/refdoc/schemas).
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/schemas/
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/refdoc/schemas
+  FILES_MATCHING PATTERN "*.schema.json")

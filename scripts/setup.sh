@@ -2,11 +2,12 @@
 # Installs everything refdoc needs to build, test, benchmark and fuzz on Debian 12.
 # Idempotent: when every package is already present it only runs dpkg-query and exits.
 # (zipcmp, zipmerge and ziptool are listed because libzip-dev's CMake package refers to them;
-# zip, unzip and python3 write the test packages of everyday zip writers.)
+# zip, unzip and python3 write the test packages of everyday zip writers; python3-jsonschema
+# checks the published schemas against the library.)
 set -euo pipefail
 
 PACKAGES=(
-  build-essential cmake ninja-build pkg-config git zip unzip python3 doxygen
+  build-essential cmake ninja-build pkg-config git zip unzip python3 python3-jsonschema doxygen
   clang clang-format libclang-rt-14-dev
   libboost1.81-dev libboost-json1.81-dev libboost-log1.81-dev libboost-exception1.81-dev
   libzip-dev zipcmp zipmerge ziptool zlib1g-dev libicu-dev
