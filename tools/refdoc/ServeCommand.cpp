@@ -27,6 +27,11 @@ namespace {
 // there are many workers and an idle connection is closed soon.
 constexpr std::size_t kWorkers = 64;
 constexpr time_t kIdleSeconds = 2;
+// Connections the kernel holds while every worker is busy. Debian's cpp-httplib is a compiled
+// library that listens with room for 5, so a burst of connections overflowed it (the kernel
+// drops the handshakes it has no room for, and clients retry a second later): once bound, the
+// socket listens again with this room.
+constexpr int kBacklog = 128;
 
 // Without SO_REUSEPORT, which cpp-httplib sets by default: a second server on a port in use
 // must fail rather than share the port's connections with the first.
@@ -62,7 +67,11 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
 
     httplib::Server server;
     server.new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
-    server.set_socket_options(socketOptions);
+    socket_t listening = INVALID_SOCKET; // the last socket made: the bound one when binding succeeds
+    server.set_socket_options([&listening](socket_t sock) {
+        socketOptions(sock);
+        listening = sock;
+    });
     server.set_keep_alive_timeout(kIdleSeconds);
     server.set_payload_max_length(64 * 1024);
     server.set_pre_routing_handler([&cache](const httplib::Request& request, httplib::Response& response) {
@@ -86,6 +95,10 @@ int run(const Options& options, std::ostream& out, std::ostream& err) {
         }
         err << '\n';
         return kExitUsage;
+    }
+    if (::listen(listening, kBacklog) != 0) {
+        err << "refdoc: cannot listen on " << bind << " port " << bound << ": " << std::strerror(errno) << '\n';
+        return kExitProblem;
     }
     const std::string host = bind.find(':') != std::string::npos ? "[" + bind + "]" : bind;
     out << "refdoc serve: " << cache.settings().root.string()
