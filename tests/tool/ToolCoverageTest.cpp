@@ -87,7 +87,7 @@ TEST(ToolCoverage, CountsTranslatedAndEnglishEntriesAndPagesInTextAndJson) {
     // loaded for the comparison alone. The report is the same.
     for (const std::string languages : {"en,ja", "ja"}) {
         SCOPED_TRACE(languages);
-        const std::vector<std::string> base{"check", "--root", root.path().string(), "--languages", languages,
+        const std::vector<std::string> base{"check",  "--root", root.path().string(), "--languages", languages,
                                             "--lang", "ja"};
         auto args = base;
         args.push_back("--coverage");
@@ -174,6 +174,26 @@ TEST(ToolCoverage, LeavesTheExitStatusAndEnglishOnlyRootsAlone) {
         EXPECT_EQ(asJson.status, c.status);
         EXPECT_EQ(asJson.json().at("coverage").as_array().empty(), c.languages == "en");
     }
+}
+
+// The sample root's README shows the end of `refdoc check --coverage` for that root.
+TEST(ToolCoverage, SampleReadmeShowsTheSamplesCoverage) {
+    const ToolRun run = runTool({"check", "--coverage"});
+    ASSERT_EQ(run.status, 1) << ::testing::PrintToString(run); // instrument.json is broken on purpose
+    // "Checking ROOT (bundled sample)": the README beside the root the tool read.
+    const std::string first = run.out.substr(0, run.out.find('\n'));
+    const std::string prefix = "Checking ";
+    const std::string suffix = " (bundled sample)";
+    ASSERT_TRUE(first.starts_with(prefix) && first.ends_with(suffix)) << first;
+    const std::string readme = readBytes(
+        std::filesystem::path(first.substr(prefix.size(), first.size() - prefix.size() - suffix.size())) / "README.md");
+    const std::string command = "$ refdoc check --coverage\n…\n";
+    const std::size_t start = readme.find(command);
+    ASSERT_NE(start, std::string::npos) << "the README shows no coverage excerpt";
+    const std::size_t begin = start + command.size();
+    const std::string excerpt = readme.substr(begin, readme.find("```", begin) - begin);
+    ASSERT_TRUE(excerpt.starts_with("Translation coverage")) << excerpt;
+    EXPECT_TRUE(run.out.ends_with("\n" + excerpt)) << "README:\n" << excerpt << "\ntool:\n" << run.out;
 }
 
 } // namespace

@@ -139,8 +139,7 @@ void CoverageBuilder::compareLookup(const std::string& language, const LookupRes
                     [](auto&&...) {});
 }
 
-void CoverageBuilder::comparePages(const std::string& language, const PageFiles& english,
-                                   const PageFiles& translated) {
+void CoverageBuilder::comparePages(const std::string& language, const PageFiles& english, const PageFiles& translated) {
     compareProducts(byKey(english), byKey(translated), byLanguage_[language], &ProductCoverage::pages,
                     [](ProductCoverage& product, const std::u16string& href,
                        const std::vector<reference::property::RefItem>& englishPages,
@@ -149,8 +148,8 @@ void CoverageBuilder::comparePages(const std::string& language, const PageFiles&
                             return;
                         }
                         SectionGap gap{toUtf8(href), {}, {}};
-                        for (const auto& section :
-                             lackingSections(makePageView(englishPages.front()), makePageView(translatedPages.front()))) {
+                        for (const auto& section : lackingSections(makePageView(englishPages.front()),
+                                                                   makePageView(translatedPages.front()))) {
                             gap.sectionIds.emplace_back(section.id);
                             gap.sectionTitles.emplace_back(section.title);
                         }
@@ -215,10 +214,11 @@ std::pair<Report, Coverage> buildReportWithCoverage(const HostSettings& settings
 
 std::pair<Report, Coverage> buildReportWithCoverage(const HostSettings& settings) {
     auto& languageService = doclanguage::DocLanguage::getInstance();
-    auto result = buildReportWithCoverage(settings, [&](const std::string& language, const std::function<void()>& load) {
-        languageService.setDocLanguage(toUtf16(language));
-        load();
-    });
+    auto result =
+        buildReportWithCoverage(settings, [&](const std::string& language, const std::function<void()>& load) {
+            languageService.setDocLanguage(toUtf16(language));
+            load();
+        });
     languageService.setDocLanguage(toUtf16(settings.language));
     return result;
 }

@@ -27,9 +27,9 @@
 namespace refdoc::tool {
 
 struct CoverageCounts {
-    std::size_t total = 0;     // English entries or pages
-    std::size_t localized = 0; // of those, the ones the language has of its own
-    std::size_t fallback = 0;  // of those, the ones read in English
+    std::size_t total = 0;          // English entries or pages
+    std::size_t localized = 0;      // of those, the ones the language has of its own
+    std::size_t fallback = 0;       // of those, the ones read in English
     std::size_t onlyTranslated = 0; // the language's entries or pages that English does not have
 
     void add(const CoverageCounts& other);

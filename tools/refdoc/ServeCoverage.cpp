@@ -29,8 +29,8 @@ std::string pageLink(const std::string& href, const std::string& language) {
 void renderLanguage(std::string& out, const LanguageCoverage& coverage) {
     const std::string& language = coverage.language;
     out += "<section class=\"coverage\"><h2>" + escape(language) + "</h2>\n<p class=\"meta\">" +
-           escape(countsText(coverage.entries, "Lookup entries")) + "; " +
-           escape(countsText(coverage.pages, "pages")) + "</p>\n";
+           escape(countsText(coverage.entries, "Lookup entries")) + "; " + escape(countsText(coverage.pages, "pages")) +
+           "</p>\n";
     out += "<table class=\"products coverage\"><thead><tr><th>Key</th><th>Product</th><th>Entries</th>"
            "<th>Localized</th><th>In English</th><th>Pages</th><th>Localized</th><th>In English</th>"
            "<th>Lacking sections</th></tr></thead><tbody>\n";
@@ -38,8 +38,8 @@ void renderLanguage(std::string& out, const LanguageCoverage& coverage) {
         // Only a key of the lookup data has a product view.
         const bool hasView = product.entries.total + product.entries.onlyTranslated != 0;
         out += "<tr><td>" +
-               (hasView ? "<a href=\"" + escape(html::productUrl(product.key, language)) + "\">" +
-                              escape(product.key) + "</a>"
+               (hasView ? "<a href=\"" + escape(html::productUrl(product.key, language)) + "\">" + escape(product.key) +
+                              "</a>"
                         : escape(product.key)) +
                "</td><td>" + escape(product.productName) + "</td>" + numberCell(product.entries.total) +
                numberCell(product.entries.localized) + numberCell(product.entries.fallback) +
