@@ -6,6 +6,7 @@
 
 #include "CheckReport.hpp"
 #include "Commands.hpp"
+#include "Coverage.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
 #include "Text.hpp"
@@ -21,6 +22,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <system_error>
 #include <tuple>
@@ -395,17 +397,18 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
 
 } // namespace
 
-Report buildReport(const HostSettings& settings) {
+Report buildReport(const HostSettings& settings, const LoadObserver* observer) {
     auto& languageService = doclanguage::DocLanguage::getInstance();
-    Report report = buildReport(settings, [&](const std::string& language, const std::function<void()>& load) {
+    const LanguageRunner runIn = [&](const std::string& language, const std::function<void()>& load) {
         languageService.setDocLanguage(toUtf16(language));
         load();
-    });
+    };
+    Report report = buildReport(settings, runIn, observer);
     languageService.setDocLanguage(toUtf16(settings.language));
     return report;
 }
 
-Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
+Report buildReport(const HostSettings& settings, const LanguageRunner& runIn, const LoadObserver* observer) {
     // Each run reads the English files and the current language's variants, so one run per
     // supported language reads every file there is.
     std::vector<std::string> languages;
@@ -427,14 +430,20 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
         runIn(language, [&] {
             {
                 ParseDiagnosticsScope scope;
-                DocResourceParser::getResourceLookupFiles();
+                auto lookup = DocResourceParser::getResourceLookupFiles();
                 addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
+                if (observer != nullptr && observer->lookup) {
+                    observer->lookup(language, std::move(lookup));
+                }
             }
             const PageFileRoles roles = pageFileRoles(pageFolder);
             for (const auto& name : roles.names) {
                 ParseDiagnosticsScope scope;
-                DocResourceParser::getResourceFile(toUtf16(name));
+                auto pages = DocResourceParser::getResourceFile(toUtf16(name));
                 addRecords(report, seen, DataKind::Page, scope.takeFiles(), roles.variants);
+                if (observer != nullptr && observer->pages) {
+                    observer->pages(language, name, std::move(pages));
+                }
             }
         });
     }
@@ -467,12 +476,19 @@ struct Options {
     bool quiet = false;
     bool verbose = false;
     bool strict = false;
+    bool coverage = false;
 };
 
 int run(const Options& options, std::ostream& out) {
     const HostSettings settings = resolveHostSettings(options.host);
     applyHostSettings(settings);
-    const Report report = buildReport(settings);
+    Report report;
+    std::optional<Coverage> coverage;
+    if (options.coverage) {
+        std::tie(report, coverage) = buildReportWithCoverage(settings);
+    } else {
+        report = buildReport(settings);
+    }
     const std::size_t dropped = report.dropped;
     const std::size_t warnings = report.warnings;
     const std::size_t read = report.files.size() - dropped;
@@ -508,17 +524,21 @@ int run(const Options& options, std::ostream& out) {
         for (const auto& group : groups) {
             byKind[group.kind] = boost::json::object{{"warnings", group.count}, {"files", group.lines.size()}};
         }
-        writeJson(out, boost::json::object{
-                           {"root", settings.root.string()},
-                           {"languages", std::move(languageArray)},
-                           {"files", std::move(files)},
-                           {"ignored", std::move(ignored)},
-                           {"summary", boost::json::object{{"read", read},
-                                                           {"dropped", dropped},
-                                                           {"warnings", warnings},
-                                                           {"warningsByKind", std::move(byKind)},
-                                                           {"ignored", report.ignored.size()}}},
-                       });
+        boost::json::object document{
+            {"root", settings.root.string()},
+            {"languages", std::move(languageArray)},
+            {"files", std::move(files)},
+            {"ignored", std::move(ignored)},
+            {"summary", boost::json::object{{"read", read},
+                                            {"dropped", dropped},
+                                            {"warnings", warnings},
+                                            {"warningsByKind", std::move(byKind)},
+                                            {"ignored", report.ignored.size()}}},
+        };
+        if (coverage) {
+            document["coverage"] = coverageJson(*coverage);
+        }
+        writeJson(out, document);
     } else {
         writeText(out, report, settings, {options.quiet, options.verbose});
         out << "\nSummary: " << counted(read, "file", "files") << " read, " << dropped << " dropped, "
@@ -531,6 +551,9 @@ int run(const Options& options, std::ostream& out) {
             out << " (" << joinList(kinds, ", ") << ')';
         }
         out << ", " << report.ignored.size() << " not read\n";
+        if (coverage) {
+            writeCoverageText(out, *coverage);
+        }
     }
     const bool failed = dropped != 0 || (options.strict && warnings != 0);
     return failed ? kExitProblem : kExitOk;
@@ -568,6 +591,11 @@ Command checkCommand() {
                    "  --verbose                list every file and text of each kind of warning, not the\n"
                    "                           first five\n"
                    "  --strict                 exit status 1 on warnings too\n"
+                   "  --coverage               after the report (or as \"coverage\" in the JSON), the\n"
+                   "                           translation coverage of each language but English: per\n"
+                   "                           product the lookup entries and pages it has of its own and\n"
+                   "                           those read in English, and its pages that lack sections\n"
+                   "                           of their English page; the exit status is the check's\n"
                    "  --json                   print the report as JSON\n" +
                    hostOptionsHelp();
     command.define = [](CLI::App& app) -> Runner {
@@ -577,6 +605,7 @@ Command checkCommand() {
         addFlag(app, "--quiet", options->quiet);
         addFlag(app, "--verbose", options->verbose);
         addFlag(app, "--strict", options->strict);
+        addFlag(app, "--coverage", options->coverage);
         return [options](std::ostream& out, std::ostream&) { return run(*options, out); };
     };
     return command;

@@ -6,6 +6,7 @@
 
 #include "Host.hpp"
 
+#include <reference/docparser/DocResourceParser.hpp>
 #include <reference/docparser/ParseDiagnostics.hpp>
 
 #include <filesystem>
@@ -38,16 +39,27 @@ struct Report {
     std::size_t warnings = 0;
 };
 
+// What each language's loads delivered, handed over as soon as a load returns, for reports made
+// from the data itself (the translation coverage). Either may be empty.
+struct LoadObserver {
+    std::function<void(const std::string& language, reference::docparser::DocResourceParser::ParsingResults<
+                                                        reference::docparser::DocResourceParser::LookupResourceMap>&&)>
+        lookup;
+    std::function<void(const std::string& language, const std::string& name,
+                       reference::docparser::DocResourceParser::RefItemFileMap&&)>
+        pages;
+};
+
 // Reads every file under the root of `settings`, which applyHostSettings has made current. It
 // switches the documentation language while it runs and sets it back to settings.language, so
 // no other thread may load data meanwhile.
-Report buildReport(const HostSettings& settings);
+Report buildReport(const HostSettings& settings, const LoadObserver* observer = nullptr);
 
 // Runs `load` with `language` as the current documentation language.
 using LanguageRunner = std::function<void(const std::string& language, const std::function<void()>& load)>;
 // The same report, with each language's loads run through `runIn`, for callers that share the
 // language setting with other threads.
-Report buildReport(const HostSettings& settings, const LanguageRunner& runIn);
+Report buildReport(const HostSettings& settings, const LanguageRunner& runIn, const LoadObserver* observer = nullptr);
 
 // The page files of `folder` as the library's enumeration of a data folder sorts them with the
 // current language and supported languages: the names the page loader takes (each base file's

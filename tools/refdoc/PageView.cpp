@@ -2,6 +2,9 @@
 
 #include "Text.hpp"
 
+#include <algorithm>
+#include <string_view>
+
 namespace refdoc::tool {
 namespace {
 
@@ -100,6 +103,36 @@ PageView makePageView(const RefItem& page) {
         view.parameters.push_back(std::move(entry));
     }
     return view;
+}
+
+bool PageSection::operator==(const PageSection& other) const { return std::string_view(id) == other.id; }
+
+std::vector<PageSection> sectionsOf(const PageView& page) {
+    std::vector<PageSection> sections;
+    const auto add = [&](bool present, const char* id, const char* title) {
+        if (present) {
+            sections.push_back({id, title});
+        }
+    };
+    add(!page.syntaxGroups.empty(), "syntax", "Syntax");
+    add(!page.inputGroups.empty(), "inputs", "Inputs");
+    add(!page.outputs.empty(), "outputs", "Outputs");
+    add(!page.propertyGroups.empty(), "properties", "Properties");
+    add(!page.parameters.empty(), "parameters", "Parameters");
+    add(!page.examples.empty(), "examples", "Examples");
+    add(!page.seeAlso.empty(), "seealso", "See also");
+    return sections;
+}
+
+std::vector<PageSection> lackingSections(const PageView& english, const PageView& translated) {
+    const std::vector<PageSection> present = sectionsOf(translated);
+    std::vector<PageSection> lacking;
+    for (const auto& section : sectionsOf(english)) {
+        if (std::find(present.begin(), present.end(), section) == present.end()) {
+            lacking.push_back(section);
+        }
+    }
+    return lacking;
 }
 
 } // namespace refdoc::tool

@@ -71,4 +71,16 @@ struct PageView {
 
 PageView makePageView(const reference::property::RefItem& page);
 
+// A section of a page as every view names it: the id of its element and its heading.
+struct PageSection {
+    const char* id;
+    const char* title;
+
+    bool operator==(const PageSection& other) const;
+};
+// The page's sections that have content, in the order they are shown.
+std::vector<PageSection> sectionsOf(const PageView& page);
+// The sections `english` has and `translated` lacks, in the order they are shown.
+std::vector<PageSection> lackingSections(const PageView& english, const PageView& translated);
+
 } // namespace refdoc::tool

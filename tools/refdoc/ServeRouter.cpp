@@ -2,6 +2,7 @@
 
 #include "Html.hpp"
 #include "ServeAssets.hpp"
+#include "ServeCoverage.hpp"
 #include "ServeViews.hpp"
 #include "Text.hpp"
 
@@ -131,6 +132,8 @@ void respond(SnapshotCache& cache, const httplib::Request& request, httplib::Res
         } else {
             problemsView(*cache.report(), settings.root, query, view);
         }
+    } else if (path == "/coverage") {
+        coverageView(*cache.coverage(), view);
     } else if (path.starts_with("/product/")) {
         const std::string key = path.substr(9);
         if (key.empty() || key.size() > 512 || key.find('/') != std::string::npos) {

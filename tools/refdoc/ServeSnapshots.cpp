@@ -211,4 +211,24 @@ std::shared_ptr<const Report> SnapshotCache::report() {
     return fresh;
 }
 
+std::shared_ptr<const Coverage> SnapshotCache::coverage() {
+    const std::lock_guard lock(coverageMutex_);
+    const auto seen = std::filesystem::file_time_type::clock::now();
+    Fingerprint now = fingerprint();
+    if (coverage_ && coverageFingerprint_ == now) {
+        return coverage_;
+    }
+    auto fresh = std::make_shared<const Coverage>(
+        buildReportWithCoverage(settings_, [this](const std::string& language, const std::function<void()>& load) {
+            gate_.run(language, load);
+        }).second);
+    if (settled(now, seen)) {
+        coverage_ = fresh;
+        coverageFingerprint_ = std::move(now);
+    } else {
+        coverage_ = nullptr;
+    }
+    return fresh;
+}
+
 } // namespace refdoc::tool::serve

@@ -7,6 +7,7 @@
 // root is read once.
 
 #include "CheckReport.hpp"
+#include "Coverage.hpp"
 #include "Host.hpp"
 #include "Search.hpp"
 
@@ -130,6 +131,8 @@ public:
     std::shared_ptr<const Snapshot> snapshot(const std::string& language);
     // What `refdoc check` reports for the data files as they are now.
     std::shared_ptr<const Report> report();
+    // The translation coverage (refdoc check --coverage) of the data files as they are now.
+    std::shared_ptr<const Coverage> coverage();
 
 private:
     struct Slot {
@@ -150,6 +153,9 @@ private:
     std::mutex reportMutex_;
     std::shared_ptr<const Report> report_;
     Fingerprint reportFingerprint_;
+    std::mutex coverageMutex_;
+    std::shared_ptr<const Coverage> coverage_;
+    Fingerprint coverageFingerprint_;
 };
 
 } // namespace refdoc::tool::serve

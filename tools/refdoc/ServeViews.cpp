@@ -60,7 +60,8 @@ std::string document(const std::vector<std::string>& languages, const std::strin
         }
     }
     const std::string problemsUrl = escape(html::viewUrl("/problems", language));
-    out += "</nav><a id=\"problems-link\" href=\"" + problemsUrl + "\">Problems</a></header>\n";
+    out += "</nav><a id=\"coverage-link\" href=\"" + escape(html::viewUrl("/coverage", language)) +
+           "\">Coverage</a><a id=\"problems-link\" href=\"" + problemsUrl + "\">Problems</a></header>\n";
     // The note appears only where a file the view read was dropped: it explains what may be
     // missing from this view. Warnings alone leave the data whole; the problems view has them.
     const LoadCounts& counts = view.counts;
@@ -358,24 +359,6 @@ void renderArgumentSection(std::string& out, const char* id, const char* title,
     out += "</dl></section>\n";
 }
 
-// The page's sections, as ids and headings, in the order they are shown.
-std::vector<std::pair<std::string, std::string>> sectionsOf(const PageView& page) {
-    std::vector<std::pair<std::string, std::string>> sections;
-    const auto add = [&](bool present, const char* id, const char* title) {
-        if (present) {
-            sections.emplace_back(id, title);
-        }
-    };
-    add(!page.syntaxGroups.empty(), "syntax", "Syntax");
-    add(!page.inputGroups.empty(), "inputs", "Inputs");
-    add(!page.outputs.empty(), "outputs", "Outputs");
-    add(!page.propertyGroups.empty(), "properties", "Properties");
-    add(!page.parameters.empty(), "parameters", "Parameters");
-    add(!page.examples.empty(), "examples", "Examples");
-    add(!page.seeAlso.empty(), "seealso", "See also");
-    return sections;
-}
-
 // A page with this many sections gets a table of contents.
 constexpr std::size_t kContentsFrom = 3;
 
@@ -410,8 +393,8 @@ void renderPage(std::string& out, PageContext& context, const PageView& page, co
     out += lacking;
     if (const auto sections = sectionsOf(page); sections.size() >= kContentsFrom) {
         out += "<nav class=\"toc\" aria-label=\"On this page\"><strong>On this page</strong><ul>";
-        for (const auto& [id, title] : sections) {
-            out += std::string("<li><a href=\"#") + id + "\">" + title + "</a></li>";
+        for (const auto& section : sections) {
+            out += std::string("<li><a href=\"#") + section.id + "\">" + section.title + "</a></li>";
         }
         out += "</ul></nav>\n";
     }
@@ -503,12 +486,9 @@ std::string lackingNote(const Snapshot* english, const std::string& href, const 
     if (pages == nullptr || pages->empty()) {
         return {};
     }
-    const auto translated = sectionsOf(page);
     std::vector<std::string> missing;
-    for (const auto& section : sectionsOf(makePageView(pages->front()))) {
-        if (std::find(translated.begin(), translated.end(), section) == translated.end()) {
-            missing.push_back(section.second);
-        }
+    for (const auto& section : lackingSections(makePageView(pages->front()), page)) {
+        missing.push_back(section.title);
     }
     if (missing.empty()) {
         return {};
