@@ -6,6 +6,7 @@
 
 #include "CheckReport.hpp"
 #include "Commands.hpp"
+#include "CrossReferences.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
 #include "Text.hpp"
@@ -116,7 +117,9 @@ void addLocaleWarnings(Report& report, const HostSettings& settings) {
         file.nameWarnings.push_back(
             {"locale variant read as English",
              "the name ends in \"_" + code + "\", but \"" + code + "\" is not a supported language (" +
-                 joinList(settings.supportedLanguages, ", ") + "): read as English data, never over English"});
+                 joinList(settings.supportedLanguages, ", ") + "): read as English data, never over English",
+             "add " + code + " to the supported languages (--languages, or \"supportedLanguages\" in " + kHostFileName +
+                 "), or rename the file if it is no translation of " + base});
     }
 }
 
@@ -140,6 +143,30 @@ void addUnusedPackageWarnings(Report& report) {
     }
 }
 
+// The name with each byte that is not part of valid UTF-8 as \xHH.
+std::string printableName(const std::string& name) {
+    std::string out;
+    for (std::size_t i = 0; i < name.size();) {
+        std::size_t length = 1;
+        const auto byte = static_cast<unsigned char>(name[i]);
+        if (byte >= 0xC0) {
+            length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
+        }
+        const std::string piece = name.substr(i, length);
+        if (byte < 0x80 || (piece.size() == length && toUtf8(toUtf16(piece)) == piece)) {
+            out += piece;
+            i += length;
+            continue;
+        }
+        static constexpr char kHex[] = "0123456789ABCDEF";
+        out += "\\x";
+        out += kHex[byte >> 4];
+        out += kHex[byte & 0xF];
+        ++i;
+    }
+    return out;
+}
+
 // Entries of a data folder that the library passes over; `accepts` tells the data files.
 template <class Accepts>
 void addIgnored(Report& report, const std::filesystem::path& folder, const std::filesystem::path& root,
@@ -151,8 +178,17 @@ void addIgnored(Report& report, const std::filesystem::path& folder, const std::
     }
     for (const auto& entry : entries) {
         const std::string name = entry.path().filename().string();
-        if (!entry.is_directory(error) && !accepts(name)) {
-            report.ignored.push_back(std::filesystem::relative(entry.path(), root, error).string());
+        if (entry.is_directory(error)) {
+            continue;
+        }
+        const std::string path = std::filesystem::relative(entry.path(), root, error).string();
+        if (!accepts(name)) {
+            report.ignored.push_back(path);
+        } else if (toUtf8(toUtf16(name)) != name) {
+            // The library's listing passes over such a name without a record.
+            report.skipped.push_back({printableName(path),
+                                      {kNameNotUtf8, "the library skips a data file whose name is not UTF-8",
+                                       "rename the file with a UTF-8 name (its bytes here are shown as \\xHH)"}});
         }
     }
     std::sort(report.ignored.begin(), report.ignored.end());
@@ -229,10 +265,10 @@ std::vector<WarningItem> warningItems(const CheckedFile& file) {
                 continue;
             }
         }
-        items.push_back({kind, warning.jsonPath, warning.text, 1});
+        items.push_back({kind, warning.jsonPath, warning.text, 1, kindFix(kind)});
     }
     for (const auto& warning : file.nameWarnings) {
-        items.push_back({warning.kind, "", warning.text, 1});
+        items.push_back({warning.kind, "", warning.text, 1, warning.fix.empty() ? kindFix(warning.kind) : warning.fix});
     }
     return items;
 }
@@ -265,25 +301,40 @@ std::string kindNote(const std::string& kind) {
 
 std::vector<WarningGroup> groupWarnings(const Report& report, const std::filesystem::path& root) {
     std::map<std::string, WarningGroup> groups;
+    // A file's warnings of one kind: their texts, and their fix when they all have the same.
+    struct Texts {
+        std::vector<std::string> texts;
+        std::set<std::string> fixes;
+    };
+    const auto addLine = [&](const std::string& label, const std::string& kind, const Texts& texts) {
+        const std::string& fix = *texts.fixes.begin();
+        groups[kind].lines.push_back({label, texts.texts, texts.fixes.size() == 1 && fix != kindFix(kind) ? fix : ""});
+    };
     for (const auto& file : report.files) {
         if (warningCount(file) == 0) {
             continue;
         }
-        std::map<std::string, std::vector<std::string>> texts; // kind → the file's texts of it
+        std::map<std::string, Texts> texts; // kind → the file's warnings of it
         for (const auto& item : warningItems(file)) {
             WarningGroup& group = groups[item.kind];
             group.count += item.count;
-            texts[item.kind].push_back(itemText(item));
+            texts[item.kind].texts.push_back(itemText(item));
+            texts[item.kind].fixes.insert(item.fix);
         }
         const std::string label = fileLabel(file.diagnostic, root);
         for (const auto& [kind, list] : texts) {
-            groups[kind].lines.push_back({label, list});
+            addLine(label, kind, list);
         }
+    }
+    for (const auto& skipped : report.skipped) {
+        ++groups[skipped.warning.kind].count;
+        addLine(skipped.file, skipped.warning.kind, {{skipped.warning.text}, {skipped.warning.fix}});
     }
     std::vector<WarningGroup> out;
     for (auto& [kind, group] : groups) {
         group.kind = kind;
         group.note = kindNote(kind);
+        group.fix = kindFix(kind);
         out.push_back(std::move(group));
     }
     return out;
@@ -364,6 +415,7 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
             out << '\n';
             if (d.dropped()) {
                 out << "           " << dropText(d) << '\n';
+                out << "           fix: " << dropFix(d) << '\n';
             }
         }
         if (shown == 0) {
@@ -380,9 +432,17 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
                 out << " (" << group.note << ')';
             }
             out << '\n';
+            bool generalFix = false;
             printList(out, group.lines, options.verbose, "    ", [&](const WarningGroup::Line& line) {
                 out << "    " << line.file << ": " << lineText(line, options.verbose) << '\n';
+                if (!line.fix.empty()) {
+                    out << "      fix: " << line.fix << '\n';
+                }
+                generalFix = generalFix || line.fix.empty();
             });
+            if (generalFix && !group.fix.empty()) {
+                out << "    fix: " << group.fix << '\n';
+            }
         }
     }
     if (!report.ignored.empty()) {
@@ -423,18 +483,34 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
     std::set<Identity> seen;
     const auto roots = DocResourceParser::getReferenceRoots();
     const std::filesystem::path pageFolder = toUtf8(roots->referenceFolder);
+    // The cross-references are checked on what one run delivers: English alone when it is a
+    // supported language, else the first language's data merged over English.
+    const bool english = std::find(languages.begin(), languages.end(), "en") != languages.end();
+    const std::string checked = english ? std::string("en") : languages.front();
+    LoadedData data;
     for (const auto& language : languages) {
+        const bool keep = language == checked;
         runIn(language, [&] {
             {
                 ParseDiagnosticsScope scope;
-                DocResourceParser::getResourceLookupFiles();
-                addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
+                auto lookup = DocResourceParser::getResourceLookupFiles();
+                std::vector<FileDiagnostic> records = scope.takeFiles();
+                if (keep) {
+                    data.lookup = std::move(lookup);
+                    data.lookupRecords = records;
+                }
+                addRecords(report, seen, DataKind::Lookup, std::move(records));
             }
             const PageFileRoles roles = pageFileRoles(pageFolder);
             for (const auto& name : roles.names) {
                 ParseDiagnosticsScope scope;
-                DocResourceParser::getResourceFile(toUtf16(name));
-                addRecords(report, seen, DataKind::Page, scope.takeFiles(), roles.variants);
+                auto pages = DocResourceParser::getResourceFile(toUtf16(name));
+                std::vector<FileDiagnostic> records = scope.takeFiles();
+                if (keep) {
+                    data.pages[name] = std::move(pages);
+                    data.pageRecords[name] = records;
+                }
+                addRecords(report, seen, DataKind::Page, std::move(records), roles.variants);
             }
         });
     }
@@ -445,6 +521,7 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
     });
     addLocaleWarnings(report, settings);
     addUnusedPackageWarnings(report);
+    addCrossReferenceWarnings(report, data, settings.root);
     // The page loader reads NAME.json and its translations only: a package there is not data.
     addIgnored(report, toUtf8(roots->lookupFolder), settings.root,
                [](const std::string& name) { return DocResourceParser::isValidFilename(name); });
@@ -456,6 +533,7 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn) {
         report.dropped += file.diagnostic.dropped() ? 1 : 0;
         report.warnings += warningCount(file);
     }
+    report.warnings += report.skipped.size();
     return report;
 }
 
@@ -484,6 +562,9 @@ int run(const Options& options, std::ostream& out) {
             boost::json::value entry = toJson(file.diagnostic, settings.root);
             auto& object = entry.as_object();
             object["kind"] = file.kind == DataKind::Lookup ? "lookup" : "page";
+            if (file.diagnostic.dropped()) {
+                object["fix"] = dropFix(file.diagnostic);
+            }
             boost::json::array warningArray;
             for (const auto& item : warningItems(file)) {
                 warningArray.push_back(
@@ -491,7 +572,8 @@ int run(const Options& options, std::ostream& out) {
                                         {"jsonPath", item.jsonPath.empty() ? boost::json::value(nullptr)
                                                                            : boost::json::value(item.jsonPath)},
                                         {"text", item.text},
-                                        {"count", item.count}});
+                                        {"count", item.count},
+                                        {"fix", item.fix}});
             }
             object["warnings"] = std::move(warningArray);
             files.push_back(std::move(entry));
@@ -504,15 +586,24 @@ int run(const Options& options, std::ostream& out) {
         for (const auto& path : report.ignored) {
             ignored.push_back(boost::json::value(path));
         }
+        boost::json::array skipped;
+        for (const auto& file : report.skipped) {
+            skipped.push_back(boost::json::object{{"path", file.file},
+                                                  {"kind", file.warning.kind},
+                                                  {"text", file.warning.text},
+                                                  {"fix", file.warning.fix}});
+        }
         boost::json::object byKind;
         for (const auto& group : groups) {
-            byKind[group.kind] = boost::json::object{{"warnings", group.count}, {"files", group.lines.size()}};
+            byKind[group.kind] =
+                boost::json::object{{"warnings", group.count}, {"files", group.lines.size()}, {"fix", group.fix}};
         }
         writeJson(out, boost::json::object{
                            {"root", settings.root.string()},
                            {"languages", std::move(languageArray)},
                            {"files", std::move(files)},
                            {"ignored", std::move(ignored)},
+                           {"skipped", std::move(skipped)},
                            {"summary", boost::json::object{{"read", read},
                                                            {"dropped", dropped},
                                                            {"warnings", warnings},
