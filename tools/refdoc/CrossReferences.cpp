@@ -121,9 +121,8 @@ private:
         }
         const std::u16string wanted = toUtf16(key);
         const std::string file =
-            productPageFile(names_, productFolder(lookupOf(key), key), [&](const std::string& name) {
-                return data_.pages.at(name).count(wanted) != 0;
-            });
+            productPageFile(names_, productFolder(lookupOf(key), key),
+                            [&](const std::string& name) { return data_.pages.at(name).count(wanted) != 0; });
         return pageFileOf_.emplace(key, file).first->second;
     }
 
@@ -171,7 +170,8 @@ private:
             for (const auto& entry : entries) {
                 const std::string entryName = quoted(toUtf8(entry.getName()));
                 const std::string href = withoutFragment(entry.getHref());
-                const auto found = pages ? pages->getItems().find(toUtf16(href)) : PageResource::ItemMap::const_iterator{};
+                const auto found =
+                    pages ? pages->getItems().find(toUtf16(href)) : PageResource::ItemMap::const_iterator{};
                 if (pages == nullptr) {
                     warn(lookupFile, {kEntryWithoutPage,
                                       "entry " + entryName + " of " + key + " links to " + href +
@@ -216,7 +216,8 @@ private:
         }
         const RefEntityType::Value entryType = entry.getEntityType();
         const RefEntityType::Value pageType = named->getEntityType();
-        if (entryType != pageType && entryType != RefEntityType::Unspecified && pageType != RefEntityType::Unspecified) {
+        if (entryType != pageType && entryType != RefEntityType::Unspecified &&
+            pageType != RefEntityType::Unspecified) {
             warn(lookupFile,
                  {kEntryPageMismatch,
                   "entry " + entryName + " of " + key + " is a " + typeName(entryType) + ", its page " + href +
@@ -246,15 +247,16 @@ private:
                 continue;
             }
             if (resource == nullptr) {
-                warn(pageFile, {kPageWithoutEntry, "page " + href + " of " + key + ": no lookup file has the product " + key,
-                                "add a lookup file with the product " + key + " and an entry that links to " + href +
-                                    ", or remove the page"});
+                warn(pageFile,
+                     {kPageWithoutEntry, "page " + href + " of " + key + ": no lookup file has the product " + key,
+                      "add a lookup file with the product " + key + " and an entry that links to " + href +
+                          ", or remove the page"});
             } else {
-                warn(pageFile, {kPageWithoutEntry,
-                                "page " + href + " of " + key + ": no entry of " + key + " in " + lookupLabel +
-                                    " links to it",
-                                "add an entry with href " + href + " to " + lookupLabel + " (product " + key +
-                                    ") or remove the page"});
+                warn(pageFile,
+                     {kPageWithoutEntry,
+                      "page " + href + " of " + key + ": no entry of " + key + " in " + lookupLabel + " links to it",
+                      "add an entry with href " + href + " to " + lookupLabel + " (product " + key +
+                          ") or remove the page"});
             }
         }
     }

@@ -31,10 +31,9 @@ inline constexpr const char* kNameNotUtf8 = "file name not UTF-8";
 
 // What the loads of one language delivered.
 struct LoadedData {
-    reference::docparser::DocResourceParser::ParsingResults<
-        reference::docparser::DocResourceParser::LookupResourceMap>
+    reference::docparser::DocResourceParser::ParsingResults<reference::docparser::DocResourceParser::LookupResourceMap>
         lookup;
-    std::vector<reference::docparser::FileDiagnostic> lookupRecords; // in the order they were read
+    std::vector<reference::docparser::FileDiagnostic> lookupRecords;                      // in the order they were read
     std::map<std::string, reference::docparser::DocResourceParser::RefItemFileMap> pages; // by page file name
     std::map<std::string, std::vector<reference::docparser::FileDiagnostic>> pageRecords; // by page file name
 };

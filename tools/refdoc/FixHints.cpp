@@ -20,9 +20,7 @@ std::string parentOf(const std::string& pointer) {
     return slash == std::string::npos || slash == 0 ? std::string() : pointer.substr(0, slash);
 }
 
-std::string where(const std::string& pointer) {
-    return pointer.empty() ? "at the top level" : "at " + pointer;
-}
+std::string where(const std::string& pointer) { return pointer.empty() ? "at the top level" : "at " + pointer; }
 
 } // namespace
 
