@@ -22,9 +22,9 @@ namespace json = boost::json;
 const std::filesystem::path kLookup = "docCatalog/referenceapi_lookup";
 const std::filesystem::path kPages = "docCatalog/referenceapi";
 
-const char* const kCrossReferenceKinds[] = {"entry links to no page", "page without entry", "broken see-also link",
-                                            "entry and page disagree", "product key in several files",
-                                            "file name not UTF-8"};
+const char* const kCrossReferenceKinds[] = {"entry links to no page",       "page without entry",
+                                            "broken see-also link",         "entry and page disagree",
+                                            "product key in several files", "file name not UTF-8"};
 
 json::object header(const std::string& key) {
     return {{"productName", "Product " + key}, {"baseCode", "P"}, {"helpFolder", key}, {"helpLocation", "h"}};
@@ -34,8 +34,7 @@ json::object entry(const std::string& name, const std::string& type, const std::
     return {{"name", name}, {"type", type}, {"refpurpose", "p"}, {"href", href}};
 }
 
-json::object page(const std::string& name, const std::string& type, const std::string& href,
-                  json::array seeAlso = {}) {
+json::object page(const std::string& name, const std::string& type, const std::string& href, json::array seeAlso = {}) {
     return {{"href", href},
             {"refpurpose", "p"},
             {"refentity", json::array{json::object{{"type", type}, {"name", name}}}},
@@ -48,14 +47,14 @@ struct Root {
     json::object pages = header("alpha");
 
     Root() {
-        lookup["refItems"] = json::array{entry("one", "function", "alpha/one.html#syntax"),
-                                         entry("Two", "class", "alpha/two.html")};
-        pages["refItems"] = json::array{
-            page("one", "function", "alpha/one.html",
-                 json::array{json::object{{"url", "alpha/two.html"}, {"name", "Two"}},
-                             json::object{{"url", "https://example.org/one"}, {"name", "outside"}},
-                             json::object{{"url", "mailto:docs@example.org"}, {"name", "mail"}}}),
-            page("Two", "class", "alpha/two.html")};
+        lookup["refItems"] =
+            json::array{entry("one", "function", "alpha/one.html#syntax"), entry("Two", "class", "alpha/two.html")};
+        pages["refItems"] =
+            json::array{page("one", "function", "alpha/one.html",
+                             json::array{json::object{{"url", "alpha/two.html"}, {"name", "Two"}},
+                                         json::object{{"url", "https://example.org/one"}, {"name", "outside"}},
+                                         json::object{{"url", "mailto:docs@example.org"}, {"name", "mail"}}}),
+                        page("Two", "class", "alpha/two.html")};
     }
     json::array& entries() { return lookup["refItems"].as_array(); }
     json::array& pageList() { return pages["refItems"].as_array(); }
@@ -185,9 +184,9 @@ TEST(ToolCrossReferences, EachFaultIsReportedOnceWithItsFix) {
              "first, then the others by name); these are not",
          "keep the pages of alpha in one file: move them to " + pageFile +
              ", or give one of the documents another key (helpFolder; baseCode for a support package)"},
-        {"file name not UTF-8",
-         [](Root&, const TempDir& dir) { dir.write(kLookup / "caf\xE9.json", "{}"); }, "file name not UTF-8",
-         "docCatalog/referenceapi_lookup/caf\\xE9.json", "the library skips a data file whose name is not UTF-8",
+        {"file name not UTF-8", [](Root&, const TempDir& dir) { dir.write(kLookup / "caf\xE9.json", "{}"); },
+         "file name not UTF-8", "docCatalog/referenceapi_lookup/caf\\xE9.json",
+         "the library skips a data file whose name is not UTF-8",
          "rename the file with a UTF-8 name (its bytes here are shown as \\xHH)"},
     };
     for (const auto& c : cases) {
