@@ -37,8 +37,9 @@ TEST(ServeCoverage, TablesPerLanguageLinkThePagesThatLackSections) {
     // reference of the root, so it is text.
     root.write("docCatalog/referenceapi/p.json",
                resourceFile("P", "p", page("p/f.html", "f", true) + "," + page("javascript:alert(2)", "x", true)));
-    root.write("docCatalog/referenceapi/p_ja.json",
-               resourceFile("P", "p", page("p/f.html", "エフ", false) + "," + page("javascript:alert(2)", "エックス", false)));
+    root.write(
+        "docCatalog/referenceapi/p_ja.json",
+        resourceFile("P", "p", page("p/f.html", "エフ", false) + "," + page("javascript:alert(2)", "エックス", false)));
     ServerProcess server({"--root", root.path().string(), "--languages", "en,ja"});
     auto client = server.client();
 
@@ -46,8 +47,7 @@ TEST(ServeCoverage, TablesPerLanguageLinkThePagesThatLackSections) {
         std::string path;
         std::vector<std::string> shown;
     } cases[] = {
-        {"/",
-         {"<a id=\"coverage-link\" href=\"/coverage?lang=en\">Coverage</a>"}},
+        {"/", {"<a id=\"coverage-link\" href=\"/coverage?lang=en\">Coverage</a>"}},
         {"/coverage",
          {"<li aria-current=\"page\">Translation coverage</li>", "<h2>ja</h2>",
           "Lookup entries 1 of 2 localized, 1 in English; pages 2 of 2 localized, 0 in English",

@@ -249,7 +249,7 @@ TEST(Serve, ProblemsAreGroupedAndLongListsPaged) {
           "href=\"/problems?lang=en&amp;show=unknown%20enumeration%20text&amp;page=1\">All 130, 100 to a page</a>",
           "docCatalog/referenceapi_lookup/broken.json"},
          {"k1020.json", "id=\"problem-count\""},
-         20 + 1},
+         20 + 20 + 1}, // the first 20 of each group: unknown texts, and entries that link to no page
         {list + "1",
          200,
          {"rows 1–100 of 130 · page 1 of 2", "rel=\"next\"", "k1099.json"},

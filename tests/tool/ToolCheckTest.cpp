@@ -96,8 +96,11 @@ TEST(ToolCheck, WordsEachKindOfDropInTextAndJson) {
 
 TEST(ToolCheck, ReadsEveryLanguageVariantAndQuietListsOnlyProblems) {
     const TempDir root;
+    // Entry and page agree: the page's entity is named for its href.
+    const std::string lookup =
+        fileText(lookupDocument({"Product alpha", "alpha", "alpha"}, {{"a.html", "A", "a.html"}}));
     for (const char* name : {"alpha.json", "alpha_ja.json", "alpha_ko.json"}) {
-        root.write(kLookup / name, lookupText("alpha"));
+        root.write(kLookup / name, lookup);
     }
     for (const char* name : {"alpha.json", "alpha_ja.json"}) {
         root.write(kPages / name, fileText(pageDocument({"Alpha", "AL", "alpha"}, {{"a.html", "A"}})));
@@ -182,43 +185,75 @@ TEST(ToolCheck, WarnsAboutWhatIsReadOnlyLeniently) {
     const ToolRun result = check(root, {"--languages", "en,ja"});
     ASSERT_EQ(result.status, 0) << ::testing::PrintToString(result);
     for (const char* expected : {
-             "  warning  docCatalog/referenceapi_lookup/lenient.json  → lenient  [4 warnings]\n",
+             "  warning  docCatalog/referenceapi_lookup/lenient.json  → lenient  [8 warnings]\n",
+             // Each group ends with what to change, under each file when it names the file.
              "Warnings by kind\n"
-             "  document key taken: 1 warning in 1 file (support packages dropped: an earlier document of the "
-             "same file has their key)\n"
+             "  document key taken: 1 warning in 1 file (support packages dropped: an earlier document of the same "
+             "file has their key)\n"
              "    docCatalog/referenceapi_lookup/lenient.json: key \"lenient\" at /supportPackages/0\n"
+             "    fix: give the support package a baseCode of its own, or remove the repeated document\n"
+             "  entry links to no page: 4 warnings in 1 file\n"
+             "    docCatalog/referenceapi_lookup/lenient.json: entry \"a\" of lenient links to a.html, but no page "
+             "file has the product lenient; entry \"b\" of lenient links to b.html, but no page file has the product "
+             "lenient; entry \"c\" of lenient links to c.html, but no page file has the product lenient; entry "
+             "\"item\" of lenient links to item.html, but no page file has the product lenient\n"
+             "    fix: add the linked page to the product's page file, or correct the entry's href\n"
              "  locale variant read as English: 1 warning in 1 file\n"
              "    docCatalog/referenceapi_lookup/lenient_fr.json: the name ends in \"_fr\", but \"fr\" is not a "
              "supported language (en, ja): read as English data, never over English\n"
+             "      fix: add fr to the supported languages (--languages, or \"supportedLanguages\" in "
+             "refdoc-host.json), or rename the file if it is no translation of lenient\n"
              "  package never read: 1 warning in 1 file\n"
              "    docCatalog/referenceapi_lookup/orphan_ja.zip: no entry is read: a package named for a language is "
              "read only when that language is current, and then only an entry whose name ends in the same suffix\n"
-             // One line per file and text, however many items hold it.
+             "    fix: put .json entries in the package, each named for the package's language when it has one, or "
+             "remove the package\n"
+             "  product key in several files: 1 warning in 1 file\n"
+             "    docCatalog/referenceapi_lookup/lenient_fr.json: product key \"lenient\" is also in "
+             "docCatalog/referenceapi_lookup/lenient.json, which the library reads first: its header and entries win, "
+             "this file adds only the entries under names that one lacks\n"
+             "      fix: keep the product lenient in one file: remove it here or in "
+             "docCatalog/referenceapi_lookup/lenient.json, or give one of them another key (helpFolder; baseCode for a "
+             "support package)\n"
              "  unknown enumeration text: 3 warnings in 1 file (enumeration texts that name no value: the default "
              "value is used)\n"
-             "    docCatalog/referenceapi_lookup/lenient.json: \"funktion\" ×2 (first at /refItems/0/type); "
-             "\"klass\" at /refItems/1/type\n",
+             "    docCatalog/referenceapi_lookup/lenient.json: \"funktion\" ×2 (first at /refItems/0/type); \"klass\" "
+             "at /refItems/1/type\n"
+             "    fix: use one of the texts the format defines (the JSON Schemas list them), or leave the member out\n",
              "Not read (only .json and .zip lookup files and .json page files are data): 2 files\n"
              "  docCatalog/referenceapi/lenient.JSON\n"
              "  docCatalog/referenceapi_lookup/notes.txt\n",
-             "Summary: 3 files read, 0 dropped, 6 warnings (document key taken: 1, locale variant read as English: 1, "
-             "package never read: 1, unknown enumeration text: 3), 2 not read\n",
+             "Summary: 3 files read, 0 dropped, 11 warnings (document key taken: 1, entry links to no page: 4, locale "
+             "variant read as English: 1, package never read: 1, product key in several files: 1, unknown enumeration "
+             "text: 3), 2 not read\n",
          }) {
         EXPECT_TRUE(contains(result.out, expected)) << "missing:\n" << expected << "\nin:\n" << result.out;
     }
 
     const ToolRun asJson = check(root, {"--languages", "en,ja", "--json"});
     ASSERT_EQ(asJson.status, 0);
-    EXPECT_EQ(recordOf(asJson.json(), "referenceapi_lookup/lenient.json").at("warnings"), json::parse(R"([
-        {"kind": "unknown enumeration text", "jsonPath": "/refItems/0/type", "text": "funktion", "count": 2},
-        {"kind": "unknown enumeration text", "jsonPath": "/refItems/1/type", "text": "klass", "count": 1},
-        {"kind": "document key taken", "jsonPath": "/supportPackages/0", "text": "lenient", "count": 1}])"));
+    const json::array warnings = recordOf(asJson.json(), "referenceapi_lookup/lenient.json").at("warnings").as_array();
+    ASSERT_EQ(warnings.size(), 7u); // and four entries that link to no page
+    EXPECT_EQ(json::array(warnings.begin(), warnings.begin() + 3), json::parse(R"([
+        {"kind": "unknown enumeration text", "jsonPath": "/refItems/0/type", "text": "funktion", "count": 2,
+         "fix": "use one of the texts the format defines (the JSON Schemas list them), or leave the member out"},
+        {"kind": "unknown enumeration text", "jsonPath": "/refItems/1/type", "text": "klass", "count": 1,
+         "fix": "use one of the texts the format defines (the JSON Schemas list them), or leave the member out"},
+        {"kind": "document key taken", "jsonPath": "/supportPackages/0", "text": "lenient", "count": 1,
+         "fix": "give the support package a baseCode of its own, or remove the repeated document"}])"));
     EXPECT_EQ(recordOf(asJson.json(), "referenceapi_lookup/lenient_fr.json").at("warnings").at(0).at("kind"),
               "locale variant read as English");
-    EXPECT_EQ(asJson.json().at("summary"), json::parse(R"({"read": 3, "dropped": 0, "warnings": 6, "ignored": 2,
+    json::object summary = asJson.json().at("summary").as_object();
+    for (auto& [kind, counts] : summary.at("warningsByKind").as_object()) {
+        EXPECT_FALSE(counts.as_object().at("fix").as_string().empty()) << kind;
+        counts.as_object().erase("fix");
+    }
+    EXPECT_EQ(summary, json::parse(R"({"read": 3, "dropped": 0, "warnings": 11, "ignored": 2,
         "warningsByKind": {"document key taken": {"warnings": 1, "files": 1},
+                           "entry links to no page": {"warnings": 4, "files": 1},
                            "locale variant read as English": {"warnings": 1, "files": 1},
                            "package never read": {"warnings": 1, "files": 1},
+                           "product key in several files": {"warnings": 1, "files": 1},
                            "unknown enumeration text": {"warnings": 3, "files": 1}}})"));
     EXPECT_EQ(asJson.json().at("ignored"),
               json::parse(R"(["docCatalog/referenceapi/lenient.JSON", "docCatalog/referenceapi_lookup/notes.txt"])"));
@@ -254,10 +289,12 @@ TEST(ToolCheck, ListsTheFirstFewFilesOfEachKindAndFailsOnWarningsWhenStrict) {
         bool more;             // the "… and 2 more" line
         std::string p6Line;    // the end of p6's line, or "" when it is not listed
     } cases[] = {
-        {{}, 0, 7 + 5, true, ""}, // each file once in the file list, five in the group
-        {{"--quiet"}, 0, 5, true, ""},
-        {{"--quiet", "--verbose"}, 0, 7, false, p6 + "; \"t4\" at /refItems/6/type\n"},
-        {{"--quiet", "--strict"}, 1, 5, true, ""},
+        // Each file once in the file list, five in each group: unknown texts, and entries that
+        // link to no page.
+        {{}, 0, 7 + 5 + 5, true, ""},
+        {{"--quiet"}, 0, 5 + 5, true, ""},
+        {{"--quiet", "--verbose"}, 0, 7 + 7, false, p6 + "; \"t4\" at /refItems/6/type\n"},
+        {{"--quiet", "--strict"}, 1, 5 + 5, true, ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.args));
@@ -281,8 +318,9 @@ TEST(ToolCheck, ListsTheFirstFewFilesOfEachKindAndFailsOnWarningsWhenStrict) {
 
     const ToolRun strictJson = check(root, {"--strict", "--json"});
     EXPECT_EQ(strictJson.status, 1);
-    EXPECT_EQ(strictJson.json().at("summary").at("warningsByKind"),
-              json::parse(R"({"unknown enumeration text": {"warnings": 15, "files": 5}})"));
+    EXPECT_EQ(strictJson.json().at("summary").at("warningsByKind").at("unknown enumeration text"),
+              json::parse(R"({"warnings": 15, "files": 5, "fix": "use one of the texts the format defines )"
+                          R"((the JSON Schemas list them), or leave the member out"})"));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Coverage.hpp"
+#include "CrossReferences.hpp"
 #include "Host.hpp"
 #include "Json.hpp"
 #include "Text.hpp"
@@ -118,7 +119,9 @@ void addLocaleWarnings(Report& report, const HostSettings& settings) {
         file.nameWarnings.push_back(
             {"locale variant read as English",
              "the name ends in \"_" + code + "\", but \"" + code + "\" is not a supported language (" +
-                 joinList(settings.supportedLanguages, ", ") + "): read as English data, never over English"});
+                 joinList(settings.supportedLanguages, ", ") + "): read as English data, never over English",
+             "add " + code + " to the supported languages (--languages, or \"supportedLanguages\" in " + kHostFileName +
+                 "), or rename the file if it is no translation of " + base});
     }
 }
 
@@ -142,6 +145,30 @@ void addUnusedPackageWarnings(Report& report) {
     }
 }
 
+// The name with each byte that is not part of valid UTF-8 as \xHH.
+std::string printableName(const std::string& name) {
+    std::string out;
+    for (std::size_t i = 0; i < name.size();) {
+        std::size_t length = 1;
+        const auto byte = static_cast<unsigned char>(name[i]);
+        if (byte >= 0xC0) {
+            length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
+        }
+        const std::string piece = name.substr(i, length);
+        if (byte < 0x80 || (piece.size() == length && toUtf8(toUtf16(piece)) == piece)) {
+            out += piece;
+            i += length;
+            continue;
+        }
+        static constexpr char kHex[] = "0123456789ABCDEF";
+        out += "\\x";
+        out += kHex[byte >> 4];
+        out += kHex[byte & 0xF];
+        ++i;
+    }
+    return out;
+}
+
 // Entries of a data folder that the library passes over; `accepts` tells the data files.
 template <class Accepts>
 void addIgnored(Report& report, const std::filesystem::path& folder, const std::filesystem::path& root,
@@ -153,8 +180,17 @@ void addIgnored(Report& report, const std::filesystem::path& folder, const std::
     }
     for (const auto& entry : entries) {
         const std::string name = entry.path().filename().string();
-        if (!entry.is_directory(error) && !accepts(name)) {
-            report.ignored.push_back(std::filesystem::relative(entry.path(), root, error).string());
+        if (entry.is_directory(error)) {
+            continue;
+        }
+        const std::string path = std::filesystem::relative(entry.path(), root, error).string();
+        if (!accepts(name)) {
+            report.ignored.push_back(path);
+        } else if (toUtf8(toUtf16(name)) != name) {
+            // The library's listing passes over such a name without a record.
+            report.skipped.push_back({printableName(path),
+                                      {kNameNotUtf8, "the library skips a data file whose name is not UTF-8",
+                                       "rename the file with a UTF-8 name (its bytes here are shown as \\xHH)"}});
         }
     }
     std::sort(report.ignored.begin(), report.ignored.end());
@@ -231,10 +267,10 @@ std::vector<WarningItem> warningItems(const CheckedFile& file) {
                 continue;
             }
         }
-        items.push_back({kind, warning.jsonPath, warning.text, 1});
+        items.push_back({kind, warning.jsonPath, warning.text, 1, kindFix(kind)});
     }
     for (const auto& warning : file.nameWarnings) {
-        items.push_back({warning.kind, "", warning.text, 1});
+        items.push_back({warning.kind, "", warning.text, 1, warning.fix.empty() ? kindFix(warning.kind) : warning.fix});
     }
     return items;
 }
@@ -267,25 +303,40 @@ std::string kindNote(const std::string& kind) {
 
 std::vector<WarningGroup> groupWarnings(const Report& report, const std::filesystem::path& root) {
     std::map<std::string, WarningGroup> groups;
+    // A file's warnings of one kind: their texts, and their fix when they all have the same.
+    struct Texts {
+        std::vector<std::string> texts;
+        std::set<std::string> fixes;
+    };
+    const auto addLine = [&](const std::string& label, const std::string& kind, const Texts& texts) {
+        const std::string& fix = *texts.fixes.begin();
+        groups[kind].lines.push_back({label, texts.texts, texts.fixes.size() == 1 && fix != kindFix(kind) ? fix : ""});
+    };
     for (const auto& file : report.files) {
         if (warningCount(file) == 0) {
             continue;
         }
-        std::map<std::string, std::vector<std::string>> texts; // kind → the file's texts of it
+        std::map<std::string, Texts> texts; // kind → the file's warnings of it
         for (const auto& item : warningItems(file)) {
             WarningGroup& group = groups[item.kind];
             group.count += item.count;
-            texts[item.kind].push_back(itemText(item));
+            texts[item.kind].texts.push_back(itemText(item));
+            texts[item.kind].fixes.insert(item.fix);
         }
         const std::string label = fileLabel(file.diagnostic, root);
         for (const auto& [kind, list] : texts) {
-            groups[kind].lines.push_back({label, list});
+            addLine(label, kind, list);
         }
+    }
+    for (const auto& skipped : report.skipped) {
+        ++groups[skipped.warning.kind].count;
+        addLine(skipped.file, skipped.warning.kind, {{skipped.warning.text}, {skipped.warning.fix}});
     }
     std::vector<WarningGroup> out;
     for (auto& [kind, group] : groups) {
         group.kind = kind;
         group.note = kindNote(kind);
+        group.fix = kindFix(kind);
         out.push_back(std::move(group));
     }
     return out;
@@ -366,6 +417,7 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
             out << '\n';
             if (d.dropped()) {
                 out << "           " << dropText(d) << '\n';
+                out << "           fix: " << dropFix(d) << '\n';
             }
         }
         if (shown == 0) {
@@ -382,9 +434,17 @@ void writeText(std::ostream& out, const Report& report, const HostSettings& sett
                 out << " (" << group.note << ')';
             }
             out << '\n';
+            bool generalFix = false;
             printList(out, group.lines, options.verbose, "    ", [&](const WarningGroup::Line& line) {
                 out << "    " << line.file << ": " << lineText(line, options.verbose) << '\n';
+                if (!line.fix.empty()) {
+                    out << "      fix: " << line.fix << '\n';
+                }
+                generalFix = generalFix || line.fix.empty();
             });
+            if (generalFix && !group.fix.empty()) {
+                out << "    fix: " << group.fix << '\n';
+            }
         }
     }
     if (!report.ignored.empty()) {
@@ -426,23 +486,44 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn, co
     std::set<Identity> seen;
     const auto roots = DocResourceParser::getReferenceRoots();
     const std::filesystem::path pageFolder = toUtf8(roots->referenceFolder);
+    // The cross-references are checked on what one run delivers: English alone when it is a
+    // supported language, else the first language's data merged over English.
+    const bool english = std::find(languages.begin(), languages.end(), "en") != languages.end();
+    const std::string checked = english ? std::string("en") : languages.front();
+    LoadedData data;
     for (const auto& language : languages) {
+        const bool keep = language == checked;
         runIn(language, [&] {
             {
                 ParseDiagnosticsScope scope;
                 auto lookup = DocResourceParser::getResourceLookupFiles();
-                addRecords(report, seen, DataKind::Lookup, scope.takeFiles());
+                std::vector<FileDiagnostic> records = scope.takeFiles();
+                if (keep) {
+                    data.lookupRecords = records;
+                }
+                addRecords(report, seen, DataKind::Lookup, std::move(records));
+                // The cross-references keep their language's data; the observer gets its own copy of it.
                 if (observer != nullptr && observer->lookup) {
-                    observer->lookup(language, std::move(lookup));
+                    observer->lookup(language, keep ? decltype(lookup)(lookup) : std::move(lookup));
+                }
+                if (keep) {
+                    data.lookup = std::move(lookup);
                 }
             }
             const PageFileRoles roles = pageFileRoles(pageFolder);
             for (const auto& name : roles.names) {
                 ParseDiagnosticsScope scope;
                 auto pages = DocResourceParser::getResourceFile(toUtf16(name));
-                addRecords(report, seen, DataKind::Page, scope.takeFiles(), roles.variants);
+                std::vector<FileDiagnostic> records = scope.takeFiles();
+                if (keep) {
+                    data.pageRecords[name] = records;
+                }
+                addRecords(report, seen, DataKind::Page, std::move(records), roles.variants);
                 if (observer != nullptr && observer->pages) {
-                    observer->pages(language, name, std::move(pages));
+                    observer->pages(language, name, keep ? decltype(pages)(pages) : std::move(pages));
+                }
+                if (keep) {
+                    data.pages[name] = std::move(pages);
                 }
             }
         });
@@ -454,6 +535,7 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn, co
     });
     addLocaleWarnings(report, settings);
     addUnusedPackageWarnings(report);
+    addCrossReferenceWarnings(report, data, settings.root);
     // The page loader reads NAME.json and its translations only: a package there is not data.
     addIgnored(report, toUtf8(roots->lookupFolder), settings.root,
                [](const std::string& name) { return DocResourceParser::isValidFilename(name); });
@@ -465,6 +547,7 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn, co
         report.dropped += file.diagnostic.dropped() ? 1 : 0;
         report.warnings += warningCount(file);
     }
+    report.warnings += report.skipped.size();
     return report;
 }
 
@@ -500,6 +583,9 @@ int run(const Options& options, std::ostream& out) {
             boost::json::value entry = toJson(file.diagnostic, settings.root);
             auto& object = entry.as_object();
             object["kind"] = file.kind == DataKind::Lookup ? "lookup" : "page";
+            if (file.diagnostic.dropped()) {
+                object["fix"] = dropFix(file.diagnostic);
+            }
             boost::json::array warningArray;
             for (const auto& item : warningItems(file)) {
                 warningArray.push_back(
@@ -507,7 +593,8 @@ int run(const Options& options, std::ostream& out) {
                                         {"jsonPath", item.jsonPath.empty() ? boost::json::value(nullptr)
                                                                            : boost::json::value(item.jsonPath)},
                                         {"text", item.text},
-                                        {"count", item.count}});
+                                        {"count", item.count},
+                                        {"fix", item.fix}});
             }
             object["warnings"] = std::move(warningArray);
             files.push_back(std::move(entry));
@@ -520,15 +607,24 @@ int run(const Options& options, std::ostream& out) {
         for (const auto& path : report.ignored) {
             ignored.push_back(boost::json::value(path));
         }
+        boost::json::array skipped;
+        for (const auto& file : report.skipped) {
+            skipped.push_back(boost::json::object{{"path", file.file},
+                                                  {"kind", file.warning.kind},
+                                                  {"text", file.warning.text},
+                                                  {"fix", file.warning.fix}});
+        }
         boost::json::object byKind;
         for (const auto& group : groups) {
-            byKind[group.kind] = boost::json::object{{"warnings", group.count}, {"files", group.lines.size()}};
+            byKind[group.kind] =
+                boost::json::object{{"warnings", group.count}, {"files", group.lines.size()}, {"fix", group.fix}};
         }
         boost::json::object document{
             {"root", settings.root.string()},
             {"languages", std::move(languageArray)},
             {"files", std::move(files)},
             {"ignored", std::move(ignored)},
+            {"skipped", std::move(skipped)},
             {"summary", boost::json::object{{"read", read},
                                             {"dropped", dropped},
                                             {"warnings", warnings},
@@ -575,8 +671,11 @@ Command checkCommand() {
                    "cannot be read. It also warns about what is read only leniently: support-package keys\n"
                    "already taken in the same file, enumeration texts that fall back to their defaults,\n"
                    "files named for an unsupported language that are read as English, packages of which\n"
-                   "no entry is read, and files in the data folders that are not data files.\n"
-                   "\n"
+                   "no entry is read, and files in the data folders that are not data files. With\n"
+                   "English current it checks cross-references: entries that link to no page, pages no\n"
+                   "entry links to, see-also links that lead nowhere, entries whose name or type is not\n"
+                   "their page's, and product keys held by several files. Each drop and each kind of\n"
+                   "warning ends with a 'fix:' line saying what to change.\n"
                    "\n"
                    "Dropped files are listed with their reasons; warnings are grouped by kind, with their\n"
                    "count and the first five files (an unknown enumeration text once per file and text,\n"

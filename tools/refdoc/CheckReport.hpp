@@ -19,10 +19,19 @@ namespace refdoc::tool {
 
 enum class DataKind { Lookup, Page };
 
-// A warning of the tool's own, about how the library reads a file's name.
+// A warning of the tool's own: about how the library reads a file's name, or about what the
+// file's data links to (see CrossReferences.hpp). `fix` says what to change when it names more
+// than the kind's fix (kindFix) does.
 struct NameWarning {
     std::string kind;
     std::string text;
+    std::string fix = {};
+};
+
+// A data file the library skips without reading it, so without a record of its own.
+struct SkippedFile {
+    std::string file; // relative to the root
+    NameWarning warning;
 };
 
 struct CheckedFile {
@@ -35,6 +44,7 @@ struct Report {
     std::vector<std::string> languages; // the languages the files were read with
     std::vector<CheckedFile> files;
     std::vector<std::string> ignored; // files in the data folders that the library never reads
+    std::vector<SkippedFile> skipped; // data files it passes over
     std::size_t dropped = 0;
     std::size_t warnings = 0;
 };
@@ -80,6 +90,10 @@ std::string droppedLine(std::size_t dropped);
 std::string fileLabel(const reference::docparser::FileDiagnostic& file, const std::filesystem::path& root);
 // Why a dropped file was dropped, in words.
 std::string dropText(const reference::docparser::FileDiagnostic& file);
+// What to change so that the library reads a dropped file (FixHints.cpp).
+std::string dropFix(const reference::docparser::FileDiagnostic& file);
+// What to change for a warning of `kind`, in general (FixHints.cpp).
+std::string kindFix(const std::string& kind);
 std::size_t warningCount(const CheckedFile& file);
 
 // One of a file's warnings as the reports give it: an unknown enumeration text once per text,
@@ -89,6 +103,7 @@ struct WarningItem {
     std::string jsonPath; // "" for a warning about the file's name
     std::string text;
     std::size_t count = 1;
+    std::string fix = {}; // the warning's own fix, or else its kind's
 };
 std::vector<WarningItem> warningItems(const CheckedFile& file);
 
@@ -97,9 +112,11 @@ struct WarningGroup {
     struct Line {
         std::string file;               // fileLabel
         std::vector<std::string> texts; // the file's warnings of this kind, in words
+        std::string fix = {};           // what to change in this file, when it says more than the kind's
     };
     std::string kind;
     std::string note;      // what the kind means for the data, or ""
+    std::string fix;       // what to change, for every line without a fix of its own
     std::size_t count = 0; // warnings (items, for unknown enumeration texts)
     std::vector<Line> lines;
 };

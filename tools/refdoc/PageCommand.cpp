@@ -6,6 +6,7 @@
 #include "Host.hpp"
 #include "Json.hpp"
 #include "PageView.hpp"
+#include "ProductPages.hpp"
 #include "Search.hpp"
 #include "Text.hpp"
 
@@ -164,23 +165,6 @@ const std::vector<RefItem>* pagesAt(const PageFiles& files, const std::u16string
     return nullptr;
 }
 
-// The page files to read for `folder`, the first folder of a link or a product's help folder:
-// the file named for it first (where the pages usually are), then every other one.
-std::vector<std::string> readingOrder(const std::set<std::string>& names, const std::string& folder) {
-    std::vector<std::string> order;
-    if (names.count(folder) != 0) {
-        order.push_back(folder);
-    }
-    for (const auto& name : names) {
-        if (name != folder) {
-            order.push_back(name);
-        }
-    }
-    return order;
-}
-
-std::string firstFolder(const std::string& href) { return href.substr(0, href.find('/')); }
-
 void printHeader(std::ostream& out, const std::u16string& key,
                  const DocResourceParser::RefItemFileMap::mapped_type& resource, bool whole) {
     out << "══ " << toUtf8(resource.getHeader().getProductName()) << "  [" << toUtf8(key) << "]";
@@ -257,22 +241,15 @@ std::optional<int> pagesOfProduct(const std::set<std::string>& names, const Look
     if (resource == nullptr) {
         return std::nullopt;
     }
-    // The page file is most often named for the folder of the product's links.
-    std::string folder = key;
-    for (const auto& [name, entries] : resource->getItems()) {
-        if (!entries.empty()) {
-            folder = firstFolder(toUtf8(entries.front().getHref()));
-            break;
-        }
-    }
-    for (const auto& name : readingOrder(names, folder)) {
-        PageFiles files = DocResourceParser::getResourceFile(toUtf16(name));
-        const auto found = files.find(wanted);
-        if (found != files.end()) {
-            PageFiles one;
-            one.insert(*found);
-            return printFiles(one, json, out);
-        }
+    PageFiles files;
+    const std::string file = productPageFile(names, productFolder(resource, key), [&](const std::string& name) {
+        files = DocResourceParser::getResourceFile(toUtf16(name));
+        return files.count(wanted) != 0;
+    });
+    if (!file.empty()) {
+        PageFiles one;
+        one.insert(*files.find(wanted));
+        return printFiles(one, json, out);
     }
     return std::nullopt;
 }

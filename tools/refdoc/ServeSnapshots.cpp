@@ -1,5 +1,6 @@
 #include "ServeSnapshots.hpp"
 
+#include "ProductPages.hpp"
 #include "Text.hpp"
 
 #include <doclanguage/DocLanguage.hpp>
@@ -122,18 +123,8 @@ std::string Snapshot::pageFileOf(const std::string& href) const {
         }
     }
     const std::u16string wanted = toUtf16(href);
-    const std::string first = href.substr(0, href.find('/'));
-    std::vector<std::string> order;
-    if (pageNames_.count(first) != 0) {
-        order.push_back(first);
-    }
-    for (const auto& name : pageNames_) {
-        if (name != first) {
-            order.push_back(name);
-        }
-    }
     std::string file;
-    for (const auto& name : order) {
+    for (const auto& name : readingOrder(pageNames_, firstFolder(href))) {
         const auto load = pages(name);
         const bool has = std::any_of(load->files.begin(), load->files.end(),
                                      [&](const auto& entry) { return entry.second.getItems().count(wanted) != 0; });

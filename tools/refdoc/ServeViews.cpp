@@ -579,7 +579,8 @@ std::vector<ProblemList> problemLists(const Report& report, const std::filesyste
             if (file.diagnostic.localeVariant) {
                 label += " (locale variant)";
             }
-            dropped.rows.push_back(cell(label, escape(dropText(file.diagnostic))));
+            dropped.rows.push_back(cell(label, escape(dropText(file.diagnostic)) + "<div class=\"fix\">fix: " +
+                                                   escape(dropFix(file.diagnostic)) + "</div>"));
         }
     }
     lists.push_back(std::move(dropped));
@@ -591,8 +592,12 @@ std::vector<ProblemList> problemLists(const Report& report, const std::filesyste
                              plural(group.lines.size(), "file", "files"),
                          escape(group.note),
                          {}};
+        if (!group.fix.empty()) {
+            list.note += (list.note.empty() ? "" : "<br>") + std::string("fix: ") + escape(group.fix);
+        }
         for (const auto& line : group.lines) {
-            list.rows.push_back(cell(line.file, escape(joinList(line.texts, "; "))));
+            const std::string fix = line.fix.empty() ? "" : "<div class=\"fix\">fix: " + escape(line.fix) + "</div>";
+            list.rows.push_back(cell(line.file, escape(joinList(line.texts, "; ")) + fix));
         }
         lists.push_back(std::move(list));
     }
