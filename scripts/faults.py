@@ -141,6 +141,22 @@ FAULTS = [
      [("tools/refdoc/CheckCommand.cpp",
        "const bool failed = dropped != 0 || (options.strict && warnings != 0);",
        "const bool failed = dropped != 0;")]),
+    ("F30", "check", "see-also links to pages of no page file are not reported",
+     [("tools/refdoc/CrossReferences.cpp",
+       "if (target.empty() || isExternalLink(url) || allPages_.count(target) != 0) {",
+       "if (true) {")]),
+    ("F31", "check", "an entry whose page its product's page file lacks is not reported",
+     [("tools/refdoc/CrossReferences.cpp",
+       "if (found == pages->getItems().end() || found->second.empty()) {",
+       "if (false) {")]),
+    ("F32", "check", "a translated entry equal to English counts as localized",
+     [("tools/refdoc/Coverage.cpp",
+       "if (found != translated->end() && found->second != list) {",
+       "if (found != translated->end()) {")]),
+    ("F33", "check", "translated pages are never found to lack sections",
+     [("tools/refdoc/PageView.cpp",
+       "        if (std::find(present.begin(), present.end(), section) == present.end()) {",
+       "        if (false) {")]),
 ]
 
 
