@@ -496,34 +496,32 @@ Report buildReport(const HostSettings& settings, const LanguageRunner& runIn, co
         runIn(language, [&] {
             {
                 ParseDiagnosticsScope scope;
-                auto lookup = DocResourceParser::getResourceLookupFiles();
+                auto lookup =
+                    std::make_shared<const DocResourceParser::ParsingResults<DocResourceParser::LookupResourceMap>>(
+                        DocResourceParser::getResourceLookupFiles());
                 std::vector<FileDiagnostic> records = scope.takeFiles();
                 if (keep) {
                     data.lookupRecords = records;
+                    data.lookup = lookup;
                 }
                 addRecords(report, seen, DataKind::Lookup, std::move(records));
-                // The cross-references keep their language's data; the observer gets its own copy of it.
                 if (observer != nullptr && observer->lookup) {
-                    observer->lookup(language, keep ? decltype(lookup)(lookup) : std::move(lookup));
-                }
-                if (keep) {
-                    data.lookup = std::move(lookup);
+                    observer->lookup(language, std::move(lookup));
                 }
             }
             const PageFileRoles roles = pageFileRoles(pageFolder);
             for (const auto& name : roles.names) {
                 ParseDiagnosticsScope scope;
-                auto pages = DocResourceParser::getResourceFile(toUtf16(name));
+                auto pages = std::make_shared<const DocResourceParser::RefItemFileMap>(
+                    DocResourceParser::getResourceFile(toUtf16(name)));
                 std::vector<FileDiagnostic> records = scope.takeFiles();
                 if (keep) {
                     data.pageRecords[name] = records;
+                    data.pages[name] = pages;
                 }
                 addRecords(report, seen, DataKind::Page, std::move(records), roles.variants);
                 if (observer != nullptr && observer->pages) {
-                    observer->pages(language, name, keep ? decltype(pages)(pages) : std::move(pages));
-                }
-                if (keep) {
-                    data.pages[name] = std::move(pages);
+                    observer->pages(language, name, std::move(pages));
                 }
             }
         });

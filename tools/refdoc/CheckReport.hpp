@@ -11,6 +11,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -50,13 +51,15 @@ struct Report {
 };
 
 // What each language's loads delivered, handed over as soon as a load returns, for reports made
-// from the data itself (the translation coverage). Either may be empty.
+// from the data itself (the translation coverage). Either may be empty. The data is shared with
+// the report's own checks, so keeping it costs no copy.
 struct LoadObserver {
-    std::function<void(const std::string& language, reference::docparser::DocResourceParser::ParsingResults<
-                                                        reference::docparser::DocResourceParser::LookupResourceMap>&&)>
+    std::function<void(const std::string& language,
+                       std::shared_ptr<const reference::docparser::DocResourceParser::ParsingResults<
+                           reference::docparser::DocResourceParser::LookupResourceMap>>)>
         lookup;
     std::function<void(const std::string& language, const std::string& name,
-                       reference::docparser::DocResourceParser::RefItemFileMap&&)>
+                       std::shared_ptr<const reference::docparser::DocResourceParser::RefItemFileMap>)>
         pages;
 };
 

@@ -106,29 +106,32 @@ void CoverageCounts::add(const CoverageCounts& other) {
 }
 
 LoadObserver CoverageBuilder::observer() {
-    return {[this](const std::string& language, LookupResults&& results) { addLookup(language, std::move(results)); },
-            [this](const std::string& language, const std::string& name, PageFiles&& files) {
+    return {[this](const std::string& language, std::shared_ptr<const LookupResults> results) {
+                addLookup(language, std::move(results));
+            },
+            [this](const std::string& language, const std::string& name, std::shared_ptr<const PageFiles> files) {
                 addPages(language, name, std::move(files));
             }};
 }
 
-void CoverageBuilder::addLookup(const std::string& language, LookupResults&& results) {
+void CoverageBuilder::addLookup(const std::string& language, std::shared_ptr<const LookupResults> results) {
     if (language == kEnglish) {
         englishLookup_ = std::move(results);
     } else if (englishLookup_) {
         // Each language is loaded whole before the next one: English is complete.
-        compareLookup(language, results);
+        compareLookup(language, *results);
     } else {
         pending_.push_back({language, "", std::move(results), {}});
     }
 }
 
-void CoverageBuilder::addPages(const std::string& language, const std::string& name, PageFiles&& files) {
+void CoverageBuilder::addPages(const std::string& language, const std::string& name,
+                               std::shared_ptr<const PageFiles> files) {
     if (language == kEnglish) {
         englishPages_[name] = std::move(files);
     } else if (englishLookup_) {
         const auto english = englishPages_.find(name);
-        comparePages(language, english == englishPages_.end() ? PageFiles{} : english->second, files);
+        comparePages(language, english == englishPages_.end() ? PageFiles{} : *english->second, *files);
     } else {
         pending_.push_back({language, name, {}, std::move(files)});
     }
@@ -161,14 +164,14 @@ void CoverageBuilder::comparePages(const std::string& language, const PageFiles&
 
 Coverage CoverageBuilder::finish(const std::vector<std::string>& languages) {
     if (!englishLookup_) {
-        englishLookup_.emplace();
+        englishLookup_ = std::make_shared<const LookupResults>();
     }
     for (const auto& load : pending_) {
         if (load.name.empty()) {
-            compareLookup(load.language, load.lookup);
+            compareLookup(load.language, *load.lookup);
         } else {
             const auto english = englishPages_.find(load.name);
-            comparePages(load.language, english == englishPages_.end() ? PageFiles{} : english->second, load.pages);
+            comparePages(load.language, english == englishPages_.end() ? PageFiles{} : *english->second, *load.pages);
         }
     }
     pending_.clear();
@@ -201,10 +204,13 @@ std::pair<Report, Coverage> buildReportWithCoverage(const HostSettings& settings
     if (!builder.hasEnglish()) {
         // English is not a supported language, so the check never read it alone.
         runIn(kEnglish, [&] {
-            builder.addLookup(kEnglish, DocResourceParser::getResourceLookupFiles());
+            builder.addLookup(kEnglish, std::make_shared<const CoverageBuilder::LookupResults>(
+                                            DocResourceParser::getResourceLookupFiles()));
             const auto roots = DocResourceParser::getReferenceRoots();
             for (const auto& name : pageFileRoles(toUtf8(roots->referenceFolder)).names) {
-                builder.addPages(kEnglish, name, DocResourceParser::getResourceFile(toUtf16(name)));
+                builder.addPages(kEnglish, name,
+                                 std::make_shared<const CoverageBuilder::PageFiles>(
+                                     DocResourceParser::getResourceFile(toUtf16(name))));
             }
         });
     }

@@ -73,10 +73,10 @@ public:
 
     // The observer for buildReport that hands every load to this builder.
     LoadObserver observer();
-    void addLookup(const std::string& language, LookupResults&& results);
-    void addPages(const std::string& language, const std::string& name, PageFiles&& files);
+    void addLookup(const std::string& language, std::shared_ptr<const LookupResults> results);
+    void addPages(const std::string& language, const std::string& name, std::shared_ptr<const PageFiles> files);
 
-    bool hasEnglish() const { return englishLookup_.has_value(); }
+    bool hasEnglish() const { return englishLookup_ != nullptr; }
     // The coverage of `languages` (English among them is passed over). Call once.
     Coverage finish(const std::vector<std::string>& languages);
 
@@ -84,15 +84,15 @@ private:
     struct Pending {
         std::string language;
         std::string name; // "" for the lookup data
-        LookupResults lookup;
-        PageFiles pages;
+        std::shared_ptr<const LookupResults> lookup;
+        std::shared_ptr<const PageFiles> pages;
     };
     void compareLookup(const std::string& language, const LookupResults& results);
     void comparePages(const std::string& language, const PageFiles& english, const PageFiles& translated);
 
-    std::optional<LookupResults> englishLookup_;
-    std::map<std::string, PageFiles> englishPages_; // by page file name
-    std::vector<Pending> pending_;                  // loads that came before the English ones
+    std::shared_ptr<const LookupResults> englishLookup_;
+    std::map<std::string, std::shared_ptr<const PageFiles>> englishPages_; // by page file name
+    std::vector<Pending> pending_;                                         // loads that came before the English ones
     std::map<std::string, std::map<std::string, ProductCoverage>> byLanguage_;
 };
 

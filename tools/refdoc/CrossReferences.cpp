@@ -14,14 +14,17 @@ using reference::docparser::DocResourceParser;
 using reference::docparser::FileDiagnostic;
 using reference::property::RefEntityType;
 
-bool isExternalLink(const std::string& link) {
-    // RFC 3986: ALPHA *( ALPHA / DIGIT / "+" / "-" / "." ) ":"
-    const auto isAlpha = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+namespace {
+
+// Whether the link starts with a URI scheme, RFC 3986: ALPHA *( ALPHA / DIGIT / "+" / "-" / "." ) ":"
+template <class Char>
+bool hasScheme(std::basic_string_view<Char> link) {
+    const auto isAlpha = [](Char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
     if (link.empty() || !isAlpha(link.front())) {
         return false;
     }
     for (std::size_t i = 1; i < link.size(); ++i) {
-        const char c = link[i];
+        const Char c = link[i];
         if (c == ':') {
             return true;
         }
@@ -32,16 +35,19 @@ bool isExternalLink(const std::string& link) {
     return false;
 }
 
+} // namespace
+
+bool isExternalLink(const std::string& link) { return hasScheme(std::string_view(link)); }
+
 namespace {
 
 using LookupResource = DocResourceParser::LookupResourceMap::mapped_type;
 using PageResource = DocResourceParser::RefItemFileMap::mapped_type;
 using Identity = std::tuple<DiagnosticSource, std::u16string, std::u16string>;
 
-std::string withoutFragment(const std::u16string& link) {
-    const std::string text = toUtf8(link);
-    return text.substr(0, text.find('#'));
-}
+// The link up to its fragment. The checks compare links as the data holds them (UTF-16) and
+// write UTF-8 only into the warnings they give.
+std::u16string_view withoutFragment(std::u16string_view link) { return link.substr(0, link.find(u'#')); }
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
@@ -65,9 +71,9 @@ public:
         }
         for (const auto& [name, files] : data.pages) {
             names_.insert(name);
-            for (const auto& [key, resource] : files) {
+            for (const auto& [key, resource] : *files) {
                 for (const auto& [href, pages] : resource.getItems()) {
-                    allPages_.insert(toUtf8(href));
+                    allPages_.insert(href);
                 }
             }
         }
@@ -83,13 +89,13 @@ public:
     }
 
     void run() {
-        for (const auto* map : {&data_.lookup.installedResources, &data_.lookup.uninstalledResources}) {
+        for (const auto* map : {&data_.lookup->installedResources, &data_.lookup->uninstalledResources}) {
             for (const auto& [key, resource] : *map) {
                 checkEntries(toUtf8(key), resource);
             }
         }
         for (const auto& [name, files] : data_.pages) {
-            for (const auto& [key, resource] : files) {
+            for (const auto& [key, resource] : *files) {
                 const std::string productKey = toUtf8(key);
                 if (pageFileOf(productKey) == name) {
                     checkPages(name, productKey, resource);
@@ -105,7 +111,7 @@ private:
     // The lookup resource of a product key, or null.
     const LookupResource* lookupOf(const std::string& key) const {
         const std::u16string wanted = toUtf16(key);
-        for (const auto* map : {&data_.lookup.installedResources, &data_.lookup.uninstalledResources}) {
+        for (const auto* map : {&data_.lookup->installedResources, &data_.lookup->uninstalledResources}) {
             if (const auto found = map->find(wanted); found != map->end()) {
                 return &found->second;
             }
@@ -122,7 +128,7 @@ private:
         const std::u16string wanted = toUtf16(key);
         const std::string file =
             productPageFile(names_, productFolder(lookupOf(key), key),
-                            [&](const std::string& name) { return data_.pages.at(name).count(wanted) != 0; });
+                            [&](const std::string& name) { return data_.pages.at(name)->count(wanted) != 0; });
         return pageFileOf_.emplace(key, file).first->second;
     }
 
@@ -164,43 +170,49 @@ private:
         if (pageName.empty() && pageDropped_) {
             return; // the product's pages may be in the dropped file: its drop is reported
         }
-        const PageResource* pages = pageName.empty() ? nullptr : &data_.pages.at(pageName).at(toUtf16(key));
+        const PageResource* pages = pageName.empty() ? nullptr : &data_.pages.at(pageName)->at(toUtf16(key));
         const std::string pageLabel = pageName.empty() ? "" : label(pageRecordOf(pageName));
         for (const auto& [name, entries] : resource.getItems()) {
             for (const auto& entry : entries) {
-                const std::string entryName = quoted(toUtf8(entry.getName()));
-                const std::string href = withoutFragment(entry.getHref());
-                const auto found =
-                    pages ? pages->getItems().find(toUtf16(href)) : PageResource::ItemMap::const_iterator{};
-                if (pages == nullptr) {
-                    warn(lookupFile, {kEntryWithoutPage,
-                                      "entry " + entryName + " of " + key + " links to " + href +
-                                          ", but no page file has the product " + key,
-                                      "add a page file with the product " + key + " and a page with href " + href +
-                                          ", or correct the entry's href"});
+                const std::u16string href16(withoutFragment(entry.getHref()));
+                const auto found = pages ? pages->getItems().find(href16) : PageResource::ItemMap::const_iterator{};
+                if (pages == nullptr || found == pages->getItems().end() || found->second.empty()) {
+                    reportEntryWithoutPage(lookupFile, key, pages != nullptr, pageLabel, entry, toUtf8(href16));
                     continue;
                 }
-                if (found == pages->getItems().end() || found->second.empty()) {
-                    warn(lookupFile, {kEntryWithoutPage,
-                                      "entry " + entryName + " of " + key + " links to " + href + ", which " +
-                                          pageLabel + " does not have",
-                                      "add a page with href " + href + " to " + pageLabel + " (product " + key +
-                                          ") or correct the entry's href"});
-                    continue;
-                }
-                checkAgreement(lookupFile, key, entry, href, found->second.front());
+                checkAgreement(lookupFile, key, entry, href16, found->second.front());
             }
         }
     }
 
+    void reportEntryWithoutPage(const FileDiagnostic* lookupFile, const std::string& key, bool hasPageFile,
+                                const std::string& pageLabel, const reference::property::RefItemLookup& entry,
+                                const std::string& href) {
+        const std::string entryName = quoted(toUtf8(entry.getName()));
+        if (!hasPageFile) {
+            warn(lookupFile, {kEntryWithoutPage,
+                              "entry " + entryName + " of " + key + " links to " + href +
+                                  ", but no page file has the product " + key,
+                              "add a page file with the product " + key + " and a page with href " + href +
+                                  ", or correct the entry's href"});
+            return;
+        }
+        warn(lookupFile,
+             {kEntryWithoutPage,
+              "entry " + entryName + " of " + key + " links to " + href + ", which " + pageLabel + " does not have",
+              "add a page with href " + href + " to " + pageLabel + " (product " + key +
+                  ") or correct the entry's href"});
+    }
+
     void checkAgreement(const FileDiagnostic* lookupFile, const std::string& key,
-                        const reference::property::RefItemLookup& entry, const std::string& href,
+                        const reference::property::RefItemLookup& entry, const std::u16string& href16,
                         const reference::property::RefItem& page) {
         const auto& entities = page.getEntities();
         if (entities.empty()) {
             return;
         }
-        const std::string entryName = quoted(toUtf8(entry.getName()));
+        const auto entryName = [&] { return quoted(toUtf8(entry.getName())); };
+        const auto href = [&] { return toUtf8(href16); };
         const auto named = std::find_if(entities.begin(), entities.end(),
                                         [&](const auto& entity) { return entity.getName() == entry.getName(); });
         if (named == entities.end()) {
@@ -209,7 +221,7 @@ private:
                 names.push_back(quoted(toUtf8(entity.getName())));
             }
             warn(lookupFile, {kEntryPageMismatch,
-                              "entry " + entryName + " of " + key + " and its page " + href +
+                              "entry " + entryName() + " of " + key + " and its page " + href() +
                                   " disagree on the name: the page documents " + joinList(names, ", "),
                               "rename the entry to " + names.front() + " or correct the page's entity names"});
             return;
@@ -220,7 +232,7 @@ private:
             pageType != RefEntityType::Unspecified) {
             warn(lookupFile,
                  {kEntryPageMismatch,
-                  "entry " + entryName + " of " + key + " is a " + typeName(entryType) + ", its page " + href +
+                  "entry " + entryName() + " of " + key + " is a " + typeName(entryType) + ", its page " + href() +
                       " documents it as a " + typeName(pageType),
                   "give the entry the type \"" + typeName(pageType) + "\" or correct the page's entity type"});
         }
@@ -232,20 +244,20 @@ private:
         if (resource == nullptr && lookupDropped_) {
             return; // the product's entries may be in the dropped file: its drop is reported
         }
-        std::set<std::string> linked;
+        std::set<std::u16string, std::less<>> linked; // entries give their links by value
         if (resource != nullptr) {
             for (const auto& [name, entries] : resource->getItems()) {
                 for (const auto& entry : entries) {
-                    linked.insert(withoutFragment(entry.getHref()));
+                    linked.emplace(withoutFragment(entry.getHref()));
                 }
             }
         }
         const std::string lookupLabel = label(lookupFileOf(key));
         for (const auto& [href16, list] : pages.getItems()) {
-            const std::string href = toUtf8(href16);
-            if (linked.count(href) != 0) {
+            if (linked.count(href16) != 0) {
                 continue;
             }
+            const std::string href = toUtf8(href16);
             if (resource == nullptr) {
                 warn(pageFile,
                      {kPageWithoutEntry, "page " + href + " of " + key + ": no lookup file has the product " + key,
@@ -266,11 +278,13 @@ private:
         for (const auto& [href, list] : pages.getItems()) {
             for (const auto& page : list) {
                 for (const auto& link : page.getSeeAlso()) {
-                    const std::string url = toUtf8(link.getUrl());
-                    const std::string target = url.substr(0, url.find('#'));
-                    if (target.empty() || isExternalLink(url) || allPages_.count(target) != 0) {
+                    const std::u16string_view url16 = link.getUrl();
+                    const std::u16string_view target16 = withoutFragment(url16);
+                    if (target16.empty() || hasScheme(url16) || allPages_.count(target16) != 0) {
                         continue;
                     }
+                    const std::string url = toUtf8(url16);
+                    const std::string target = toUtf8(target16);
                     warn(pageFile, {kBrokenSeeAlso,
                                     "page " + toUtf8(href) + ": see-also " + quoted(toUtf8(link.getName())) +
                                         " links to " + url + ", which no page file has",
@@ -298,7 +312,7 @@ private:
     void checkPageKeys() {
         std::map<std::string, std::vector<std::string>> holders; // key → page file names, in name order
         for (const auto& [name, files] : data_.pages) {
-            for (const auto& [key, resource] : files) {
+            for (const auto& [key, resource] : *files) {
                 holders[toUtf8(key)].push_back(name);
             }
         }
@@ -328,7 +342,7 @@ private:
     const std::filesystem::path& root_;
     std::map<Identity, std::size_t> files_;
     std::set<std::string> names_;
-    std::set<std::string> allPages_;
+    std::set<std::u16string_view, std::less<>> allPages_; // views of the page files' keys
     std::map<std::string, std::vector<const FileDiagnostic*>> lookupHolders_;
     std::map<std::string, std::string> pageFileOf_;
     bool lookupDropped_ = false;
@@ -338,7 +352,9 @@ private:
 } // namespace
 
 void addCrossReferenceWarnings(Report& report, const LoadedData& data, const std::filesystem::path& root) {
-    Checker(report, data, root).run();
+    if (data.lookup) {
+        Checker(report, data, root).run();
+    }
 }
 
 } // namespace refdoc::tool

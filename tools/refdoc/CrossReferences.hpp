@@ -17,6 +17,7 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,10 +32,12 @@ inline constexpr const char* kNameNotUtf8 = "file name not UTF-8";
 
 // What the loads of one language delivered.
 struct LoadedData {
-    reference::docparser::DocResourceParser::ParsingResults<reference::docparser::DocResourceParser::LookupResourceMap>
-        lookup;
-    std::vector<reference::docparser::FileDiagnostic> lookupRecords;                      // in the order they were read
-    std::map<std::string, reference::docparser::DocResourceParser::RefItemFileMap> pages; // by page file name
+    std::shared_ptr<const reference::docparser::DocResourceParser::ParsingResults<
+        reference::docparser::DocResourceParser::LookupResourceMap>>
+        lookup;                                                      // never null once a load was kept
+    std::vector<reference::docparser::FileDiagnostic> lookupRecords; // in the order they were read
+    // By page file name.
+    std::map<std::string, std::shared_ptr<const reference::docparser::DocResourceParser::RefItemFileMap>> pages;
     std::map<std::string, std::vector<reference::docparser::FileDiagnostic>> pageRecords; // by page file name
 };
 
