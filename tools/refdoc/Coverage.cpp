@@ -151,8 +151,7 @@ void CoverageBuilder::comparePages(const std::string& language, const PageFiles&
                             return;
                         }
                         SectionGap gap{toUtf8(href), {}, {}};
-                        for (const auto& section : lackingSections(makePageView(englishPages.front()),
-                                                                   makePageView(translatedPages.front()))) {
+                        for (const auto& section : lackingSections(englishPages.front(), translatedPages.front())) {
                             gap.sectionIds.emplace_back(section.id);
                             gap.sectionTitles.emplace_back(section.title);
                         }

@@ -107,32 +107,56 @@ PageView makePageView(const RefItem& page) {
 
 bool PageSection::operator==(const PageSection& other) const { return std::string_view(id) == other.id; }
 
-std::vector<PageSection> sectionsOf(const PageView& page) {
+namespace {
+
+// The sections in the order the page shows them, kept where `present` says so.
+std::vector<PageSection> presentSections(std::initializer_list<bool> present) {
+    static constexpr PageSection kSections[] = {
+        {"syntax", "Syntax"},         {"inputs", "Inputs"},     {"outputs", "Outputs"}, {"properties", "Properties"},
+        {"parameters", "Parameters"}, {"examples", "Examples"}, {"seealso", "See also"}};
     std::vector<PageSection> sections;
-    const auto add = [&](bool present, const char* id, const char* title) {
-        if (present) {
-            sections.push_back({id, title});
+    std::size_t i = 0;
+    for (const bool is : present) {
+        if (is) {
+            sections.push_back(kSections[i]);
         }
-    };
-    add(!page.syntaxGroups.empty(), "syntax", "Syntax");
-    add(!page.inputGroups.empty(), "inputs", "Inputs");
-    add(!page.outputs.empty(), "outputs", "Outputs");
-    add(!page.propertyGroups.empty(), "properties", "Properties");
-    add(!page.parameters.empty(), "parameters", "Parameters");
-    add(!page.examples.empty(), "examples", "Examples");
-    add(!page.seeAlso.empty(), "seealso", "See also");
+        ++i;
+    }
     return sections;
 }
 
-std::vector<PageSection> lackingSections(const PageView& english, const PageView& translated) {
+template <class Page>
+std::vector<PageSection> lacking(const Page& english, const Page& translated) {
     const std::vector<PageSection> present = sectionsOf(translated);
-    std::vector<PageSection> lacking;
+    std::vector<PageSection> missing;
     for (const auto& section : sectionsOf(english)) {
         if (std::find(present.begin(), present.end(), section) == present.end()) {
-            lacking.push_back(section);
+            missing.push_back(section);
         }
     }
-    return lacking;
+    return missing;
+}
+
+} // namespace
+
+std::vector<PageSection> sectionsOf(const PageView& page) {
+    return presentSections({!page.syntaxGroups.empty(), !page.inputGroups.empty(), !page.outputs.empty(),
+                            !page.propertyGroups.empty(), !page.parameters.empty(), !page.examples.empty(),
+                            !page.seeAlso.empty()});
+}
+
+std::vector<PageSection> sectionsOf(const RefItem& page) {
+    return presentSections({!page.getSyntaxGroups().empty(), !page.getInputGroups().empty(), !page.getOutputs().empty(),
+                            !page.getClassPropertyGroups().empty(), !page.getParameters().empty(),
+                            !page.getExamples().empty(), !page.getSeeAlso().empty()});
+}
+
+std::vector<PageSection> lackingSections(const PageView& english, const PageView& translated) {
+    return lacking(english, translated);
+}
+
+std::vector<PageSection> lackingSections(const RefItem& english, const RefItem& translated) {
+    return lacking(english, translated);
 }
 
 } // namespace refdoc::tool

@@ -80,7 +80,12 @@ struct PageSection {
 };
 // The page's sections that have content, in the order they are shown.
 std::vector<PageSection> sectionsOf(const PageView& page);
+// The same from the record, without making its view (a section is present when the record
+// has any of it, as the view then shows it).
+std::vector<PageSection> sectionsOf(const reference::property::RefItem& page);
 // The sections `english` has and `translated` lacks, in the order they are shown.
 std::vector<PageSection> lackingSections(const PageView& english, const PageView& translated);
+std::vector<PageSection> lackingSections(const reference::property::RefItem& english,
+                                         const reference::property::RefItem& translated);
 
 } // namespace refdoc::tool
