@@ -66,6 +66,26 @@ public:
         return status_.value_or(-1);
     }
 
+    // GETs `path` and expects status 200, every text of `shown` in the body and none of `hidden`;
+    // the body, for more checks.
+    std::string expectView(const std::string& path, const std::vector<std::string>& shown,
+                           const std::vector<std::string>& hidden = {}) const {
+        SCOPED_TRACE(path);
+        const auto response = client().Get(path);
+        if (!response) {
+            ADD_FAILURE() << "no response";
+            return {};
+        }
+        EXPECT_EQ(response->status, 200);
+        for (const auto& text : shown) {
+            EXPECT_NE(response->body.find(text), std::string::npos) << text << " not in\n" << response->body;
+        }
+        for (const auto& text : hidden) {
+            EXPECT_EQ(response->body.find(text), std::string::npos) << text << " in\n" << response->body;
+        }
+        return response->body;
+    }
+
 private:
     boost::process::ipstream printed_;
     boost::process::child child_;
